@@ -1,0 +1,13 @@
+# One place for what every target of ours is compiled with; warnings are errors.
+add_library(quorvane_options INTERFACE)
+target_compile_options(quorvane_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror
+  -fstack-protector-strong)
+target_compile_definitions(quorvane_options INTERFACE
+  QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+  QUORVANE_VERSION="${PROJECT_VERSION}")
+if(QUORVANE_SANITIZE)
+  target_compile_options(quorvane_options INTERFACE -fsanitize=${QUORVANE_SANITIZE} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(quorvane_options INTERFACE -fsanitize=${QUORVANE_SANITIZE})
+endif()

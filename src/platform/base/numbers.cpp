@@ -1,0 +1,132 @@
+#include "base/numbers.h"
+
+#include "base/text.h"
+
+#include <QLocale>
+#include <cmath>
+#include <limits>
+
+namespace base {
+
+namespace {
+
+// Half to even, whatever rounding mode the process is in.
+double RoundHalfEven(double value) {
+    const double floor = std::floor(value);
+    const double rest = value - floor;
+    if (rest < 0.5)
+        return floor;
+    if (rest > 0.5)
+        return floor + 1;
+    return std::fmod(floor, 2.0) == 0 ? floor : floor + 1;
+}
+
+template <typename Integer> Integer Clamped(double value) {
+    if (std::isnan(value))
+        return 0;
+    if (value <= double(std::numeric_limits<Integer>::min()))
+        return std::numeric_limits<Integer>::min();
+    if (value >= double(std::numeric_limits<Integer>::max()))
+        return std::numeric_limits<Integer>::max();
+    return Integer(value);
+}
+
+QString FixedDecimals(double value, int decimals) {
+    // The exact decimal expansion of a double seldom ends in a tie, so rounding is done on its 15 significant digits.
+    const double factor = std::pow(10.0, decimals);
+    const double scaled = QString::number(std::fabs(value) * factor, 'g', 15).toDouble();
+    const double rounded = std::copysign(std::floor(scaled + 0.5) / factor, value);
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    return locale.toString(rounded == 0 ? 0.0 : rounded, 'f', decimals);
+}
+
+QString AtLeastDigits(double value, qsizetype digits) {
+    QString text = FixedDecimals(value, 0);
+    const bool negative = text.startsWith(u'-');
+    if (negative)
+        text.remove(0, 1);
+    text = text.rightJustified(digits, u'0');
+    return negative ? QStringLiteral("-") + text : text;
+}
+
+QString Grouped(double value) {
+    const qint64 whole = RoundToInt64(value);
+    if (whole == 0)
+        return {};
+    QString digits = QString::number(std::abs(whole));
+    const QString separator = QLocale().groupSeparator();
+    for (qsizetype at = digits.size() - 3; at > 0; at -= 3)
+        digits.insert(at, separator);
+    return whole < 0 ? QStringLiteral("-") + digits : digits;
+}
+
+} // namespace
+
+qint32 RoundToInt(double value) { return Clamped<qint32>(RoundHalfEven(value)); }
+
+qint64 RoundToInt64(double value) { return Clamped<qint64>(RoundHalfEven(value)); }
+
+double Int(double value) { return std::floor(value); }
+
+double Fix(double value) { return std::trunc(value); }
+
+QString FormatNumber(double value, const QString& pattern) {
+    if (!std::isfinite(value))
+        return QString::number(value);
+    if (pattern == QLatin1String("###,###,###,###"))
+        return Grouped(value);
+    if (pattern == QLatin1String("#0"))
+        return FixedDecimals(value, 0);
+    const qsizetype point = pattern.indexOf(u'.');
+    const QString whole = point < 0 ? pattern : pattern.first(point);
+    if (whole.isEmpty() || whole.count(u'0') != whole.size())
+        return QString::number(value, 'g', 15);
+    if (point < 0)
+        return AtLeastDigits(value, whole.size());
+    return FixedDecimals(value, int(pattern.size() - point - 1));
+}
+
+QString FormatNumber(const QString& text, const QString& pattern) {
+    const std::optional<double> number = TextToNumber(text);
+    return number ? FormatNumber(*number, pattern) : text;
+}
+
+std::optional<double> TextToNumber(const QString& text) {
+    const QString trimmed = Trim(text);
+    if (trimmed.isEmpty())
+        return std::nullopt;
+    bool ok = false;
+    if (trimmed.startsWith(QLatin1String("&H"), Qt::CaseInsensitive)) {
+        const quint32 value = trimmed.mid(2).toUInt(&ok, 16);
+        return ok ? std::optional<double>(double(qint32(value))) : std::nullopt;
+    }
+    // C's grammar also takes "inf" and "nan", which are words here.
+    for (const QChar character : trimmed)
+        if (!character.isDigit() && !QStringLiteral("+-.eE").contains(character))
+            return std::nullopt;
+    const double value = QLocale::c().toDouble(trimmed, &ok);
+    return ok && std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
+}
+
+std::optional<qint32> TextToInt(const QString& text) {
+    const std::optional<double> number = TextToNumber(text);
+    if (!number)
+        return std::nullopt;
+    const double rounded = RoundHalfEven(*number);
+    if (rounded < double(std::numeric_limits<qint32>::min()) || rounded > double(std::numeric_limits<qint32>::max()))
+        return std::nullopt;
+    return qint32(rounded);
+}
+
+std::optional<bool> TextToBool(const QString& text) {
+    const QString trimmed = Trim(text);
+    if (trimmed.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
+        return true;
+    if (trimmed.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
+        return false;
+    const std::optional<double> number = TextToNumber(text);
+    return number ? std::optional<bool>(*number != 0) : std::nullopt;
+}
+
+} // namespace base

@@ -1,0 +1,27 @@
+// Paths as the program writes them (backslashes, names without regard to case) and the native paths behind them.
+#pragma once
+
+#include <QString>
+
+namespace base {
+
+// The native form of a path of the program: backslashes become slashes, doubled ones count once, and the last component
+// takes the spelling of an existing file that differs only in case (an exact match wins). Empty stays empty.
+QString NativePath(const QString& path);
+
+// Whether a file (not a folder) stands at this path of the program.
+bool FileExists(const QString& path);
+
+// DeleteFileW: true if the file was there and is gone now. Never removes a folder.
+bool DeleteFileW(const QString& path);
+
+// SHCreateDirectoryExW: creates the folder and its parents with the user's own mask. True if it exists afterwards.
+bool SHCreateDirectoryExW(const QString& path);
+
+// The program's folder, native, without a trailing slash. The executable's folder if the user may write there; otherwise
+// `quorvane` below the user's data folder (XDG data home), created and filled with the installed data files the first
+// time. The result is fixed for the process; tests set it.
+QString ProgramFolder();
+void SetProgramFolder(const QString& folder);
+
+} // namespace base

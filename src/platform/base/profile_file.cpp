@@ -1,0 +1,193 @@
+#include "base/profile_file.h"
+
+#include "base/paths.h"
+#include "base/text.h"
+
+#include <QFile>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace base {
+
+namespace {
+
+constexpr qint64 largestFile = 4 * 1024 * 1024; // bytes
+constexpr auto unicodeMark = "\xFF\xFE";
+
+struct ProfileText {
+    QString text;
+    bool unicode = false;
+};
+
+std::optional<ProfileText> Load(const QString& path) {
+    QFile file(NativePath(path));
+    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
+        return std::nullopt;
+    const QByteArray bytes = file.read(largestFile + 1);
+    if (bytes.size() > largestFile)
+        return std::nullopt;
+    if (!bytes.startsWith(unicodeMark))
+        return ProfileText{FromAnsi(bytes), false};
+    QString text(bytes.size() / 2 - 1, Qt::Uninitialized);
+    for (qsizetype i = 0; i < text.size(); ++i)
+        text[i] = QChar(char16_t(uchar(bytes.at(2 * i + 2)) | uchar(bytes.at(2 * i + 3)) << 8));
+    return ProfileText{text, true};
+}
+
+QByteArray Encoded(const ProfileText& profile) {
+    if (!profile.unicode)
+        return ToAnsi(profile.text);
+    QByteArray bytes(unicodeMark);
+    bytes.reserve(2 * profile.text.size() + 2);
+    for (const QChar character : profile.text) {
+        bytes.append(char(character.unicode() & 0xFF));
+        bytes.append(char(character.unicode() >> 8));
+    }
+    return bytes;
+}
+
+// Written beside the target and renamed over it. There is no flush to the disk: after a power cut the file system shows
+// the old file or the new one, and twenty-eight colours in a row must not wait for twenty-eight flushes.
+bool Store(const QString& path, const QByteArray& bytes) {
+    const QString native = NativePath(path);
+    const QByteArray target = QFile::encodeName(native);
+    QByteArray temporary = target + ".XXXXXX";
+    const int handle = mkstemp(temporary.data());
+    if (handle < 0)
+        return false;
+    struct stat existing = {};
+    if (stat(target.constData(), &existing) == 0) {
+        fchmod(handle, existing.st_mode & 07777);
+    } else {
+        const mode_t mask = umask(0);
+        umask(mask);
+        fchmod(handle, 0666 & ~mask);
+    }
+    bool good = true;
+    for (qsizetype done = 0; good && done < bytes.size();) {
+        const ssize_t count = write(handle, bytes.constData() + done, size_t(bytes.size() - done));
+        good = count > 0;
+        done += qMax<ssize_t>(count, 0);
+    }
+    good = close(handle) == 0 && good;
+    good = good && rename(temporary.constData(), target.constData()) == 0;
+    if (!good)
+        unlink(temporary.constData());
+    return good;
+}
+
+// The range of one line without its end, and where the next one starts.
+struct Line {
+    qsizetype start = 0;
+    qsizetype end = 0;
+    qsizetype next = 0;
+};
+
+Line LineAt(const QString& text, qsizetype start) {
+    qsizetype end = start;
+    while (end < text.size() && text.at(end) != u'\n' && text.at(end) != u'\r')
+        ++end;
+    qsizetype next = end;
+    if (next < text.size() && text.at(next) == u'\r')
+        ++next;
+    if (next < text.size() && text.at(next) == u'\n')
+        ++next;
+    return {start, end, next};
+}
+
+std::optional<QString> SectionName(const QString& line) {
+    const QString trimmed = line.trimmed();
+    if (!trimmed.startsWith(u'['))
+        return std::nullopt;
+    const qsizetype end = trimmed.indexOf(u']');
+    return trimmed.mid(1, (end < 0 ? trimmed.size() : end) - 1).trimmed();
+}
+
+// Where a key stands, or where it would have to be put.
+struct Place {
+    bool section = false;
+    bool key = false;
+    Line line;             // of the key
+    qsizetype insertAt = 0; // behind the last line of the section that is not blank
+};
+
+Place Find(const QString& text, const QString& section, const QString& key) {
+    Place place;
+    for (qsizetype at = 0; at < text.size();) {
+        const Line line = LineAt(text, at);
+        const QString content = text.sliced(line.start, line.end - line.start);
+        if (const auto name = SectionName(content)) {
+            if (place.section)
+                break;
+            place.section = name->compare(section.trimmed(), Qt::CaseInsensitive) == 0;
+            place.insertAt = line.next;
+        } else if (place.section && !content.trimmed().isEmpty()) {
+            place.insertAt = line.next;
+            const qsizetype equals = content.indexOf(u'=');
+            if (equals >= 0 && content.first(equals).trimmed().compare(key.trimmed(), Qt::CaseInsensitive) == 0) {
+                place.key = true;
+                place.line = line;
+                return place;
+            }
+        }
+        at = line.next;
+    }
+    return place;
+}
+
+bool HasLineBreak(const QString& text) { return text.contains(u'\n') || text.contains(u'\r'); }
+
+QString WithoutQuotes(const QString& value) {
+    for (const QChar quote : {QChar(u'"'), QChar(u'\'')})
+        if (value.size() >= 2 && value.startsWith(quote) && value.endsWith(quote))
+            return value.sliced(1, value.size() - 2);
+    return value;
+}
+
+} // namespace
+
+QString GetPrivateProfileStringW(const QString& section, const QString& key, const QString& fallback, int size,
+                                 const QString& path) {
+    QString value = fallback;
+    if (const auto profile = Load(path)) {
+        const Place place = Find(profile->text, section, key);
+        if (place.key) {
+            const QString line = profile->text.sliced(place.line.start, place.line.end - place.line.start);
+            value = WithoutQuotes(line.mid(line.indexOf(u'=') + 1).trimmed());
+        }
+    }
+    return Left(value, size - 1);
+}
+
+bool WritePrivateProfileStringW(const QString& section, const QString& key, const QString& value, const QString& path) {
+    if (path.isEmpty() || section.trimmed().isEmpty() || key.trimmed().isEmpty())
+        return false;
+    if (HasLineBreak(section) || HasLineBreak(key) || HasLineBreak(value))
+        return false;
+    // A file that is there but cannot be taken in whole must not be replaced by one key.
+    std::optional<ProfileText> profile = Load(path);
+    if (!profile && FileExists(path))
+        return false;
+    if (!profile)
+        profile = ProfileText{};
+    QString& text = profile->text;
+    const QString lineEnd = QStringLiteral("\r\n");
+    const QString line = key + u'=' + value;
+    const Place place = Find(text, section, key);
+    if (place.key) {
+        text.replace(place.line.start, place.line.end - place.line.start, line);
+    } else if (place.section) {
+        const bool open = place.insertAt > 0 && text.at(place.insertAt - 1) != u'\n' && text.at(place.insertAt - 1) != u'\r';
+        text.insert(place.insertAt, (open ? lineEnd : QString()) + line + lineEnd);
+    } else {
+        const bool open = !text.isEmpty() && !text.endsWith(u'\n') && !text.endsWith(u'\r');
+        text.append((open ? lineEnd : QString()) + u'[' + section + u']' + lineEnd + line + lineEnd);
+    }
+    return Store(path, Encoded(*profile));
+}
+
+bool CreateTextFile(const QString& path) { return !path.isEmpty() && Store(path, QByteArray(unicodeMark)); }
+
+} // namespace base

@@ -1,0 +1,13 @@
+#include "values/addresses.h"
+
+namespace values {
+
+Addresses& ServerAddresses() {
+    static Addresses addresses{QStringLiteral(QUORVANE_WEB_SITE),      QStringLiteral(QUORVANE_UPDATE_HOST),
+                               QStringLiteral(QUORVANE_UPLOAD_HOST),   QStringLiteral(QUORVANE_SEARCH_SITE),
+                               QStringLiteral(QUORVANE_SOCIAL_PAGE_1), QStringLiteral(QUORVANE_SOCIAL_PAGE_2),
+                               QStringLiteral(QUORVANE_MAIL)};
+    return addresses;
+}
+
+} // namespace values

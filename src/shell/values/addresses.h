@@ -1,0 +1,20 @@
+// Where the program's servers and pages are. Defaults are fixed when the build is configured; tests put loopback here.
+#pragma once
+
+#include <QString>
+
+namespace values {
+
+struct Addresses {
+    QString WebSite;    // home page, without a trailing slash; the forums are below it at /forums/
+    QString UpdateHost; // scheme and host (and port) of the version files and the database archive
+    QString UploadHost; // scheme and host (and port) of the upload script
+    QString SearchSite; // answers /?q= with results
+    QString SocialPage1;
+    QString SocialPage2;
+    QString Mail; // the maintainers' e-mail address
+};
+
+Addresses& ServerAddresses();
+
+} // namespace values
