@@ -1,0 +1,122 @@
+#include "suite/icon_modules.h"
+
+#include <array>
+
+namespace suite {
+
+namespace {
+
+struct Resource {
+    quint16 module;
+    quint16 id;
+    Glyph glyph;
+};
+
+constexpr std::array kModules = {
+    u"setupapi.dll", u"ddores.dll", u"wpdshext.dll", u"imageres.dll", u"bthprops.cpl",
+};
+
+// By module, then by id. Ids of one meaning keep the same number in every module that has them, for the store files
+// icons by number alone.
+constexpr std::array kResources = {
+    Resource{1, 1, Glyph::Display},
+    Resource{1, 2, Glyph::Mouse},
+    Resource{1, 3, Glyph::Keyboard},
+    Resource{1, 4, Glyph::Printer},
+    Resource{1, 5, Glyph::Network},
+    Resource{1, 6, Glyph::Disk},
+    Resource{1, 9, Glyph::StorageController},
+    Resource{1, 10, Glyph::StorageController},
+    Resource{1, 11, Glyph::Sound},
+    Resource{1, 18, Glyph::Unknown},
+    Resource{1, 19, Glyph::Imaging},
+    Resource{1, 20, Glyph::Usb},
+    Resource{1, 23, Glyph::Ports},
+    Resource{1, 26, Glyph::Battery},
+    Resource{1, 27, Glyph::System},
+    Resource{1, 28, Glyph::Processor},
+    Resource{1, 30, Glyph::Modem},
+    Resource{1, 33, Glyph::Computer},
+    Resource{1, 35, Glyph::Monitor},
+    Resource{1, 37, Glyph::Hid},
+    Resource{1, 51, Glyph::Optical},
+    Resource{1, 53, Glyph::Disk},
+};
+
+constexpr QStringView kSystemFolder = u"C:\\Windows\\System32\\";
+
+const Resource* Find(ModuleHandle module, qint32 id) {
+    for (const Resource& resource : kResources) {
+        if (resource.module == module && resource.id == id)
+            return &resource;
+    }
+    return nullptr;
+}
+
+IconHandle HandleOf(const Resource& resource) { return {resource.module, resource.id}; }
+
+} // namespace
+
+ModuleHandle LoadLibraryA(const QString& path) {
+    QStringView name = path;
+    if (name.startsWith(kSystemFolder, Qt::CaseInsensitive))
+        name = name.mid(kSystemFolder.size());
+    for (size_t i = 0; i < kModules.size(); ++i) {
+        if (name.compare(QStringView(kModules[i]), Qt::CaseInsensitive) == 0)
+            return ModuleHandle(i) + 1;
+    }
+    return 0;
+}
+
+bool FreeLibrary(ModuleHandle module) { return module >= 1 && module <= kModules.size(); }
+
+quint32 ExtractIconExA(const QString& path, qint32 index, IconHandle* large, IconHandle* small, quint32 count) {
+    const ModuleHandle module = LoadLibraryA(path);
+    if (module == 0)
+        return 0;
+    const std::vector<qint32> ids = IconsOfModule(module);
+    if (index == -1 && !large && !small)
+        return quint32(ids.size());
+    quint32 given = 0;
+    const auto give = [&](qint32 id) {
+        const IconHandle icon = IconOfModule(module, id);
+        if (icon.IsNull() || given == count)
+            return;
+        if (large)
+            large[given] = icon;
+        if (small)
+            small[given] = icon;
+        ++given;
+    };
+    if (index < 0) {
+        if (index >= -0xFFFF)
+            give(-index);
+        return given;
+    }
+    for (size_t i = size_t(index); i < ids.size() && given < count; ++i)
+        give(ids[i]);
+    return given;
+}
+
+bool DestroyIcon(const IconHandle& icon) { return !icon.IsNull(); }
+
+IconHandle IconOfModule(ModuleHandle module, qint32 resource) {
+    const Resource* found = Find(module, resource);
+    return found ? HandleOf(*found) : IconHandle();
+}
+
+std::vector<qint32> IconsOfModule(ModuleHandle module) {
+    std::vector<qint32> ids;
+    for (const Resource& resource : kResources) {
+        if (resource.module == module)
+            ids.push_back(resource.id);
+    }
+    return ids;
+}
+
+Glyph GlyphOf(const IconHandle& icon) {
+    const Resource* found = Find(icon.Module, icon.Resource);
+    return found ? found->glyph : Glyph::None;
+}
+
+} // namespace suite
