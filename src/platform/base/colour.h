@@ -1,5 +1,5 @@
-// A colour as the platform keeps it: 32 bits, 0x00BBGGRR, red in the low byte. With the top bit set it is the index of a
-// system colour, which draw::OleTranslateColor resolves.
+// A colour as the platform keeps it: 32 bits, 0x00BBGGRR, red in the low byte. With the top bit set it is the index of
+// a system colour, which draw::OleTranslateColor resolves.
 #pragma once
 
 #include <QMetaType>

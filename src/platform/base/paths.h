@@ -18,9 +18,9 @@ bool DeleteFileW(const QString& path);
 // SHCreateDirectoryExW: creates the folder and its parents with the user's own mask. True if it exists afterwards.
 bool SHCreateDirectoryExW(const QString& path);
 
-// The program's folder, native, without a trailing slash. The executable's folder if the user may write there; otherwise
-// `quorvane` below the user's data folder (XDG data home), created and filled with the installed data files the first
-// time. The result is fixed for the process; tests set it.
+// The program's folder, native, without a trailing slash. The executable's folder if the user may write there;
+// otherwise `quorvane` below the user's data folder (XDG data home), created and filled with the installed data files
+// the first time. The result is fixed for the process; tests set it.
 QString ProgramFolder();
 void SetProgramFolder(const QString& folder);
 

@@ -109,7 +109,7 @@ std::optional<QString> SectionName(const QString& line) {
 struct Place {
     bool section = false;
     bool key = false;
-    Line line;             // of the key
+    Line line;              // of the key
     qsizetype insertAt = 0; // behind the last line of the section that is not blank
 };
 
@@ -179,7 +179,8 @@ bool WritePrivateProfileStringW(const QString& section, const QString& key, cons
     if (place.key) {
         text.replace(place.line.start, place.line.end - place.line.start, line);
     } else if (place.section) {
-        const bool open = place.insertAt > 0 && text.at(place.insertAt - 1) != u'\n' && text.at(place.insertAt - 1) != u'\r';
+        const bool open =
+            place.insertAt > 0 && text.at(place.insertAt - 1) != u'\n' && text.at(place.insertAt - 1) != u'\r';
         text.insert(place.insertAt, (open ? lineEnd : QString()) + line + lineEnd);
     } else {
         const bool open = !text.isEmpty() && !text.endsWith(u'\n') && !text.endsWith(u'\r');

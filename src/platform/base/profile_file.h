@@ -1,7 +1,7 @@
 // INI-style profile files under the platform's names. Sections and keys match without regard to case, the first match
-// wins, and what a write does not concern stays byte for byte. UTF-16 little-endian with a byte-order mark stays Unicode;
-// a file without one is Windows-1252 and stays so. Each write goes to a temporary file beside the target that is renamed
-// over it, so a reader or a crash meets the old file or the new one.
+// wins, and what a write does not concern stays byte for byte. UTF-16 little-endian with a byte-order mark stays
+// Unicode; a file without one is Windows-1252 and stays so. Each write goes to a temporary file beside the target that
+// is renamed over it, so a reader or a crash meets the old file or the new one.
 #pragma once
 
 #include <QString>

@@ -14,7 +14,6 @@ struct YieldState {
     int forbidden = 0;
     int gateMilliseconds = 1;
     QElapsedTimer sinceDispatch;
-    std::function<void()> beforeDispatch;
 };
 
 YieldState& State() {
@@ -28,8 +27,6 @@ template <typename Dispatch> void Dispatched(Dispatch dispatch) {
     if (state.forbidden != 0 || QCoreApplication::instance() == nullptr)
         return;
     ++state.depth;
-    if (state.beforeDispatch)
-        state.beforeDispatch();
     dispatch();
     --state.depth;
     state.sinceDispatch.start();
@@ -58,8 +55,6 @@ void YieldBlocking(int milliseconds) {
 int YieldDepth() { return State().depth; }
 
 void SetYieldGate(int milliseconds) { State().gateMilliseconds = milliseconds; }
-
-void SetBeforeDispatch(std::function<void()> hook) { State().beforeDispatch = std::move(hook); }
 
 NoYieldScope::NoYieldScope() { ++State().forbidden; }
 

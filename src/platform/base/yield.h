@@ -1,8 +1,7 @@
-// Yield: dispatch all pending events, then go on. Every long routine of the program calls it many times, so it returns at
-// once when the last dispatch ended less than the gate's time ago. Whatever can run from an event can run inside a yield.
+// Yield: dispatch all pending events, then go on. Every long routine of the program calls it many times, so it returns
+// at once when the last dispatch ended less than the gate's time ago. Whatever can run from an event can run inside a
+// yield.
 #pragma once
-
-#include <functional>
 
 namespace base {
 
@@ -18,10 +17,6 @@ int YieldDepth();
 
 // The gate in milliseconds; 1 by default, 0 lets every Yield dispatch (tests).
 void SetYieldGate(int milliseconds);
-
-// Called before every dispatch: the windows bring deferred repaints of drawn controls up to date there.
-// Null removes it.
-void SetBeforeDispatch(std::function<void()> hook);
 
 // Marks code that must not dispatch events: paints, transfer callbacks, socket notifications.
 class NoYieldScope {

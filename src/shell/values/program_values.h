@@ -15,7 +15,7 @@ struct ProgramValues {
     QString ProgramVersion; // major.minor.revision
     bool ProgramIsCurrent = true;
     bool DatabaseIsCurrent = true;
-    QString DatabaseVersion;       // as last read from the database
+    QString DatabaseVersion;        // as last read from the database
     qint32 DatabaseDeviceCount = 0; // rows of the ID table, as last read
 };
 

@@ -1,5 +1,5 @@
-// The settings store: one value of settings.ini in the program's folder, or of a file of the same form, such as a colour
-// preset. Neither routine reports a failure to the user.
+// The settings store: one value of settings.ini in the program's folder, or of a file of the same form, such as a
+// colour preset. Neither routine reports a failure to the user.
 #pragma once
 
 #include <QString>
@@ -10,8 +10,8 @@ namespace values {
 // settings.ini, and the caller sees that.
 QString ReadSetting(const QString& section, const QString& key, QString& filePath);
 
-// True if the value was written. `filePath` as above. A missing file is made as a Unicode file first, since a file made by
-// the write itself would lose every character outside the code page.
+// True if the value was written. `filePath` as above. A missing file is made as a Unicode file first, since a file made
+// by the write itself would lose every character outside the code page.
 bool WriteSetting(const QString& section, const QString& key, const QString& value, QString& filePath);
 
 // The path that most callers pass: settings.ini, spelled with a capital letter. It names the same file.

@@ -1,0 +1,49 @@
+# Sourced by run and check: installs the Debian packages that are missing, quietly, and nothing else.
+
+build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libxcb1-dev libxcb-shape0-dev
+  libgl-dev hwdata fonts-dejavu-core)
+run_packages=(p7zip-full)
+display_packages=(xvfb openbox xdotool x11-apps imagemagick)
+test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3)
+
+# install_packages NAME...: returns 1 with a message where something is missing and cannot be installed.
+install_packages() {
+  local missing=() name
+  for name in "$@"; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null)" = installed ] || missing+=("$name")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  local as=()
+  if [ "$(id -u)" != 0 ]; then
+    if ! command -v sudo >/dev/null || ! sudo -n true 2>/dev/null && [ ! -t 0 ]; then
+      echo "Missing packages: ${missing[*]}" >&2
+      echo "Install them with: apt-get install ${missing[*]}" >&2
+      return 1
+    fi
+    as=(sudo)
+  fi
+  echo "Installing ${missing[*]}"
+  local log
+  log=$(mktemp)
+  if ! { "${as[@]}" apt-get update && DEBIAN_FRONTEND=noninteractive "${as[@]}" apt-get install -y \
+    --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    tail -n 20 "$log" >&2
+    rm -f "$log"
+    echo "Could not install: ${missing[*]}" >&2
+    return 1
+  fi
+  rm -f "$log"
+}
+
+# configure PRESET [cmake options]: makes or refreshes build/PRESET, and shows the log only when that fails.
+configure() {
+  local preset=$1 log
+  shift
+  log=$(mktemp)
+  if ! cmake --preset "$preset" "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+  rm -f "$log"
+}

@@ -1,0 +1,100 @@
+#include "base/paths.h"
+#include "base/profile_file.h"
+#include "values/program_values.h"
+#include "values/settings.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+class SettingsTest : public testing::Test {
+  protected:
+    void SetUp() override { base::SetProgramFolder(folder_.path()); }
+
+    QString File(const char* name) const { return folder_.filePath(name); }
+    QByteArray Bytes(const char* name) const {
+        QFile file(File(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void Put(const char* name, const QByteArray& bytes) const {
+        QFile file(File(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    static QString Read(const char* key) {
+        QString path;
+        return values::ReadSetting("main", key, path);
+    }
+
+    QTemporaryDir folder_;
+};
+
+} // namespace
+
+TEST_F(SettingsTest, FirstWriteMakesAUnicodeFile) {
+    QString path;
+    EXPECT_EQ(values::ReadSetting("main", "a", path), QString());
+    EXPECT_FALSE(QFile::exists(File("settings.ini")));
+    EXPECT_EQ(path, folder_.path() + "\\settings.ini");
+    const QString value = QString::fromUtf8("Grün Ж 漢");
+    EXPECT_TRUE(values::WriteSetting("main", "a", value, path));
+    EXPECT_TRUE(Bytes("settings.ini").startsWith("\xFF\xFE"));
+    EXPECT_EQ(Read("A"), value);
+}
+
+TEST_F(SettingsTest, BothSpellingsNameOneFile) {
+    QString path;
+    values::WriteSetting("main", "a", "1", path);
+    QString capital = values::SettingsPath();
+    values::WriteSetting("main", "b", "2", capital);
+    EXPECT_FALSE(QFile::exists(File("Settings.ini")));
+    EXPECT_EQ(Read("b"), "2");
+    EXPECT_TRUE(values::ReadFlag("main", "a"));
+    EXPECT_FALSE(values::ReadFlag("main", "missing"));
+}
+
+TEST_F(SettingsTest, WritesLeaveTheRestAlone) {
+    Put("settings.ini", "; note\r\n[Main]\r\nx = \"1\"\r\n\r\n[other]\r\ny=2\r\n[main]\r\nx=9\r\nz=9");
+    EXPECT_EQ(Read("x"), "1");
+    EXPECT_EQ(Read("z"), QString()); // the first section of a name wins
+    QString path;
+    values::WriteSetting("main", "new", QString::fromUtf8("é"), path);
+    values::WriteSetting("MAIN", "X", "3", path);
+    EXPECT_EQ(Bytes("settings.ini"),
+              QByteArray("; note\r\n[Main]\r\nX=3\r\nnew=\xE9\r\n\r\n[other]\r\ny=2\r\n[main]\r\nx=9\r\nz=9"));
+    values::WriteSetting("third", "k", "v", path);
+    EXPECT_TRUE(Bytes("settings.ini").endsWith("z=9\r\n[third]\r\nk=v\r\n"));
+}
+
+TEST_F(SettingsTest, LongValuesAreCutWhenRead) {
+    QString path;
+    values::WriteSetting("main", "long", QString(3000, u'x'), path);
+    EXPECT_EQ(Read("long").size(), 2047);
+}
+
+TEST_F(SettingsTest, SurvivesNoiseAndRefusesLineBreaks) {
+    QString path;
+    for (const QByteArray& bytes : {QByteArray(), QByteArray("\xFF\xFE"), QByteArray("\xFF\xFE\x5B"),
+                                    QByteArray("[[[=\n]=\r[main"), QByteArray(100, '\0'), QByteArray("[main\nx=1")}) {
+        Put("settings.ini", bytes);
+        Read("x");
+        EXPECT_TRUE(values::WriteSetting("main", "x", "5", path));
+        EXPECT_EQ(Read("x"), "5") << bytes.toHex().constData();
+    }
+    EXPECT_FALSE(values::WriteSetting("main", "x\n[colors]", "5", path));
+    // A file too large to take in must not be replaced by a single key.
+    Put("settings.ini", QByteArray(5 * 1024 * 1024, 'n'));
+    EXPECT_FALSE(values::WriteSetting("main", "x", "6", path));
+    EXPECT_EQ(Bytes("settings.ini").size(), 5 * 1024 * 1024);
+}
+
+TEST_F(SettingsTest, AFolderInTheWayIsNoFile) {
+    QDir(folder_.path()).mkdir("settings.ini");
+    QString path;
+    EXPECT_FALSE(values::WriteSetting("main", "x", "6", path));
+    EXPECT_EQ(Read("x"), QString());
+    EXPECT_EQ(QDir(folder_.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+              QStringList{"settings.ini"});
+}
