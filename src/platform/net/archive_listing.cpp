@@ -1,0 +1,190 @@
+#include "net/archive_listing.h"
+
+#include <QSet>
+#include <QStringDecoder>
+#include <QStringList>
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace net {
+
+namespace {
+
+constexpr qsizetype entryLimit = 10'000;
+constexpr qsizetype depthLimit = 8;
+// What a file system takes in one component, with room for a suffix.
+constexpr qsizetype componentLimit = 200;
+
+constexpr std::array<const char16_t*, 3> dataEndings = {u".mdb", u".txt", u".md"};
+constexpr char16_t presetsFolder[] = u"color_presets/";
+
+// A block of "Key = value" lines, as far as they matter here.
+struct Block {
+    std::optional<QString> path;
+    std::optional<QString> size;
+    QString attributes;
+    QString crc;
+    bool isSpecial = false;
+};
+
+bool ReadLine(const QString& line, Block& block) {
+    const qsizetype equals = line.indexOf(QStringLiteral(" ="));
+    if (equals < 1) {
+        return false;
+    }
+    const QString key = line.first(equals);
+    const QString value = line.sliced(std::min(equals + 3, line.size()));
+    if (key == QStringLiteral("Path")) {
+        // A second path in one block is a name that tries to forge the listing.
+        const bool first = !block.path;
+        block.path = value;
+        return first;
+    }
+    if (key == QStringLiteral("Size")) {
+        const bool first = !block.size;
+        block.size = value;
+        return first;
+    }
+    if (key == QStringLiteral("Attributes")) {
+        block.attributes = value;
+    } else if (key == QStringLiteral("CRC")) {
+        block.crc = value;
+    } else if (key == QStringLiteral("Folder")) {
+        block.attributes.prepend(value == QStringLiteral("+") ? QStringLiteral("D") : QString());
+    } else if (key == QStringLiteral("Symbolic Link") || key == QStringLiteral("Hard Link") ||
+               key == QStringLiteral("Alternate Stream") || key == QStringLiteral("Anti")) {
+        block.isSpecial = block.isSpecial || (!value.isEmpty() && value != QStringLiteral("-"));
+    }
+    return true;
+}
+
+// Attributes read "A -rw-r--r--" or "D drwxr-xr-x": the platform's letters, then the other platform's mode.
+bool IsPlain(const QString& attributes) {
+    const QStringList parts = attributes.split(QChar(u' '), Qt::SkipEmptyParts);
+    if (parts.isEmpty()) {
+        return true;
+    }
+    const bool reparsePoint = parts.first().contains(QChar(u'L'));
+    const QChar type = parts.size() > 1 ? parts.at(1).at(0) : QChar(u'-');
+    return !reparsePoint && (type == QChar(u'-') || type == QChar(u'd'));
+}
+
+std::optional<ArchiveEntry> MakeEntry(const Block& block) {
+    ArchiveEntry entry;
+    if (!block.path || block.path->isEmpty()) {
+        return std::nullopt;
+    }
+    entry.path = *block.path;
+    const QString mode = block.attributes.section(QChar(u' '), 0, 0, QString::SectionSkipEmpty);
+    entry.isFolder = mode.contains(QChar(u'D'));
+    entry.isPlain = !block.isSpecial && IsPlain(block.attributes);
+    if (!entry.isFolder || (block.size && !block.size->isEmpty())) {
+        bool isNumber = false;
+        entry.size = block.size.value_or(QString()).toLongLong(&isNumber);
+        if (!isNumber || entry.size < 0 || (entry.isFolder && entry.size != 0)) {
+            return std::nullopt;
+        }
+    }
+    if (!block.crc.isEmpty()) {
+        bool isNumber = false;
+        entry.crc = block.crc.toUInt(&isNumber, 16);
+        if (!isNumber) {
+            return std::nullopt;
+        }
+    }
+    return entry;
+}
+
+bool IsComponent(const QString& component) {
+    const bool clean = std::none_of(component.cbegin(), component.cend(), [](QChar c) {
+        return c < QChar(u' ') || c == QChar(0x7F) || c == QChar(u'\\') || c == QChar(u':') ||
+               c == QChar::ReplacementCharacter;
+    });
+    return clean && !component.isEmpty() && component != QStringLiteral(".") && component != QStringLiteral("..") &&
+           component.toUtf8().size() <= componentLimit;
+}
+
+bool IsWanted(const QString& foldedPath) {
+    if (foldedPath.endsWith(QStringLiteral(".ini"))) {
+        return foldedPath.startsWith(presetsFolder) && !foldedPath.endsWith(QStringLiteral("/settings.ini"));
+    }
+    return std::any_of(dataEndings.begin(), dataEndings.end(), [&foldedPath](const char16_t* ending) {
+        const QString text = QString::fromUtf16(ending);
+        return foldedPath.endsWith(text) && foldedPath.size() > text.size();
+    });
+}
+
+QString Folded(const QString& path) { return path.normalized(QString::NormalizationForm_C).toCaseFolded(); }
+
+} // namespace
+
+std::optional<QList<ArchiveEntry>> ParseListing(const QByteArray& listing) {
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text = decoder(listing);
+    if (decoder.hasError()) {
+        return std::nullopt;
+    }
+    QList<ArchiveEntry> entries;
+    Block block;
+    bool open = false;
+    for (const QString& line : (text + QStringLiteral("\n\n")).split(QChar(u'\n'))) {
+        if (!line.isEmpty()) {
+            open = true;
+            if (!ReadLine(line, block)) {
+                return std::nullopt;
+            }
+            continue;
+        }
+        if (!open) {
+            continue;
+        }
+        const std::optional<ArchiveEntry> entry = MakeEntry(block);
+        if (!entry || entries.size() >= entryLimit) {
+            return std::nullopt;
+        }
+        entries.append(*entry);
+        block = Block();
+        open = false;
+    }
+    return entries;
+}
+
+bool AreEntriesAllowed(const QList<ArchiveEntry>& entries) {
+    QSet<QString> files;
+    QSet<QString> folders;
+    for (const ArchiveEntry& entry : entries) {
+        const QStringList components = entry.path.split(QChar(u'/'));
+        const QString folded = Folded(entry.path);
+        if (!entry.isPlain || components.size() > depthLimit ||
+            !std::all_of(components.cbegin(), components.cend(), IsComponent)) {
+            return false;
+        }
+        if (entry.isFolder) {
+            folders.insert(folded);
+            continue;
+        }
+        if (!IsWanted(folded) || files.contains(folded) || (entry.size > 0 && !entry.crc)) {
+            return false;
+        }
+        files.insert(folded);
+        for (qsizetype slash = folded.indexOf(QChar(u'/')); slash > 0; slash = folded.indexOf(QChar(u'/'), slash + 1)) {
+            folders.insert(folded.first(slash));
+        }
+    }
+    // A name cannot be a file and a folder at once.
+    return !files.isEmpty() && !files.intersects(folders);
+}
+
+std::optional<qint64> TotalSize(const QList<ArchiveEntry>& entries) {
+    qint64 total = 0;
+    for (const ArchiveEntry& entry : entries) {
+        if (entry.size > std::numeric_limits<qint64>::max() - total) {
+            return std::nullopt;
+        }
+        total += entry.size;
+    }
+    return total;
+}
+
+} // namespace net

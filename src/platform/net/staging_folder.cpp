@@ -1,0 +1,97 @@
+#include "net/staging_folder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace net {
+
+namespace {
+
+constexpr char16_t namePrefix[] = u".unpacking-";
+// Pieces of this size are sent on to the disk as they come, so that the wait at the end is short.
+constexpr qint64 writeBehind = 8 * 1024 * 1024;
+
+// The lock goes with its holder, however that ends. -1 where another process holds it.
+int LockFolder(const QString& path) {
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        close(descriptor);
+        return -1;
+    }
+    return descriptor;
+}
+
+} // namespace
+
+StagingFolder::StagingFolder(const QString& target) {
+    RemoveStale(target);
+    const QString path =
+        target + QChar(u'/') + QString::fromUtf16(namePrefix) + QString::number(QCoreApplication::applicationPid());
+    if (!QDir().mkdir(path)) {
+        return;
+    }
+    lock_ = LockFolder(path);
+    if (lock_ < 0) {
+        QDir().rmdir(path);
+        return;
+    }
+    path_ = path;
+}
+
+StagingFolder::~StagingFolder() {
+    file_.close();
+    if (!path_.isEmpty()) {
+        QDir(path_).removeRecursively();
+    }
+    if (lock_ >= 0) {
+        close(lock_);
+    }
+}
+
+void StagingFolder::RemoveStale(const QString& target) const {
+    const QStringList names = QDir(target).entryList({QString::fromUtf16(namePrefix) + QChar(u'*')},
+                                                     QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
+    for (const QString& name : names) {
+        const QString path = target + QChar(u'/') + name;
+        const int lock = LockFolder(path);
+        if (lock >= 0) {
+            QDir(path).removeRecursively();
+            close(lock);
+        }
+    }
+}
+
+bool StagingFolder::OpenFile() {
+    file_.setFileName(FilePath(count_++));
+    written_ = 0;
+    return file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
+}
+
+bool StagingFolder::Write(const char* data, qsizetype size) {
+    while (size > 0) {
+        const qint64 taken = file_.write(data, size);
+        if (taken <= 0) {
+            return false;
+        }
+        if ((written_ + taken) / writeBehind != written_ / writeBehind) {
+            sync_file_range(file_.handle(), 0, 0, SYNC_FILE_RANGE_WRITE);
+        }
+        written_ += taken;
+        data += taken;
+        size -= taken;
+    }
+    return true;
+}
+
+bool StagingFolder::CloseFile() {
+    const bool stored = fdatasync(file_.handle()) == 0;
+    file_.close();
+    return stored && file_.error() == QFileDevice::NoError;
+}
+
+QString StagingFolder::FilePath(qsizetype index) const { return path_ + QChar(u'/') + QString::number(index); }
+
+} // namespace net

@@ -1,0 +1,42 @@
+// A folder inside the target folder where files are written before they are put in place: on the same file system, gone
+// with this object, and, where a killed process left one behind, removed by the next one. Never holds more than one
+// process's files.
+#pragma once
+
+#include <QFile>
+#include <QString>
+#include <QStringList>
+
+namespace net {
+
+class StagingFolder {
+  public:
+    // Makes the folder below `target` (native), after removing those that no living process holds.
+    explicit StagingFolder(const QString& target);
+    ~StagingFolder();
+    StagingFolder(const StagingFolder&) = delete;
+    StagingFolder& operator=(const StagingFolder&) = delete;
+
+    // False where the folder could not be made; nothing else works then.
+    bool IsReady() const { return !path_.isEmpty(); }
+
+    // Starts the next file; a false result means disk or permissions.
+    bool OpenFile();
+    bool Write(const char* data, qsizetype size);
+    // Brings the file to the disk and closes it.
+    bool CloseFile();
+
+    // The full path of the file with that number, in the order of their opening.
+    QString FilePath(qsizetype index) const;
+
+  private:
+    void RemoveStale(const QString& target) const;
+
+    QString path_;
+    int lock_ = -1;
+    QFile file_;
+    qsizetype count_ = 0;
+    qint64 written_ = 0;
+};
+
+} // namespace net

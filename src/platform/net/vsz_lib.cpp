@@ -1,0 +1,236 @@
+#include "net/vsz_lib.h"
+
+#include "base/paths.h"
+#include "net/crc32.h"
+#include "net/engine_process.h"
+#include "net/staging_folder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStorageInfo>
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <optional>
+
+namespace net {
+
+namespace {
+
+constexpr qsizetype listingLimit = 8 * 1024 * 1024;
+
+// Cuts the engine's stream into files by the sizes of the listing, which it follows in order.
+class StreamSplitter {
+  public:
+    StreamSplitter(const QList<ArchiveEntry>& entries, StagingFolder& staging) : entries_(entries), staging_(staging) {
+        failed_ = !Advance();
+    }
+
+    bool Take(const char* data, qsizetype size) {
+        total_ += size;
+        while (size > 0 && !failed_) {
+            // More than the listing promised.
+            if (index_ >= entries_.size()) {
+                failed_ = true;
+                break;
+            }
+            const qsizetype piece = std::min<qint64>(size, entries_.at(index_).size - taken_);
+            checksum_ = Crc32(checksum_, data, piece);
+            taken_ += piece;
+            data += piece;
+            size -= piece;
+            failed_ = !staging_.Write(data - piece, piece) || (taken_ == entries_.at(index_).size && !Finish());
+        }
+        return !failed_;
+    }
+
+    bool IsWhole() const { return !failed_ && index_ == entries_.size(); }
+    int Index() const { return static_cast<int>(std::min(index_, entries_.size() - 1)); }
+    qint64 Total() const { return total_; }
+
+  private:
+    // Opens the entry at the index; empty ones are done at once, as no byte of the stream belongs to them.
+    bool Advance() {
+        for (; index_ < entries_.size(); ++index_) {
+            taken_ = 0;
+            checksum_ = 0;
+            if (!staging_.OpenFile()) {
+                return false;
+            }
+            if (entries_.at(index_).size > 0) {
+                return true;
+            }
+            if (!staging_.CloseFile()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool Finish() {
+        const bool good = entries_.at(index_).crc == checksum_ && staging_.CloseFile();
+        ++index_;
+        return good && Advance();
+    }
+
+    const QList<ArchiveEntry>& entries_;
+    StagingFolder& staging_;
+    qsizetype index_ = 0;
+    qint64 taken_ = 0;
+    qint64 total_ = 0;
+    quint32 checksum_ = 0;
+    bool failed_ = false;
+};
+
+// The folders that were made for the files; those that are still empty go again unless they are kept.
+class NewFolders {
+  public:
+    ~NewFolders() {
+        for (auto folder = made_.crbegin(); folder != made_.crend(); ++folder) {
+            QDir().rmdir(*folder);
+        }
+    }
+    void Keep() { made_.clear(); }
+
+    // The folder for `relative` below `root`, made where it is missing. Nothing where a link or a file is in the way.
+    std::optional<QString> Make(const QString& root, const QStringList& relative) {
+        QString path = root;
+        for (const QString& component : relative) {
+            path = base::NativePath(path + QChar(u'/') + component);
+            const QFileInfo info(path);
+            if (info.isSymLink() || (info.exists() && !info.isDir())) {
+                return std::nullopt;
+            }
+            if (!info.exists()) {
+                if (!QDir().mkdir(path)) {
+                    return std::nullopt;
+                }
+                made_.append(path);
+            }
+        }
+        return path;
+    }
+
+  private:
+    QStringList made_;
+};
+
+bool IsDatabase(const QString& path) { return path.endsWith(QStringLiteral(".mdb"), Qt::CaseInsensitive); }
+
+bool Rename(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+// Where each file goes; empty where a place cannot be had.
+QStringList Places(const QList<ArchiveEntry>& files, const QString& folder, NewFolders& newFolders) {
+    QStringList places;
+    for (const ArchiveEntry& file : files) {
+        QStringList components = file.path.split(QChar(u'/'));
+        const QString name = components.takeLast();
+        const std::optional<QString> parent = newFolders.Make(folder, components);
+        if (!parent) {
+            return {};
+        }
+        const QString place = base::NativePath(*parent + QChar(u'/') + name);
+        if (QFileInfo(place).isDir()) {
+            return {};
+        }
+        places.append(place);
+    }
+    return places;
+}
+
+QList<ArchiveEntry> FilesOf(const QList<ArchiveEntry>& entries) {
+    QList<ArchiveEntry> files;
+    std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(files),
+                 [](const ArchiveEntry& entry) { return !entry.isFolder; });
+    return files;
+}
+
+// All of the files or, where the first of them fails, none. Databases go first: they are what can be refused.
+bool PutInPlace(const QList<ArchiveEntry>& files, const QString& target, const StagingFolder& staging,
+                const std::function<bool(const QString&, const QString&)>& replaceDatabase) {
+    NewFolders newFolders;
+    const QStringList places = Places(files, target, newFolders);
+    if (places.size() != files.size()) {
+        return false;
+    }
+    for (const bool databases : {true, false}) {
+        for (qsizetype index = 0; index < files.size(); ++index) {
+            if (IsDatabase(files.at(index).path) != databases) {
+                continue;
+            }
+            const bool replaced = databases && replaceDatabase
+                                      ? replaceDatabase(staging.FilePath(index), places.at(index))
+                                      : Rename(staging.FilePath(index), places.at(index));
+            if (!replaced) {
+                return false;
+            }
+            newFolders.Keep();
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+VszLib::VszLib(QObject* parent) : QObject(parent) {}
+
+void VszLib::LoadEngine(const QString&, bool& loaded) {
+    engine_ = FindEngine();
+    loaded = !engine_.isEmpty();
+}
+
+bool VszLib::OpenArchive(const QString& path) {
+    entries_.clear();
+    archive_ = base::NativePath(path);
+    if (engine_.isEmpty() || !QFileInfo(archive_).isFile()) {
+        return false;
+    }
+    QByteArray listing;
+    EngineProcess engine(engine_);
+    engine.SetStallLimit(stallLimit_);
+    const auto keep = [&listing](const char* data, qsizetype size) {
+        listing.append(data, size);
+        return listing.size() <= listingLimit;
+    };
+    // An empty password keeps the engine from asking for one.
+    const bool listed = engine.Run({QStringLiteral("l"), QStringLiteral("-slt"), QStringLiteral("-ba"),
+                                    QStringLiteral("-t7z"), QStringLiteral("-p"), QStringLiteral("--"), archive_},
+                                   keep, [this] { return !Stopped(); });
+    const std::optional<QList<ArchiveEntry>> entries = listed ? ParseListing(listing) : std::nullopt;
+    entries_ = entries.value_or(QList<ArchiveEntry>());
+    return entries.has_value();
+}
+
+bool VszLib::ExtractAll(const QString& folder) {
+    const QString target = base::NativePath(folder);
+    const QList<ArchiveEntry> files = FilesOf(entries_);
+    const std::optional<qint64> total = TotalSize(files);
+    if (!AreEntriesAllowed(entries_) || !total || *total > QStorageInfo(target).bytesAvailable()) {
+        return false;
+    }
+    StagingFolder staging(target);
+    if (!staging.IsReady()) {
+        return false;
+    }
+    StreamSplitter splitter(files, staging);
+    EngineProcess engine(engine_);
+    engine.SetStallLimit(stallLimit_);
+    bool cancelled = false;
+    qint64 reported = -1;
+    const auto report = [this, &splitter, &cancelled, &reported, &total] {
+        if (splitter.Total() != reported) {
+            reported = splitter.Total();
+            Q_EMIT Progress(splitter.Index(), double(reported), double(*total), cancelled);
+        }
+        return !cancelled && !Stopped();
+    };
+    const bool streamed = engine.Run(
+        {QStringLiteral("x"), QStringLiteral("-so"), QStringLiteral("-t7z"), QStringLiteral("-p"),
+         QStringLiteral("-bd"), QStringLiteral("--"), archive_},
+        [&splitter](const char* data, qsizetype size) { return splitter.Take(data, size); }, report);
+    return streamed && report() && splitter.IsWhole() && PutInPlace(files, target, staging, replacer_);
+}
+
+} // namespace net

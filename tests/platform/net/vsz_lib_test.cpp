@@ -1,0 +1,303 @@
+#include "net/vsz_lib.h"
+
+#include "base/yield.h"
+#include "net/crc32.h"
+#include "net/engine_process.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtEndian>
+#include <gtest/gtest.h>
+
+namespace {
+
+class VszLibTest : public testing::Test {
+  protected:
+    VszLibTest() {
+        QDir(root_.path()).mkdir(QStringLiteral("in"));
+        QDir(root_.path()).mkdir(QStringLiteral("out"));
+        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+    }
+    ~VszLibTest() override { net::SetEngineFolders({}); }
+
+    QString Path(const QString& name) const { return root_.filePath(name); }
+
+    void Write(const QString& name, const QByteArray& content) {
+        QDir().mkpath(QFileInfo(Path(name)).path());
+        QFile file(Path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+    QByteArray Read(const QString& name) const {
+        QFile file(Path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+    }
+
+    // Packs what stands below in/ into hwids.7z.
+    void Pack(const QStringList& options = {}) {
+        QFile::remove(Path(QStringLiteral("hwids.7z")));
+        QProcess packer;
+        packer.setWorkingDirectory(Path(QStringLiteral("in")));
+        packer.start(net::FindEngine(),
+                     QStringList{QStringLiteral("a"), QStringLiteral("-bd"), QStringLiteral("-snl")} + options +
+                         QStringList{QStringLiteral("../hwids.7z"), QStringLiteral(".")});
+        ASSERT_TRUE(packer.waitForFinished() && packer.exitCode() == 0) << packer.readAll().constData();
+    }
+
+    // Replaces a name inside an archive packed with -mhc=off by one of the same length, and mends the checksums.
+    void PatchName(const QString& from, const QString& to) {
+        QByteArray archive = Read(QStringLiteral("hwids.7z"));
+        const auto wide = [](const QString& text) {
+            return QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        };
+        const qsizetype at = archive.indexOf(wide(from));
+        ASSERT_GT(at, 0);
+        archive.replace(at, from.size() * 2, wide(to));
+        const auto offset = qFromLittleEndian<qint64>(archive.constData() + 12);
+        const auto size = qFromLittleEndian<qint64>(archive.constData() + 20);
+        qToLittleEndian(net::Crc32(0, archive.constData() + 32 + offset, size), archive.data() + 28);
+        qToLittleEndian(net::Crc32(0, archive.constData() + 12, 20), archive.data() + 8);
+        Write(QStringLiteral("hwids.7z"), archive);
+    }
+
+    bool Open() {
+        bool loaded = false;
+        zip_.LoadEngine(Path(QStringLiteral("out\\7za.dll")), loaded);
+        return zip_.OpenArchive(Path(QStringLiteral("hwids.7z")));
+    }
+
+    bool Extract() { return zip_.ExtractAll(Path(QStringLiteral("out"))); }
+
+    // Everything is as it was, and nothing was left behind.
+    void ExpectUntouched() const {
+        EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), "the old database");
+        EXPECT_EQ(QDir(Path(QStringLiteral("out"))).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                  QStringList{QStringLiteral("hwids.mdb")});
+        EXPECT_FALSE(QFile::exists(Path(QStringLiteral("evil.txt"))));
+    }
+
+    // An engine of the test's own: `l` prints `listing`, `x` runs `script`.
+    void FakeEngine(const QByteArray& listing, const QByteArray& script) {
+        Write(QStringLiteral("engine/listing"), listing);
+        Write(QStringLiteral("engine/7za"),
+              "#!/bin/sh\nif [ \"$1\" = l ]; then cat '" + Path(QStringLiteral("engine/listing")).toUtf8() +
+                  "'; exit; fi\necho $$ > '" + Path(QStringLiteral("engine/pid")).toUtf8() + "'\n" + script + "\n");
+        QFile::setPermissions(Path(QStringLiteral("engine/7za")),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        net::SetEngineFolders({Path(QStringLiteral("engine"))});
+        Write(QStringLiteral("hwids.7z"), "anything");
+    }
+
+    bool EngineIsGone() const {
+        const QByteArray id = Read(QStringLiteral("engine/pid")).trimmed();
+        return !id.isEmpty() && !QFile::exists(QStringLiteral("/proc/") + QString::fromLatin1(id));
+    }
+
+    QTemporaryDir root_;
+    net::VszLib zip_;
+};
+
+TEST_F(VszLibTest, UnpacksAWholeArchiveAndReportsProgress) {
+    const QByteArray database = QByteArray("new database ").repeated(200'000);
+    Write(QStringLiteral("in/HWIDS.mdb"), database);
+    Write(QStringLiteral("in/color_presets/Night.ini"), "[colors]");
+    Write(QStringLiteral("in/a\u00FC.txt"), "text");
+    Write(QStringLiteral("in/empty.md"), "");
+    Pack();
+    double current = 0;
+    double total = 0;
+    QObject::connect(&zip_, &net::VszLib::Progress, [&](int, double now, double all, bool&) {
+        EXPECT_GE(now, current);
+        current = now;
+        total = all;
+        base::Yield();
+    });
+    ASSERT_TRUE(Open());
+    ASSERT_TRUE(Extract());
+    EXPECT_EQ(total, double(database.size() + 12));
+    EXPECT_EQ(current, total);
+    // The old file's spelling stays: one name is one file.
+    EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), database);
+    EXPECT_EQ(Read(QStringLiteral("out/color_presets/Night.ini")), "[colors]");
+    EXPECT_EQ(Read(QStringLiteral("out/a\u00FC.txt")), "text");
+    EXPECT_EQ(Read(QStringLiteral("out/empty.md")), "");
+    EXPECT_EQ(
+        QDir(Path(QStringLiteral("out"))).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 4);
+}
+
+TEST_F(VszLibTest, WhatIsNoArchiveIsNotOpened) {
+    EXPECT_FALSE(Open()) << "missing";
+    Write(QStringLiteral("hwids.7z"), "");
+    EXPECT_FALSE(Open());
+    Write(QStringLiteral("hwids.7z"), "<html>404</html>");
+    EXPECT_FALSE(Open());
+    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Pack({QStringLiteral("-tzip")});
+    EXPECT_FALSE(Open()) << "a zip";
+    Pack({QStringLiteral("-psecret"), QStringLiteral("-mhe=on")});
+    EXPECT_FALSE(Open()) << "names encrypted";
+    Pack();
+    QByteArray archive = Read(QStringLiteral("hwids.7z"));
+    Write(QStringLiteral("hwids.7z"), archive.chopped(1));
+    EXPECT_FALSE(Open()) << "truncated";
+    Write(QStringLiteral("hwids.7z"), archive.first(20));
+    EXPECT_FALSE(Open());
+    EXPECT_FALSE(Extract());
+    ExpectUntouched();
+}
+
+TEST_F(VszLibTest, DamagedOrEncryptedContentsChangeNothing) {
+    Write(QStringLiteral("in/a.txt"), "first");
+    Write(QStringLiteral("in/hwids.mdb"), QByteArray(50'000, 'n') + "end");
+    Pack({QStringLiteral("-mhc=off"), QStringLiteral("-m0=copy")});
+    QByteArray archive = Read(QStringLiteral("hwids.7z"));
+    archive[archive.indexOf("nnnn") + 40'000] = 'N';
+    Write(QStringLiteral("hwids.7z"), archive);
+    ASSERT_TRUE(Open());
+    EXPECT_FALSE(Extract()) << "wrong checksum";
+    ExpectUntouched();
+    Pack({QStringLiteral("-psecret")});
+    ASSERT_TRUE(Open());
+    EXPECT_FALSE(Extract()) << "encrypted";
+    ExpectUntouched();
+}
+
+TEST_F(VszLibTest, HostileEntriesRefuseTheWholeArchive) {
+    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Write(QStringLiteral("in/xx_evil.txt"), "evil");
+    for (const char16_t* name : {u"../evil.txt", u"/tmp_il.txt", u"Hwids.mdb_x", u"platform.so", u"HWIDS.mdb"}) {
+        const QString to = QString::fromUtf16(name);
+        QDir(Path(QStringLiteral("in"))).removeRecursively();
+        Write(QStringLiteral("in/hwids.mdb"), "new");
+        const QString from = QString(to.size() - 4, QChar(u'z')) + QStringLiteral(".txt");
+        Write(QStringLiteral("in/") + from, "evil");
+        Pack({QStringLiteral("-mhc=off")});
+        PatchName(from, to);
+        ASSERT_TRUE(Open()) << qPrintable(to);
+        EXPECT_FALSE(Extract()) << qPrintable(to);
+        ExpectUntouched();
+    }
+    QDir(Path(QStringLiteral("in"))).removeRecursively();
+    Write(QStringLiteral("in/hwids.mdb"), "new");
+    QFile::link(QStringLiteral("/etc/passwd"), Path(QStringLiteral("in/link.txt")));
+    Pack();
+    ASSERT_TRUE(Open());
+    EXPECT_FALSE(Extract()) << "a link";
+    ExpectUntouched();
+    QDir(Path(QStringLiteral("in"))).removeRecursively();
+    QDir(root_.path()).mkdir(QStringLiteral("in"));
+    Pack();
+    Open();
+    EXPECT_FALSE(Extract()) << "nothing inside";
+    ExpectUntouched();
+}
+
+TEST_F(VszLibTest, NothingIsWrittenThroughALinkInTheFolder) {
+    Write(QStringLiteral("in/color_presets/x.ini"), "x");
+    Pack();
+    QDir(root_.path()).mkdir(QStringLiteral("elsewhere"));
+    QFile::link(Path(QStringLiteral("elsewhere")), Path(QStringLiteral("out/color_presets")));
+    ASSERT_TRUE(Open());
+    EXPECT_FALSE(Extract());
+    EXPECT_TRUE(QDir(Path(QStringLiteral("elsewhere"))).isEmpty());
+}
+
+TEST_F(VszLibTest, ABombIsRefusedBeforeTheEngineRuns) {
+    FakeEngine("Path = hwids.mdb\nSize = 1099511627776000\nCRC = 00000000\n\n", "cat /dev/zero");
+    ASSERT_TRUE(Open());
+    EXPECT_FALSE(Extract());
+    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("engine/pid"))));
+    ExpectUntouched();
+}
+
+TEST_F(VszLibTest, AnEngineThatLiesDiesOrStallsChangesNothing) {
+    const QByteArray listing = "Path = hwids.mdb\nSize = 3\nCRC = 352441C2\n\n"; // "abc"
+    struct Case {
+        const char* script;
+        bool good;
+    };
+    for (const Case& tried : {Case{"printf abc", true}, Case{"printf abcd", false}, Case{"printf ab", false},
+                              Case{"printf abd", false}, Case{"printf abc; exit 1", false},
+                              Case{"printf abc; kill -9 $$", false}, Case{"cat /dev/zero", false}, Case{"", false}}) {
+        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+        FakeEngine(listing, tried.script);
+        ASSERT_TRUE(Open());
+        EXPECT_EQ(Extract(), tried.good) << tried.script;
+        EXPECT_TRUE(EngineIsGone()) << tried.script;
+        if (!tried.good) {
+            ExpectUntouched();
+        }
+    }
+    FakeEngine(listing, "printf a; exec sleep 60");
+    zip_.SetStallLimit(300);
+    ASSERT_TRUE(Open());
+    EXPECT_FALSE(Extract());
+    EXPECT_TRUE(EngineIsGone());
+    FakeEngine("Path = hwids.mdb\nSize = x\n\n", "");
+    EXPECT_FALSE(Open());
+}
+
+TEST_F(VszLibTest, StopAndCancelKillTheEngine) {
+    const QByteArray listing = "Path = hwids.mdb\nSize = 30\nCRC = 352441C2\n\n";
+    FakeEngine(listing, "printf abc; exec sleep 60");
+    bool closing = false;
+    zip_.SetStop([&closing] { return closing; });
+    ASSERT_TRUE(Open());
+    QTimer::singleShot(150, &zip_, [&closing] { closing = true; });
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(Extract());
+    EXPECT_LT(timer.elapsed(), 5'000);
+    EXPECT_TRUE(EngineIsGone());
+    ExpectUntouched();
+    closing = false;
+    QObject::connect(&zip_, &net::VszLib::Progress, [](int, double now, double, bool& cancel) { cancel = now > 0; });
+    EXPECT_FALSE(Extract());
+    EXPECT_TRUE(EngineIsGone());
+    ExpectUntouched();
+}
+
+TEST_F(VszLibTest, WithoutAnEngineNothingOpens) {
+    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Pack();
+    // One that stands in the program's folder is never taken.
+    Write(QStringLiteral("out/7za.dll"), "#!/bin/sh\n");
+    net::SetEngineFolders({Path(QStringLiteral("nowhere"))});
+    bool loaded = true;
+    zip_.LoadEngine(Path(QStringLiteral("out\\7za.dll")), loaded);
+    EXPECT_FALSE(loaded);
+    EXPECT_FALSE(zip_.OpenArchive(Path(QStringLiteral("hwids.7z"))));
+}
+
+TEST_F(VszLibTest, ADatabaseThatCannotBeReplacedKeepsEverythingElseBack) {
+    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Write(QStringLiteral("in/a.txt"), "text");
+    Write(QStringLiteral("in/sub/b.txt"), "text");
+    Pack();
+    ASSERT_TRUE(Open());
+    QString place;
+    zip_.SetDatabaseReplacer([&place](const QString&, const QString& to) {
+        place = to;
+        return false;
+    });
+    EXPECT_FALSE(Extract());
+    EXPECT_EQ(place, Path(QStringLiteral("out/hwids.mdb")));
+    ExpectUntouched();
+}
+
+TEST_F(VszLibTest, WhatAKilledProcessLeftIsRemoved) {
+    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Pack();
+    Write(QStringLiteral("out/.unpacking-999999/0"), "half");
+    ASSERT_TRUE(Open());
+    EXPECT_TRUE(Extract());
+    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("out/.unpacking-999999"))));
+    EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), "new");
+}
+
+} // namespace
