@@ -1,0 +1,58 @@
+// A connection to one database file, as ADO's Connection. Held by shared pointers; the recordsets and commands made on
+// it lose their use when it is closed. Each call that can fail throws Error: run it through Ran.
+#pragma once
+
+#include "data/ado.h"
+
+#include <QString>
+#include <memory>
+
+namespace data {
+
+class Session;
+
+class Connection {
+  public:
+    Connection();
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    // Kept, without effect: every rowset is served as by a client-side cursor.
+    int CursorLocation() const { return cursorLocation_; }
+    void SetCursorLocation(int location);
+
+    // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=<path>;". The path may be one of the program's own, with
+    // backslashes.
+    const QString& ConnectionString() const { return connectionString_; }
+    void SetConnectionString(const QString& text);
+
+    // Opens the file, which must exist and be a database. User and password are not asked for by the provider.
+    void Open(const QString& user = QString(), const QString& password = QString(), int options = adConnectUnspecified);
+    void Close();
+    int State() const { return session_ ? adStateOpen : adStateClosed; }
+
+    // A write transaction; it waits its turn behind other processes. Never kept open across a yield.
+    void BeginTrans();
+    void CommitTrans();
+    // Without a transaction it does nothing.
+    void RollbackTrans();
+
+    // Changes with every opening of a file, also when the file was replaced under an open connection; 0 while closed.
+    // Looks at the file first, so two equal answers mean that what was read between them belongs together.
+    quint64 Generation() const;
+
+  private:
+    friend class Command;
+    friend class Recordset;
+    // Throws ErrorInvalidConnection while closed.
+    const std::shared_ptr<Session>& RequireSession() const;
+
+    QString connectionString_;
+    std::shared_ptr<Session> session_;
+    int cursorLocation_ = adUseServer;
+};
+
+using ConnectionPtr = std::shared_ptr<Connection>;
+
+} // namespace data

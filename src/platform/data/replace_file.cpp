@@ -1,0 +1,149 @@
+#include "data/replace_file.h"
+
+#include "data/error.h"
+#include "data/session.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <sqlite3.h>
+#include <unistd.h>
+
+namespace data {
+
+namespace {
+
+constexpr int lockTimeout = 10000; // milliseconds that one replacement waits for another
+
+struct CloseHandle {
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
+};
+using Handle = std::unique_ptr<sqlite3, CloseHandle>;
+
+QString LastError() { return QString::fromLocal8Bit(std::strerror(errno)); }
+
+bool SyncPath(const QString& path, int flags) {
+    const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool synced = ::fsync(descriptor) == 0;
+    ::close(descriptor);
+    return synced;
+}
+
+bool SyncFolderOf(const QString& path) { return SyncPath(QFileInfo(path).absolutePath(), O_RDONLY | O_DIRECTORY); }
+
+Handle OpenHandle(const QString& path, int flags, int& code) {
+    sqlite3* handle = nullptr;
+    code = sqlite3_open_v2(path.toUtf8().constData(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    return Handle(handle);
+}
+
+// The old file opened for nobody else. What is no database has no one who writes to it: an empty handle, without error.
+Handle OpenExclusively(const QString& path, QString& error) {
+    int code = SQLITE_OK;
+    Handle handle = OpenHandle(path, SQLITE_OPEN_READWRITE, code);
+    if (code == SQLITE_OK && !ConfigureHandle(handle.get())) {
+        code = sqlite3_errcode(handle.get());
+    }
+    if (code == SQLITE_OK) {
+        // Rolls back what an interrupted write left; held until the new file stands there.
+        code = sqlite3_exec(handle.get(), "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
+    }
+    if (code == SQLITE_BUSY || code == SQLITE_LOCKED) {
+        error = QStringLiteral("the database is in use");
+    }
+    if (code != SQLITE_OK) {
+        handle.reset();
+    }
+    return handle;
+}
+
+} // namespace
+
+bool IsDatabaseFile(const QString& nativePath) {
+    return Ran([&] {
+        Session session(nativePath);
+        if (session.Query("SELECT count(*) FROM sqlite_schema WHERE type = 'table'", {}, false).Rows.at(0).at(0) == 0) {
+            throw Error(ErrorUnspecified);
+        }
+    });
+}
+
+bool ReplaceDatabaseFile(const QString& newFile, const QString& target, QString* error) {
+    QString ignored;
+    QString& what = error != nullptr ? *error : ignored;
+    // Behind a link, the file that it names: its journal stands beside it, not beside the link.
+    const QFileInfo info(target);
+    const QString place = info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+    if (info.exists() && !info.isFile()) {
+        what = QStringLiteral("not a file");
+        return false;
+    }
+    QLockFile lock(place + QStringLiteral(".lock"));
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock(lockTimeout)) {
+        what = QStringLiteral("the folder cannot be written, or another replacement is under way");
+        return false;
+    }
+    if (!SyncPath(newFile, O_RDONLY)) {
+        what = LastError();
+        return false;
+    }
+    QString busy;
+    const Handle old = info.exists() ? OpenExclusively(place, busy) : Handle();
+    if (!busy.isEmpty()) {
+        what = busy;
+        return false;
+    }
+    // Nobody can have begun a write, so a journal that still stands here belongs to nothing. It goes before the new
+    // file comes: behind the rename it could be one that the new file needs.
+    const QByteArray journal = QFile::encodeName(place + QStringLiteral("-journal"));
+    if ((::unlink(journal.constData()) != 0 && errno != ENOENT) || !SyncFolderOf(place) ||
+        std::rename(QFile::encodeName(newFile).constData(), QFile::encodeName(place).constData()) != 0) {
+        what = LastError();
+        return false;
+    }
+    SyncFolderOf(place);
+    return true;
+}
+
+bool CreateDatabaseFile(const QString& nativePath, const QStringList& statements, QString* error) {
+    // Claimed by its name, so that a file that is there is never touched.
+    const int descriptor =
+        ::open(QFile::encodeName(nativePath).constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+    if (descriptor < 0) {
+        if (error != nullptr) {
+            *error = LastError();
+        }
+        return false;
+    }
+    ::close(descriptor);
+    int code = SQLITE_OK;
+    Handle handle = OpenHandle(QFileInfo(nativePath).absoluteFilePath(), SQLITE_OPEN_READWRITE, code);
+    QByteArray script = "BEGIN;";
+    for (const QString& statement : statements) {
+        script += statement.toUtf8() + ';';
+    }
+    script += "COMMIT;";
+    if (code == SQLITE_OK) {
+        code = sqlite3_exec(handle.get(), script.constData(), nullptr, nullptr, nullptr);
+    }
+    if (code == SQLITE_OK) {
+        return true;
+    }
+    if (error != nullptr) {
+        *error = QString::fromUtf8(sqlite3_errmsg(handle.get()));
+    }
+    handle.reset();
+    QFile::remove(nativePath);
+    return false;
+}
+
+} // namespace data

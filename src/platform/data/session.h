@@ -1,0 +1,89 @@
+// One open database file: what connection, command and recordset share. Owns the store's handle and the prepared
+// statements. No statement stays half-read behind any call, so another process is never locked out between two calls; a
+// file that was replaced since it was opened is noticed at the next call and opened in the old one's place.
+#pragma once
+
+#include "data/statement_text.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <list>
+#include <utility>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace data {
+
+// Rows as fetched: the columns' names, each row's values, and its own number where the statement gives one.
+struct Table {
+    QStringList Columns;
+    std::vector<std::vector<QVariant>> Rows;
+    std::vector<qint64> RowIds;
+};
+
+class Session {
+  public:
+    // Opens an existing file for reading and writing (for reading alone where it cannot be written). Throws Error where
+    // it is missing, a folder, not permitted, cut short or no database.
+    explicit Session(const QString& nativePath);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // All rows. `withRowId`: the statement's first column is the row's own number.
+    Table Query(const QByteArray& sql, const std::vector<QVariant>& values, bool withRowId);
+    // Runs a statement that gives no rows; how many rows it changed. Durable on return, unless inside a transaction.
+    int Change(const QByteArray& sql, const std::vector<QVariant>& values);
+
+    // Write transactions, not nested. Begin waits for other writers like any other call.
+    void Begin();
+    void Commit();
+    void Rollback();
+
+    // The number that the last successful insert gave its row; kept when an insert fails and when the file is replaced.
+    qint64 LastIdentity() const;
+
+    // Another number for every opening of a file in this process: rows and numbers read under one generation mean
+    // nothing under another.
+    quint64 Generation() const { return generation_; }
+
+    // Looks whether the file was replaced, and opens the new one; done by every call outside a transaction.
+    void FollowFile();
+
+  private:
+    struct Prepared {
+        QByteArray Sql;
+        sqlite3_stmt* Statement;
+    };
+    struct FileIdentity {
+        quint64 Device = 0;
+        quint64 Inode = 0;
+        bool Exists = false;
+        friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+    };
+    class Run;
+
+    static FileIdentity IdentityOf(const QString& path);
+    void Open();
+    void Close();
+    sqlite3_stmt* Prepare(const QByteArray& sql);
+    void RunPlain(const char* sql);
+    void RequireWritableFile();
+    [[noreturn]] void Fail(int code) const;
+
+    QString path_;
+    sqlite3* handle_ = nullptr;
+    std::list<Prepared> statements_; // most recently used first
+    FileIdentity file_;
+    quint64 generation_ = 0;
+    bool inTransaction_ = false;
+};
+
+// What every handle of ours is set to: durable writes, a rollback journal, and nothing of the file's own code
+// (triggers, views) run. False where the file refuses.
+bool ConfigureHandle(sqlite3* handle);
+
+} // namespace data

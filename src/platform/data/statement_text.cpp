@@ -1,0 +1,285 @@
+#include "data/statement_text.h"
+
+#include "data/error.h"
+
+#include <array>
+
+namespace data {
+
+namespace {
+
+enum class TokenKind { Word, Bracketed, Text, Number, Parameter, Symbol };
+
+struct Token {
+    TokenKind Kind = TokenKind::Symbol;
+    QString Spelling; // as it is emitted; for literals unused
+    QVariant Value;   // of Text and Number
+
+    bool IsWord(QLatin1String word) const {
+        return Kind == TokenKind::Word && Spelling.compare(word, Qt::CaseInsensitive) == 0;
+    }
+    bool IsSymbol(char16_t symbol) const { return Kind == TokenKind::Symbol && Spelling == QChar(symbol); }
+    bool IsName() const { return Kind == TokenKind::Word || Kind == TokenKind::Bracketed; }
+    bool IsLiteral() const { return Kind == TokenKind::Text || Kind == TokenKind::Number; }
+};
+
+using Tokens = std::vector<Token>;
+
+[[noreturn]] void FailInText(const QString& what) {
+    throw Error(ErrorInCommand, QStringLiteral("Syntax error in query: %1.").arg(what));
+}
+
+bool IsLetter(QChar character) {
+    const ushort code = character.unicode();
+    return (code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z') || code == '_' || code == '@';
+}
+
+bool IsDigit(QChar character) { return character.unicode() >= '0' && character.unicode() <= '9'; }
+
+class Tokeniser {
+  public:
+    explicit Tokeniser(const QString& text) : text_(text) {}
+
+    Tokens Run() {
+        Tokens tokens;
+        for (SkipBlanks(); at_ < text_.size(); SkipBlanks()) {
+            tokens.push_back(Next());
+        }
+        return tokens;
+    }
+
+  private:
+    void SkipBlanks() {
+        while (at_ < text_.size() && (text_[at_] == u' ' || (text_[at_] >= u'\t' && text_[at_] <= u'\r'))) {
+            ++at_;
+        }
+    }
+
+    Token Next() {
+        const QChar first = text_[at_];
+        if (first == u'\'' || first == u'"') {
+            return {TokenKind::Text, QString(), Quoted(first)};
+        }
+        if (first == u'[') {
+            return Bracketed();
+        }
+        if (IsDigit(first)) {
+            return Number();
+        }
+        if (IsLetter(first)) {
+            const qsizetype start = at_;
+            while (at_ < text_.size() && (IsLetter(text_[at_]) || IsDigit(text_[at_]))) {
+                ++at_;
+            }
+            return {TokenKind::Word, text_.mid(start, at_ - start), QVariant()};
+        }
+        if (first == u'?') {
+            ++at_;
+            return {TokenKind::Parameter, QString(), QVariant()};
+        }
+        if (!QStringView(u"*,().=<>+-/&;").contains(first)) {
+            FailInText(QStringLiteral("unexpected character"));
+        }
+        ++at_;
+        return {TokenKind::Symbol, QString(first), QVariant()};
+    }
+
+    // A quote inside is doubled.
+    QString Quoted(QChar quote) {
+        QString value;
+        for (++at_;;) {
+            const qsizetype end = text_.indexOf(quote, at_);
+            if (end < 0) {
+                FailInText(QStringLiteral("a quote is not closed"));
+            }
+            value += QStringView(text_).mid(at_, end - at_);
+            at_ = end + 1;
+            if (at_ >= text_.size() || text_[at_] != quote) {
+                return value;
+            }
+            value += quote;
+            ++at_;
+        }
+    }
+
+    Token Bracketed() {
+        const qsizetype end = text_.indexOf(u']', at_);
+        if (end < 0) {
+            FailInText(QStringLiteral("a bracket is not closed"));
+        }
+        const QString name = text_.mid(at_ + 1, end - at_ - 1);
+        for (const QChar character : name) {
+            if (!IsLetter(character) && !IsDigit(character) && character != u' ') {
+                FailInText(QStringLiteral("a name in brackets"));
+            }
+        }
+        at_ = end + 1;
+        return {TokenKind::Bracketed, name, QVariant()};
+    }
+
+    Token Number() {
+        const qsizetype start = at_;
+        while (at_ < text_.size() && (IsDigit(text_[at_]) || text_[at_] == u'.')) {
+            ++at_;
+        }
+        if (at_ < text_.size() && IsLetter(text_[at_])) {
+            FailInText(QStringLiteral("a number runs into a word"));
+        }
+        const QString digits = text_.mid(start, at_ - start);
+        bool whole = false;
+        const qlonglong value = digits.toLongLong(&whole);
+        return {TokenKind::Number, QString(), whole ? QVariant(value) : QVariant(digits.toDouble())};
+    }
+
+    const QString& text_;
+    qsizetype at_ = 0;
+};
+
+// "name" or "name.name" from `at` on, which is moved behind it; empty where there is none.
+QString ColumnName(const Tokens& tokens, size_t& at) {
+    if (at >= tokens.size() || !tokens[at].IsName()) {
+        return QString();
+    }
+    QString name = QLatin1Char('[') + tokens[at++].Spelling + QLatin1Char(']');
+    if (at + 1 < tokens.size() && tokens[at].IsSymbol(u'.') && tokens[at + 1].IsName()) {
+        name += QStringLiteral(".[") + tokens[at + 1].Spelling + QLatin1Char(']');
+        at += 2;
+    }
+    return name;
+}
+
+// Where everything from `start` on is "column = literal OR column = literal ...", at least two of them and all of one
+// column: that column, with the literals in `values`.
+QString OrChain(const Tokens& tokens, size_t start, std::vector<QVariant>& values) {
+    QString column;
+    size_t at = start;
+    for (;;) {
+        const QString name = ColumnName(tokens, at);
+        if (name.isEmpty() || (!column.isEmpty() && name.compare(column, Qt::CaseInsensitive) != 0)) {
+            return QString();
+        }
+        column = name;
+        if (at + 1 >= tokens.size() || !tokens[at].IsSymbol(u'=') || !tokens[at + 1].IsLiteral()) {
+            return QString();
+        }
+        values.push_back(tokens[at + 1].Value);
+        at += 2;
+        if (at == tokens.size()) {
+            return values.size() > 1 ? column : QString();
+        }
+        if (!tokens[at++].IsWord(QLatin1String("OR"))) {
+            return QString();
+        }
+    }
+}
+
+QByteArray MarksFor(size_t count) {
+    QByteArray marks = QByteArrayLiteral("?");
+    marks.reserve(qsizetype(count) * 2);
+    for (size_t i = 1; i < count; ++i) {
+        marks += ",?";
+    }
+    return marks;
+}
+
+void Emit(const Token& token, StatementText& statement) {
+    if (!statement.Sql.isEmpty()) {
+        statement.Sql += ' ';
+    }
+    switch (token.Kind) {
+    case TokenKind::Text:
+    case TokenKind::Number:
+        statement.Sql += '?';
+        statement.Values.push_back(token.Value);
+        break;
+    case TokenKind::Parameter:
+        statement.Sql += '?';
+        statement.Values.emplace_back();
+        ++statement.ParameterCount;
+        break;
+    case TokenKind::Bracketed:
+        statement.Sql += '[' + token.Spelling.toUtf8() + ']';
+        break;
+    case TokenKind::Word:
+    case TokenKind::Symbol:
+        statement.Sql += token.Spelling.toUtf8();
+        break;
+    }
+}
+
+// Everything from `start` on, with the condition's OR chain gathered.
+void EmitRest(const Tokens& tokens, size_t start, StatementText& statement) {
+    for (size_t at = start; at < tokens.size(); ++at) {
+        Emit(tokens[at], statement);
+        if (!tokens[at].IsWord(QLatin1String("WHERE"))) {
+            continue;
+        }
+        std::vector<QVariant> values;
+        const QString column = OrChain(tokens, at + 1, values);
+        if (!column.isEmpty()) {
+            statement.Sql += ' ' + column.toUtf8() + " IN (" + MarksFor(values.size()) + ')';
+            statement.Values.insert(statement.Values.end(), values.begin(), values.end());
+            return;
+        }
+    }
+}
+
+bool IsSelectAllFromOneTable(const Tokens& tokens) {
+    return tokens.size() >= 4 && tokens[1].IsSymbol(u'*') && tokens[2].IsWord(QLatin1String("FROM")) &&
+           tokens[3].IsName() &&
+           (tokens.size() == 4 || tokens[4].IsWord(QLatin1String("WHERE")) || tokens[4].IsWord(QLatin1String("ORDER")));
+}
+
+StatementText TranslateSelect(const Tokens& tokens) {
+    StatementText statement;
+    if (tokens.size() == 2 && tokens[1].IsWord(QLatin1String("@@IDENTITY"))) {
+        statement.Kind = StatementKind::Identity;
+        return statement;
+    }
+    if (!IsSelectAllFromOneTable(tokens)) {
+        EmitRest(tokens, 0, statement);
+        return statement;
+    }
+    statement.Table = tokens[3].Spelling;
+    statement.WholeTable = tokens.size() == 4;
+    statement.Sql = "SELECT rowid, * FROM [" + statement.Table.toUtf8() + ']';
+    EmitRest(tokens, 4, statement);
+    return statement;
+}
+
+void RefuseSecondStatement(Tokens& tokens) {
+    while (!tokens.empty() && tokens.back().IsSymbol(u';')) {
+        tokens.pop_back();
+    }
+    for (const Token& token : tokens) {
+        if (token.IsSymbol(u';')) {
+            throw Error(ErrorInCommand, QStringLiteral("Characters found after end of SQL statement."));
+        }
+    }
+}
+
+} // namespace
+
+StatementText TranslateStatement(const QString& text) {
+    Tokens tokens = Tokeniser(text).Run();
+    RefuseSecondStatement(tokens);
+    if (tokens.empty()) {
+        throw Error(ErrorNoCommand);
+    }
+    if (tokens[0].IsWord(QLatin1String("SELECT"))) {
+        return TranslateSelect(tokens);
+    }
+    constexpr std::array changes{"INSERT", "UPDATE", "DELETE"};
+    for (const char* verb : changes) {
+        if (tokens[0].IsWord(QLatin1String(verb))) {
+            StatementText statement;
+            statement.Kind = StatementKind::Change;
+            EmitRest(tokens, 0, statement);
+            return statement;
+        }
+    }
+    throw Error(ErrorInCommand, QStringLiteral("Invalid SQL statement; expected 'DELETE', 'INSERT', 'SELECT', or "
+                                               "'UPDATE'."));
+}
+
+} // namespace data

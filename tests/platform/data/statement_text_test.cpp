@@ -1,0 +1,63 @@
+#include "data/error.h"
+#include "data/statement_text.h"
+
+#include <gmock/gmock.h>
+
+using data::StatementKind;
+using data::TranslateStatement;
+using testing::ElementsAre;
+
+namespace {
+
+qint32 Refusal(const QString& text) {
+    data::Error error;
+    return data::Ran([&] { TranslateStatement(text); }, &error) ? 0 : error.Number();
+}
+
+} // namespace
+
+TEST(StatementText, LiftsEveryLiteral) {
+    const auto statement = TranslateStatement(
+        QStringLiteral("SELECT * FROM devicenames Where [devicenames].[devicename] = 'Bob''s \"50%\" ; -- DROP ?'"));
+    EXPECT_EQ(statement.Sql, "SELECT rowid, * FROM [devicenames] Where [devicenames] . [devicename] = ?");
+    EXPECT_THAT(statement.Values, ElementsAre(QVariant(QStringLiteral("Bob's \"50%\" ; -- DROP ?"))));
+    EXPECT_EQ(statement.Table, QStringLiteral("devicenames"));
+    EXPECT_FALSE(statement.WholeTable);
+
+    const auto byNumber = TranslateStatement(QStringLiteral("SELECT * FROM mfgs Where [mfgs].[ID] = 812"));
+    EXPECT_THAT(byNumber.Values, ElementsAre(QVariant(812LL)));
+}
+
+TEST(StatementText, GathersOneColumnsOrChain) {
+    const auto statement = TranslateStatement(QStringLiteral(
+        "SELECT * FROM hwids Where [hwids].[hwid] = 'a' OR [hwids].[hwid] = 'b' or [HWIDS].[hwid] = ''"));
+    EXPECT_TRUE(statement.Sql.endsWith("Where [HWIDS].[hwid] IN (?,?,?)")) << statement.Sql.toStdString();
+    EXPECT_THAT(statement.Values, ElementsAre(QVariant(QStringLiteral("a")), QVariant(QStringLiteral("b")),
+                                              QVariant(QStringLiteral(""))));
+
+    const auto mixed = TranslateStatement(QStringLiteral("SELECT * FROM hwids Where hwid = 'a' OR info = 'b'"));
+    EXPECT_TRUE(mixed.Sql.endsWith("hwid = ? OR info = ?"));
+    const auto conjunct =
+        TranslateStatement(QStringLiteral("SELECT * FROM hwids Where hwid = 'a' OR hwid = 'b' AND info = 'c'"));
+    EXPECT_FALSE(conjunct.Sql.contains("IN"));
+}
+
+TEST(StatementText, KnowsItsKinds) {
+    EXPECT_EQ(TranslateStatement(QStringLiteral("SELECT @@Identity")).Kind, StatementKind::Identity);
+    EXPECT_TRUE(TranslateStatement(QStringLiteral("SELECT * FROM hwids;")).WholeTable);
+    const auto insert = TranslateStatement(QStringLiteral("INSERT INTO hwids (hwid,info) VALUES(?,'x')"));
+    EXPECT_EQ(insert.Kind, StatementKind::Change);
+    EXPECT_EQ(insert.ParameterCount, 1);
+    EXPECT_FALSE(insert.Values[0].isValid());
+}
+
+TEST(StatementText, RefusesWhatIsNoSingleStatement) {
+    EXPECT_EQ(Refusal(QString()), data::ErrorNoCommand);
+    EXPECT_EQ(Refusal(QStringLiteral(" ; ")), data::ErrorNoCommand);
+    for (const char* text : {"SELECT * FROM hwids Where hwid = 'open", " OR [hwids].[hwid] = 'a'",
+                             "SELECT * FROM hwids; DELETE FROM hwids", "PRAGMA writable_schema = 1", "ATTACH 'x' AS y",
+                             "SELECT * FROM [hwids", "SELECT * FROM [a\"]", "SELECT 12ab", "SELECT `x`",
+                             "SELECT * FROM hwids Where hwid = \\ "}) {
+        EXPECT_EQ(Refusal(QLatin1String(text)), data::ErrorInCommand) << text;
+    }
+}
