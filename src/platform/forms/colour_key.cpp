@@ -1,0 +1,109 @@
+#include "forms/colour_key.h"
+
+#include <QBackingStore>
+#include <QEvent>
+#include <QPaintEvent>
+#include <QWindow>
+
+namespace forms {
+
+namespace {
+
+constexpr QRgb opaque = 0xFF000000U;
+
+// Runs of one row, as rectangles one pixel high.
+QVector<QRect> KeyedRuns(const QRgb* row, int y, const QRect& area, QRgb key) {
+    QVector<QRect> runs;
+    for (int x = area.left(); x <= area.right(); ++x) {
+        if ((row[x] | opaque) != key)
+            continue;
+        const int begin = x;
+        while (x <= area.right() && (row[x] | opaque) == key)
+            ++x;
+        runs.append(QRect(begin, y, x - begin, 1));
+    }
+    return runs;
+}
+
+// A branchless first look, since most rows hold no key colour at all.
+bool HasKey(const QRgb* row, const QRect& area, QRgb key) {
+    unsigned any = 0;
+    for (int x = area.left(); x <= area.right(); ++x)
+        any |= unsigned((row[x] | opaque) == key);
+    return any != 0;
+}
+
+} // namespace
+
+QRegion KeyedPixels(const QImage& image, const QRect& area, QRgb key) {
+    const QRect within = area & image.rect();
+    QVector<QRect> done;
+    QVector<QRect> open; // runs of the row above that may grow downwards
+    for (int y = within.top(); y <= within.bottom(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        QVector<QRect> runs;
+        if (HasKey(row, within, key))
+            runs = KeyedRuns(row, y, within, key);
+        for (const QRect& above : open) {
+            bool grown = false;
+            for (QRect& run : runs) {
+                if (run.left() == above.left() && run.width() == above.width() && run.top() == y) {
+                    run.setTop(above.top());
+                    grown = true;
+                    break;
+                }
+            }
+            if (!grown)
+                done.append(above);
+        }
+        open = runs;
+    }
+    done += open;
+    QRegion region;
+    for (const QRect& rect : done)
+        region += rect;
+    return region;
+}
+
+ColourKeyOverlay::ColourKeyOverlay(QWidget* window) : QWidget(window) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setFocusPolicy(Qt::NoFocus);
+    setAccessibleName(QString());
+    window->installEventFilter(this);
+    setGeometry(window->rect());
+    show();
+}
+
+void ColourKeyOverlay::SetKey(base::Colour key) {
+    key_ = qRgb(key.Red(), key.Green(), key.Blue());
+    raise();
+    update();
+}
+
+void ColourKeyOverlay::paintEvent(QPaintEvent* event) {
+    const QBackingStore* store = window()->backingStore();
+    const auto* image =
+        store == nullptr ? nullptr : dynamic_cast<const QImage*>(const_cast<QBackingStore*>(store)->paintDevice());
+    QWindow* handle = window()->windowHandle();
+    if (image == nullptr || handle == nullptr)
+        return;
+    const QRect area = event->region().boundingRect() & image->rect();
+    const QRegion now = KeyedPixels(*image, area, key_);
+    const QRegion keyed = (keyed_ & QRegion(rect())) - area + now;
+    // The mask also depends on the size, so it is renewed with every resize (the area is then the whole window).
+    if (keyed == keyed_ && area != rect())
+        return;
+    keyed_ = keyed;
+    handle->setMask(QRegion(rect()) - keyed_);
+}
+
+bool ColourKeyOverlay::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize)
+        setGeometry(static_cast<QWidget*>(watched)->rect());
+    else if (event->type() == QEvent::ChildAdded)
+        raise();
+    return false;
+}
+
+} // namespace forms

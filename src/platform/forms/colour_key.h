@@ -1,0 +1,35 @@
+// The overlay that makes pixels of one colour see-through: it lies over everything on a form, lets the pointer through,
+// looks at what was painted below it and cuts the keyed pixels out of the window's shape.
+#pragma once
+
+#include "base/colour.h"
+
+#include <QImage>
+#include <QRegion>
+#include <QWidget>
+
+namespace forms {
+
+// The pixels of `area` in `image` that have exactly the colour `key`.
+QRegion KeyedPixels(const QImage& image, const QRect& area, QRgb key);
+
+class ColourKeyOverlay : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit ColourKeyOverlay(QWidget* window);
+
+    void SetKey(base::Colour key);
+    // What is cut out at present, in pixels of the window.
+    const QRegion& Keyed() const { return keyed_; }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    QRgb key_ = 0;
+    QRegion keyed_;
+};
+
+} // namespace forms

@@ -1,0 +1,75 @@
+#include "forms/desktop.h"
+
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QUrl>
+
+namespace forms {
+
+namespace {
+
+std::function<void(const QString&)>& BrowserRecorder() {
+    static std::function<void(const QString&)> recorder;
+    return recorder;
+}
+
+std::function<void(const QString&)>& ClipboardRecorder() {
+    static std::function<void(const QString&)> recorder;
+    return recorder;
+}
+
+bool IsOpenable(const QString& address) {
+    const QString scheme = QUrl(address.section(u'?', 0, 0)).scheme();
+    return scheme == QLatin1String("http") || scheme == QLatin1String("https") || scheme == QLatin1String("mailto");
+}
+
+} // namespace
+
+QByteArray EncodedAddress(const QString& address) {
+    // What may stand in an address as it is, after RFC 3986, and "%", since the program has escaped "&" already. A "#"
+    // and a
+    // "+" from a device name would end the query or turn into a blank at the site.
+    static const QByteArray plain = QByteArrayLiteral("-._~:/?[]@!$&'()*,;=%");
+    const QByteArray bytes = address.toUtf8();
+    QByteArray encoded;
+    for (const char byte : bytes) {
+        const bool letterOrDigit =
+            (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+        if (letterOrDigit || plain.contains(byte))
+            encoded.append(byte);
+        else
+            encoded.append('%').append(QByteArray(1, byte).toHex().toUpper());
+    }
+    return encoded;
+}
+
+void ShellExecuteA(const Form* owner, const QString& address) {
+    Q_UNUSED(owner)
+    if (BrowserRecorder()) {
+        BrowserRecorder()(address);
+        return;
+    }
+    if (IsOpenable(address))
+        QDesktopServices::openUrl(QUrl::fromEncoded(EncodedAddress(address), QUrl::StrictMode));
+}
+
+void ClearClipboard() {
+    if (ClipboardRecorder())
+        return;
+    QGuiApplication::clipboard()->clear();
+}
+
+void SetClipboardText(const QString& text) {
+    if (ClipboardRecorder()) {
+        ClipboardRecorder()(text);
+        return;
+    }
+    QGuiApplication::clipboard()->setText(text);
+}
+
+void SetBrowserRecorder(std::function<void(const QString&)> recorder) { BrowserRecorder() = std::move(recorder); }
+
+void SetClipboardRecorder(std::function<void(const QString&)> recorder) { ClipboardRecorder() = std::move(recorder); }
+
+} // namespace forms

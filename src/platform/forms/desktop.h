@@ -1,0 +1,28 @@
+// What leaves the process towards the desktop: the browser and the clipboard.
+#pragma once
+
+#include <QString>
+#include <functional>
+
+namespace forms {
+
+class Form;
+
+// ShellExecuteA with the verb "Open" and normal show state: hands an address to the user's default browser. The address
+// may hold blanks and backslashes; they reach the site as such. Does nothing for other schemes than http, https and
+// mailto, or without a browser.
+void ShellExecuteA(const Form* owner, const QString& address);
+
+// The encoded form in which an address is handed over: blanks, backslashes, quotes and characters beyond ASCII as
+// percent escapes, everything that was escaped already untouched.
+QByteArray EncodedAddress(const QString& address);
+
+// The clipboard, plain text only.
+void ClearClipboard();
+void SetClipboardText(const QString& text);
+
+// Take the place of browser and clipboard; null restores them.
+void SetBrowserRecorder(std::function<void(const QString& address)> recorder);
+void SetClipboardRecorder(std::function<void(const QString& text)> recorder);
+
+} // namespace forms

@@ -1,0 +1,319 @@
+#include "forms/form.h"
+
+#include "draw/system_colours.h"
+#include "forms/colour_key.h"
+#include "forms/compositor.h"
+#include "forms/form_drag.h"
+#include "forms/forms.h"
+#include "forms/screen.h"
+#include "forms/shadow_frame.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QPainter>
+#include <QPointer>
+
+namespace forms {
+
+namespace {
+
+constexpr int updateIntervalMilliseconds = 16;
+
+} // namespace
+
+// The part of the window that the program knows: everything but the shadow. It shows the form's own surface.
+class Form::ClientArea : public QWidget {
+  public:
+    explicit ClientArea(Form& form) : QWidget(&form), form_(form) { setAttribute(Qt::WA_OpaquePaintEvent); }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        painter.drawImage(event->rect(), form_.surface_.Image(), event->rect());
+    }
+
+  private:
+    Form& form_;
+};
+
+Form::Form(const QString& name, double width, double height)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint), drag_(std::make_unique<FormDrag>(*this)),
+      shadow_(std::make_unique<ShadowFrame>(*this)) {
+    setObjectName(name);
+    // The visual of a window is fixed when it is made, so a window that may get a shadow must be transparent from the
+    // start.
+    setAttribute(Qt::WA_TranslucentBackground, ScreenComposites());
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+    client_ = new ClientArea(*this);
+    laterUpdate_.setSingleShot(true);
+    laterUpdate_.setTimerType(Qt::PreciseTimer);
+    connect(&laterUpdate_, &QTimer::timeout, this, &Form::FlushUpdates);
+    SetWindowRect(QRect(0, 0, ToPixels(width), ToPixels(height)));
+}
+
+Form::~Form() {
+    drag_->End();
+    // Children unregister themselves while they are destroyed, which must still find the list.
+    delete client_;
+    const auto components = findChildren<QObject*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QObject* component : components)
+        if (controls_.contains(component))
+            delete component;
+}
+
+void Form::SetCaption(const QString& caption) { setWindowTitle(caption); }
+
+QRect Form::WindowRect() const {
+    const int extent = shadow_->Extent();
+    return geometry().adjusted(extent, extent, -extent, -extent);
+}
+
+void Form::SetWindowRect(const QRect& pixels) {
+    QRect target = pixels;
+    target.setSize(target.size().expandedTo(QSize(1, 1)));
+    const int extent = shadow_->ExtentFor(target);
+    const QSize before = client_->size();
+    const bool extentChanged = extent != shadow_->Extent();
+    shadow_->SetCurrent(extent);
+    setGeometry(target.adjusted(-extent, -extent, extent, extent));
+    if (isVisible() && !extentChanged)
+        return;
+    // A hidden window gets its resize event only when it is shown; the layout wants to know now.
+    LayOutClient();
+    if (client_->size() != before && !isVisible()) {
+        Q_EMIT Sized();
+        Q_EMIT Resized();
+        Resize();
+    }
+}
+
+double Form::Left() const { return ToTwips(WindowRect().x()); }
+double Form::Top() const { return ToTwips(WindowRect().y()); }
+double Form::Width() const { return ToTwips(WindowRect().width()); }
+double Form::Height() const { return ToTwips(WindowRect().height()); }
+
+void Form::SetLeft(double twips) {
+    QRect rect = WindowRect();
+    rect.moveLeft(ToPixels(twips));
+    SetWindowRect(rect);
+}
+
+void Form::SetTop(double twips) {
+    QRect rect = WindowRect();
+    rect.moveTop(ToPixels(twips));
+    SetWindowRect(rect);
+}
+
+void Form::SetWidth(double twips) {
+    QRect rect = WindowRect();
+    rect.setWidth(ToPixels(twips));
+    SetWindowRect(rect);
+}
+
+void Form::SetHeight(double twips) {
+    QRect rect = WindowRect();
+    rect.setHeight(ToPixels(twips));
+    SetWindowRect(rect);
+}
+
+void Form::Move(double left, double top, double width, double height) {
+    SetWindowRect(QRect(ToPixels(left), ToPixels(top), ToPixels(width), ToPixels(height)));
+}
+
+int Form::WindowState() const {
+    return isMinimized() ? MinimisedWindow : isMaximized() ? MaximisedWindow : NormalWindow;
+}
+
+void Form::SetWindowState(int state) {
+    if (state == WindowState())
+        return;
+    if (state == MinimisedWindow)
+        setWindowState(Qt::WindowMinimized);
+    else if (state == MaximisedWindow)
+        setWindowState(Qt::WindowMaximized);
+    else
+        setWindowState(Qt::WindowNoState);
+}
+
+void Form::SetBackColor(base::Colour colour) {
+    backColor_ = colour;
+    Cls();
+}
+
+QObject* Form::FindControl(const QString& name) const {
+    for (QObject* control : controls_)
+        if (control->objectName() == name)
+            return control;
+    return nullptr;
+}
+
+void Form::Cls() {
+    if (surface_.Size() != client_->size())
+        surface_ = draw::Surface(client_->size());
+    surface_.Cls(draw::OleTranslateColor(backColor_));
+    client_->update();
+}
+
+void Form::DrawBox(int left, int top, int right, int bottom) {
+    surface_.FrameRect(QRect(QPoint(left, top), QPoint(right, bottom)), draw::OleTranslateColor(foreColor_));
+    client_->update();
+}
+
+void Form::Refresh() { client_->update(); }
+
+double Form::TextWidth(const QString& text) const { return ToTwips(fontMetrics().horizontalAdvance(text)); }
+
+bool Form::EnsureLoaded() {
+    if (loadState_ == LoadState::Made) {
+        loadState_ = LoadState::Loading;
+        Q_EMIT Loading();
+        Load();
+        if (loadState_ == LoadState::Loading)
+            loadState_ = LoadState::Loaded;
+    }
+    return loadState_ != LoadState::Unloaded;
+}
+
+void Form::Show() {
+    if (!EnsureLoaded())
+        return;
+    if (isMinimized())
+        setWindowState(Qt::WindowNoState);
+    const QRect place = WindowRect();
+    show();
+    // Window managers place new windows themselves unless they are told again.
+    if (WindowRect() != place)
+        SetWindowRect(place);
+}
+
+void Form::Hide() {
+    if (EnsureLoaded())
+        hide();
+}
+
+void Form::SetFocus() {
+    if (!isVisible())
+        return;
+    raise();
+    activateWindow();
+}
+
+bool Form::Unload(bool always) {
+    if (loadState_ == LoadState::Unloaded || unloading_)
+        return true;
+    if (!always && !QueryUnload())
+        return false;
+    if (loadState_ == LoadState::Unloaded || unloading_)
+        return true;
+    unloading_ = true;
+    Closing();
+    loadState_ = LoadState::Unloaded;
+    drag_->End();
+    hide();
+    Q_EMIT Unloaded();
+    Forms::Instance().TakeOut(this);
+    return true;
+}
+
+void Form::NcLButtonDown(int hitTest) { drag_->Begin(hitTest); }
+
+bool Form::InDrag() const { return drag_->Active(); }
+
+void Form::SetColourKey(base::Colour key) {
+    if (colourKey_ == nullptr)
+        colourKey_ = new ColourKeyOverlay(this);
+    colourKey_->SetKey(draw::OleTranslateColor(key));
+}
+
+QRegion Form::KeyedRegion() const { return colourKey_ == nullptr ? QRegion() : colourKey_->Keyed(); }
+
+void Form::SetShadow(int extent, ShadowPainter paint) {
+    const QRect place = WindowRect();
+    shadow_->Set(extent, std::move(paint));
+    SetWindowRect(place);
+    update();
+}
+
+int Form::ShadowExtent() const { return shadow_->Extent(); }
+
+bool Form::event(QEvent* event) {
+    if (event->type() != QEvent::UpdateRequest)
+        return QWidget::event(event);
+    if (sinceUpdate_.isValid() && sinceUpdate_.elapsed() < updateIntervalMilliseconds) {
+        if (!laterUpdate_.isActive())
+            laterUpdate_.start(int(updateIntervalMilliseconds - sinceUpdate_.elapsed()));
+        return true;
+    }
+    FlushUpdates();
+    return true;
+}
+
+void Form::FlushUpdates() {
+    QEvent update(QEvent::UpdateRequest);
+    QWidget::event(&update);
+    sinceUpdate_.start();
+}
+
+void Form::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    Unload();
+}
+
+void Form::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    LayOutClient();
+    const QPointer<Form> alive(this);
+    Q_EMIT Sized();
+    if (alive)
+        Q_EMIT Resized();
+    if (alive)
+        Resize();
+}
+
+void Form::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange) {
+        ActivationChanged(isActiveWindow());
+    } else if (event->type() == QEvent::WindowStateChange && isMaximized()) {
+        // The title bar answers to a maximised window in its resize; a window manager may send the state after the
+        // size.
+        Q_EMIT Resized();
+        Resize();
+    }
+}
+
+void Form::paintEvent(QPaintEvent* event) {
+    Q_UNUSED(event)
+    if (shadow_->Extent() == 0)
+        return;
+    QPainter painter(this);
+    shadow_->Paint(painter);
+}
+
+void Form::AddControl(QObject* control) { controls_.append(control); }
+
+void Form::RemoveControl(QObject* control) { controls_.removeAll(control); }
+
+void Form::LayOutClient() {
+    const int extent = shadow_->Extent();
+    client_->setGeometry(rect().adjusted(extent, extent, -extent, -extent));
+    if (surface_.Size() != client_->size())
+        Cls();
+    shadow_->ApplyInputShape();
+}
+
+void Form::ActivationChanged(bool active) {
+    if (active == active_)
+        return;
+    active_ = active;
+    if (!active) {
+        Q_EMIT Deactivated();
+        return;
+    }
+    const QPointer<Form> alive(this);
+    Q_EMIT Activated(QGuiApplication::mouseButtons() != Qt::NoButton);
+    if (alive)
+        Activate();
+}
+
+} // namespace forms

@@ -1,0 +1,114 @@
+#include "forms/label.h"
+
+#include "draw/system_colours.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace forms {
+
+namespace {
+
+QColor Resolved(base::Colour colour) {
+    const base::Colour plain = draw::OleTranslateColor(colour);
+    return {plain.Red(), plain.Green(), plain.Blue()};
+}
+
+// Three rows of dots, denser towards the lower right corner.
+void DrawGrip(QPainter& painter, const QRect& area, const QColor& colour) {
+    const int unit = qMax(1, qMin(area.width(), area.height()) / 8);
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column <= row; ++column)
+            painter.fillRect(area.right() - unit * (2 * column + 2), area.bottom() - unit * (2 * (2 - row) + 2), unit,
+                             unit, colour);
+}
+
+} // namespace
+
+Label::Label(QWidget* container, const QString& name, const QString& caption) : Control(container, name) {
+    setFocusPolicy(Qt::NoFocus);
+    SetCaption(caption);
+}
+
+void Label::SetCaption(const QString& caption) {
+    if (caption_ == caption)
+        return;
+    caption_ = caption;
+    setAccessibleName(ShownText());
+    update();
+}
+
+void Label::SetBackColor(base::Colour colour) {
+    if (backColor_ == colour)
+        return;
+    backColor_ = colour;
+    update();
+}
+
+void Label::SetForeColor(base::Colour colour) {
+    if (foreColor_ == colour)
+        return;
+    foreColor_ = colour;
+    update();
+}
+
+void Label::SetAlignment(Alignment alignment) {
+    alignment_ = alignment;
+    update();
+}
+
+void Label::SetWordWrap(bool wrap) {
+    wrap_ = wrap;
+    update();
+}
+
+void Label::SetGrip(bool grip) {
+    grip_ = grip;
+    setCursor(grip ? Qt::SizeFDiagCursor : Qt::ArrowCursor);
+    update();
+}
+
+QString Label::ShownText() const {
+    QString shown;
+    shown.reserve(caption_.size());
+    for (qsizetype i = 0; i < caption_.size(); ++i) {
+        if (caption_.at(i) == u'&' && i + 1 < caption_.size())
+            ++i;
+        shown.append(caption_.at(i));
+    }
+    return shown;
+}
+
+void Label::paintEvent(QPaintEvent* event) {
+    Q_UNUSED(event)
+    QPainter painter(this);
+    painter.fillRect(rect(), Resolved(backColor_));
+    QColor ink = Resolved(foreColor_);
+    if (!Enabled())
+        ink.setAlphaF(0.5F);
+    if (grip_) {
+        DrawGrip(painter, rect(), ink);
+        return;
+    }
+    painter.setPen(ink);
+    const int horizontal = alignment_ == AlignLeft    ? Qt::AlignLeft
+                           : alignment_ == AlignRight ? Qt::AlignRight
+                                                      : Qt::AlignHCenter;
+    if (wrap_)
+        painter.drawText(rect(), horizontal | Qt::AlignTop | Qt::TextWordWrap, ShownText());
+    else
+        painter.drawText(rect(), horizontal | Qt::AlignVCenter | Qt::TextSingleLine,
+                         fontMetrics().elidedText(ShownText(), Qt::ElideRight, width()));
+}
+
+bool Label::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && !wrap_ && !grip_ &&
+        fontMetrics().horizontalAdvance(ShownText()) > width()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), ShownText(), this);
+        return true;
+    }
+    return Control::event(event);
+}
+
+} // namespace forms

@@ -1,0 +1,32 @@
+// The screen as the program measures it: twips, dots per inch, system metrics and the work area. Coordinates of forms
+// and controls are twips, 1/1440 inch; everything else here says its unit.
+#pragma once
+
+#include <QRect>
+
+namespace forms {
+
+// Horizontal and vertical dots per inch are one value on every platform served.
+double DotsPerInch();
+double TwipsPerPixel();
+
+// Twips to the nearest pixel and back.
+int ToPixels(double twips);
+double ToTwips(int pixels);
+
+// Width and height of the primary screen in twips.
+double ScreenWidth();
+double ScreenHeight();
+
+// The primary screen without panels and docks, in pixels (SystemParametersInfoA, action 48).
+QRect WorkArea();
+
+// GetSystemMetrics with 11 and 12 (big icon), 49 and 50 (small icon), in pixels; 0 for any other index.
+int GetSystemMetrics(int index);
+
+// The system-wide setting "show window contents while dragging" (SystemParametersInfoA, actions 38 and 37). The desktop
+// has none, so it is a value of the process, on at first.
+bool DragFullWindows();
+void SetDragFullWindows(bool on);
+
+} // namespace forms

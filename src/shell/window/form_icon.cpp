@@ -1,0 +1,48 @@
+#include "window/form_icon.h"
+
+#include "base/numbers.h"
+#include "forms/form.h"
+#include "forms/screen.h"
+#include "values/program_values.h"
+#include "window/icon_resource.h"
+
+#include <QIcon>
+#include <QPixmap>
+#include <QWindow>
+
+namespace window {
+
+namespace {
+
+constexpr int titleIconSize = 24; // pixels at a display scale of 1
+
+QWindow* LastOwner(const QWidget& window) {
+    QWindow* last = nullptr;
+    const QWindow* at = window.windowHandle();
+    while (at != nullptr && at->transientParent() != nullptr) {
+        last = at->transientParent();
+        at = last;
+    }
+    return last;
+}
+
+} // namespace
+
+void SetFormIcon(forms::Form& form, const QString& resourceName, bool ownerToo) {
+    QIcon icon;
+    for (const auto& [widthMetric, heightMetric] : {std::pair{11, 12}, std::pair{49, 50}}) {
+        const draw::Picture picture = LoadIconFromRes(resourceName, forms::GetSystemMetrics(widthMetric),
+                                                      forms::GetSystemMetrics(heightMetric), 0, false);
+        if (!picture.IsEmpty())
+            icon.addPixmap(QPixmap::fromImage(picture.Image()));
+    }
+    if (icon.isNull())
+        return;
+    if (QWindow* owner = ownerToo ? LastOwner(form) : nullptr)
+        owner->setIcon(icon);
+    form.setWindowIcon(icon);
+}
+
+int TitleIconSize() { return base::RoundToInt(titleIconSize * double(values::Program().DpiScale)); }
+
+} // namespace window

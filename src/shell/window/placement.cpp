@@ -1,0 +1,47 @@
+#include "window/placement.h"
+
+#include "base/yield.h"
+#include "forms/form.h"
+#include "forms/label.h"
+#include "forms/screen.h"
+
+namespace window {
+
+namespace {
+
+constexpr int frameTop = -50; // pixels; anything above the window does
+
+} // namespace
+
+void CentreOnScreen(forms::Form& form) {
+    form.SetLeft(forms::ScreenWidth() / 2 - form.Width() / 2);
+    form.SetTop(forms::ScreenHeight() / 2 - form.Height() / 2);
+}
+
+void CentreOver(forms::Control& panel, const forms::Control& list) {
+    panel.SetLeft(list.Left() + list.Width() / 2 - panel.Width() / 2);
+    base::Yield();
+    panel.SetTop(list.Top() + list.Height() / 2 - panel.Height() / 2);
+    base::Yield();
+}
+
+void PlaceGrip(forms::Form& form, forms::Label& grip) {
+    grip.SetLeft(form.Width() - grip.Width());
+    grip.SetTop(form.Height() - grip.Height());
+}
+
+void ConnectGrip(forms::Form& form, forms::Label& grip) {
+    QObject::connect(&grip, &forms::Control::MouseMove, &form, [&form](int button) {
+        if (button == forms::LeftButton && !form.InDrag())
+            form.NcLButtonDown(forms::HtBottomRight);
+    });
+}
+
+void DrawFrame(forms::Form& form) {
+    form.Cls();
+    const QRect window = form.WindowRect();
+    form.DrawBox(0, frameTop, window.width() - 1, window.height() - 1);
+    form.Refresh();
+}
+
+} // namespace window
