@@ -100,16 +100,16 @@ void Inet::Cancel() {
 
 bool Inet::WaitWhile(const std::function<bool()>& more) {
     const quint64 generation = generation_;
-    while (more()) {
-        if (Stopped()) {
-            return false;
+    while (!Stopped()) {
+        if (!more()) {
+            return true;
         }
         base::YieldBlocking(waitTurn);
         if (generation != generation_) {
             return false;
         }
     }
-    return true;
+    return false;
 }
 
 } // namespace net

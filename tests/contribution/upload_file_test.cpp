@@ -1,0 +1,88 @@
+#include "contribution/upload_file.h"
+
+#include "support/scripted_server.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+using support::Answer;
+using support::Reply;
+using support::ScriptedServer;
+
+class UploadFileTest : public testing::Test {
+  protected:
+    UploadFileTest() { server_.SetAnswer("*", Reply(200, "ok")); }
+
+    QString Write(const QByteArray& content) const {
+        QFile file(folder_.filePath(QStringLiteral("new_hardware.txt")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return folder_.path() + QStringLiteral("\\new_hardware.txt");
+    }
+
+    static QByteArray Body(const QByteArray& content) {
+        return "--3fbd04f5-b1ed-4060-99b9-fca7ff59c113\r\n"
+               "Content-Disposition: multipart/form-data; name=\"uploadfile\"; filename=\"new_hardware.txt\"\r\n"
+               "Content-Type: application/octet-stream\r\n\r\n" +
+               content + "\r\n--3fbd04f5-b1ed-4060-99b9-fca7ff59c113--";
+    }
+
+    QByteArray Request(const QByteArray& path, const QByteArray& content) const {
+        return "POST " + path + " HTTP/1.0\r\nHost: 127.0.0.1:" + QByteArray::number(server_.Port()) +
+               "\r\nUser-Agent: Uploader\r\nContent-Type: multipart/form-data; "
+               "boundary=3fbd04f5-b1ed-4060-99b9-fca7ff59c113\r\nContent-Length: " +
+               QByteArray::number(Body(content).size()) + "\r\n\r\n" + Body(content);
+    }
+
+    ScriptedServer server_;
+    QTemporaryDir folder_;
+};
+
+TEST_F(UploadFileTest, TheRequestIsExactByteForByte) {
+    QByteArray everyByte;
+    for (int value = 0; value < 256; ++value) {
+        everyByte += static_cast<char>(value);
+    }
+    for (const QByteArray& content :
+         {QByteArray("USB\\VID_1234|||Some Adapter|||Some Maker\r\n"), QByteArray(), everyByte}) {
+        EXPECT_TRUE(contribution::UploadFile(server_.Url(QStringLiteral("/files/up_v1.php")), Write(content)));
+        EXPECT_EQ(server_.Requests().last(), Request("/files/up_v1.php", content));
+    }
+}
+
+TEST_F(UploadFileTest, TheAddressIsTakenApartWithoutAScheme) {
+    const QString path = Write("x");
+    const QString host = QStringLiteral("127.0.0.1:%1").arg(server_.Port());
+    EXPECT_TRUE(contribution::UploadFile(host, path));
+    EXPECT_EQ(server_.Requests().last(), Request("/", "x"));
+    EXPECT_TRUE(contribution::UploadFile(QStringLiteral("https://") + host + QStringLiteral("/a:b/c"), path));
+    EXPECT_EQ(server_.Requests().last(), Request("/a:b/c", "x"));
+    // A port that is no number is none; nothing here listens at the default one under this name.
+    EXPECT_FALSE(contribution::UploadFile(QStringLiteral("http://no-such-host.invalid:abc/x"), path));
+    EXPECT_FALSE(contribution::UploadFile(QStringLiteral("http://"), path));
+    EXPECT_FALSE(contribution::UploadFile(QString(), path));
+    EXPECT_EQ(server_.Requests().size(), 2);
+}
+
+TEST_F(UploadFileTest, OnlyAMissingAnswerIsFailure) {
+    const QString path = Write("x");
+    const QString url = server_.Url(QStringLiteral("/x"));
+    server_.SetAnswer("*", Reply(500, "no"));
+    EXPECT_TRUE(contribution::UploadFile(url, path));
+    server_.SetAnswer("*", Answer().Reset());
+    EXPECT_FALSE(contribution::UploadFile(url, path));
+    server_.SetAnswer("*", Answer());
+    EXPECT_FALSE(contribution::UploadFile(url, path));
+}
+
+TEST_F(UploadFileTest, AFileThatCannotBeReadMakesNoRequest) {
+    EXPECT_FALSE(
+        contribution::UploadFile(server_.Url(QStringLiteral("/x")), folder_.path() + QStringLiteral("\\none")));
+    EXPECT_FALSE(contribution::UploadFile(server_.Url(QStringLiteral("/x")), folder_.path()));
+    EXPECT_TRUE(server_.Requests().isEmpty());
+}
+
+} // namespace
