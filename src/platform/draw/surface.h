@@ -239,7 +239,7 @@ class Surface {
     void DrawThickLine(QPoint from, QPoint to);
     void DrawTextLine(int x, int y, const QString& text, int underlined);
 
-    QSize size_;
+    QSize size_{0, 0};
     QImage image_;
     uchar* bits_ = nullptr;
     // Disjoint, inside the surface; the whole surface without a clipping region.
