@@ -1,0 +1,209 @@
+// ACPI nodes and PnP devices. A PnP device and its ACPI node are one device, listed as the node.
+#include "pnp/acpi_ids.h"
+#include "pnp/bus_reader.h"
+#include "pnp/class_table.h"
+#include "pnp/identity.h"
+#include "pnp/pci_class.h"
+#include "pnp/problem.h"
+
+#include <algorithm>
+
+namespace pnp {
+
+namespace {
+
+constexpr quint32 StatusPresent = 1U << 0;
+constexpr quint32 StatusEnabled = 1U << 1;
+constexpr quint32 StatusFunctioning = 1U << 3;
+// ACPI nodes lie two levels below the root, whatever their depth in the namespace.
+constexpr int AcpiLevel = 3;
+
+bool IsHiddenName(const std::string& name) {
+    return name.compare(0, 3, "LNX") == 0 || name.compare(0, 7, "device:") == 0;
+}
+
+QString Identifier(const QString& text) {
+    const QString id = text.trimmed().toUpper();
+    return id == PathText(id) && id.size() <= 32 ? id : QString();
+}
+
+// "acpi:LEN0071:PNP0303:": the node's own identifier and those it is compatible with.
+QStringList AliasIds(const std::string& alias) {
+    QStringList ids;
+    if (alias.compare(0, 5, "acpi:") != 0)
+        return ids;
+    for (const QString& part : QString::fromStdString(alias.substr(5)).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
+        if (const QString id = Identifier(part); !id.isEmpty())
+            ids.append(id);
+    }
+    return ids;
+}
+
+// The device folders that the kernel made for a node ("physical_node", "physical_node1", ...).
+std::vector<std::string> PhysicalNodes(const Node& node) {
+    std::vector<std::string> folders;
+    std::string name = "physical_node";
+    for (int i = 1; node.Has(name); ++i) {
+        if (std::string folder = node.Link(name); !folder.empty())
+            folders.push_back(std::move(folder));
+        name = "physical_node" + std::to_string(i);
+    }
+    return folders;
+}
+
+bool StandsElsewhere(const std::vector<std::string>& physical) {
+    return std::any_of(physical.begin(), physical.end(), [](const std::string& folder) {
+        return IsPciAddress(LastComponent(folder)) || ParentPath(folder) == "/devices/system/cpu";
+    });
+}
+
+// A battery's or adapter's own strings stand in the power supply below it.
+void TakePowerSupplyNames(const Node& node, Device& device) {
+    for (const std::string& name : node.List("power_supply")) {
+        const Node supply = node.Child("power_supply").Child(name);
+        const QString model = supply.Text("model_name");
+        if (!model.isEmpty())
+            device.name = model;
+        const QString maker = supply.Text("manufacturer");
+        if (!maker.isEmpty())
+            device.manufacturer = maker;
+    }
+}
+
+void TakeClassAndNames(Context& context, const QStringList& ids, Device& device, bool& needsDriver) {
+    const AcpiKind* kind = nullptr;
+    for (const QString& id : ids) {
+        kind = FindAcpiKind(id);
+        if (kind != nullptr)
+            break;
+    }
+    const bool standard = IsStandardAcpiId(ids.first());
+    needsDriver = kind == nullptr ? !standard : kind->needsDriver;
+    const char16_t* guid = kind == nullptr ? nullptr : kind->guid;
+    if (guid == nullptr && (standard || !device.service.isEmpty()))
+        guid = class_guid::System;
+    if (guid != nullptr)
+        device.classGuid = QString::fromUtf16(guid);
+    if (kind != nullptr)
+        device.name = QString::fromUtf16(kind->name);
+    else
+        device.name = QStringLiteral("ACPI device ") + ids.first();
+
+    if (!standard) {
+        const QString vendor = AcpiVendor(ids.first());
+        device.manufacturer = vendor.size() == 3 ? context.PnpIds().VendorName(vendor) : AcpiVendorName(vendor);
+    } else if (guid == class_guid::Keyboard) {
+        device.manufacturer = QStringLiteral("(Standard keyboards)");
+    } else if (guid == class_guid::Ports) {
+        device.manufacturer = QStringLiteral("(Standard port types)");
+    } else {
+        device.manufacturer = StandardSystemDevices();
+    }
+}
+
+void TakeIds(const QStringList& ids, const QString& revision, Device& device) {
+    for (qsizetype i = 0; i < ids.size(); ++i) {
+        for (const QString& id : AcpiHardwareIds(ids[i], i == 0 ? revision : QString())) {
+            if (!device.hardwareIds.contains(id))
+                device.hardwareIds.append(id);
+        }
+    }
+}
+
+QStringList NodeIds(const Node& node) {
+    QStringList ids;
+    if (const QString own = Identifier(node.Text("hid")); !own.isEmpty())
+        ids.append(own);
+    for (const QString& id : AliasIds(node.Modalias())) {
+        if (!ids.contains(id))
+            ids.append(id);
+    }
+    return ids;
+}
+
+std::vector<std::string> ListAcpi(const Context& context) {
+    std::vector<std::string> nodes = ListFolders(context, "/bus/acpi/devices");
+    std::erase_if(nodes, [](const std::string& path) { return IsHiddenName(LastComponent(path)); });
+    return nodes;
+}
+
+// Where the kernel lists processors with their identity, their ACPI nodes are the same devices again.
+bool ProcessorsAreKnown(const Context& context) { return context.Files().Has("/devices/system/cpu/modalias"); }
+
+void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& devices) {
+    const Node node = context.At(path);
+    const QStringList ids = NodeIds(node);
+    if (ids.isEmpty() || IsHiddenName(ids.first().toStdString()))
+        return;
+    const quint32 status = node.Decimal("status").value_or(StatusPresent | StatusEnabled | StatusFunctioning);
+    const std::vector<std::string> physical = PhysicalNodes(node);
+    if ((status & StatusPresent) == 0 || StandsElsewhere(physical) ||
+        (ids.first() == QStringLiteral("ACPI0007") && ProcessorsAreKnown(context)))
+        return;
+
+    Device device;
+    const std::string name = node.Name();
+    const std::size_t colon = name.rfind(':');
+    const QString ordinal = PathText(CleanAttribute(colon == std::string::npos ? "0" : name.substr(colon + 1)));
+    const QString base = QStringLiteral("ACPI\\") + ids.first() + QLatin1Char('\\');
+    const QString byPlace = base + InstanceSuffix(AcpiLevel, context.Stable(ParentPath(path)), ordinal);
+    const QString uid = PathText(node.Text("uid"));
+    device.instancePath = uid.isEmpty() ? byPlace : base + uid;
+    device.alternativePath = byPlace;
+    const std::optional<quint32> revision = node.Decimal("hrv");
+    TakeIds(ids, revision ? QStringLiteral("&REV_") + Hex(*revision & 0xFFFF, 4) : QString(), device);
+
+    context.TakeDriver(node, device);
+    for (std::size_t i = 0; device.service.isEmpty() && i < physical.size(); ++i)
+        context.TakeDriver(context.At(physical[i]), device);
+    bool needsDriver = true;
+    TakeClassAndNames(context, ids, device, needsDriver);
+    if (const QString own = node.Text("description"); !own.isEmpty() && FindAcpiKind(ids.first()) == nullptr)
+        device.name = own;
+    TakePowerSupplyNames(node, device);
+    for (const std::string& folder : physical)
+        TakePowerSupplyNames(context.At(folder), device);
+
+    if ((status & StatusEnabled) == 0)
+        device.problemCode = problem::FirmwareDisabled;
+    else if ((status & StatusFunctioning) == 0)
+        device.problemCode = problem::Reported;
+    else
+        device.problemCode = ProblemOf(context, physical.empty() ? node : context.At(physical.front()),
+                                       {device.service, node.Modalias(), needsDriver});
+    devices.push_back(std::move(device));
+}
+
+std::vector<std::string> ListPnp(const Context& context) { return ListFolders(context, "/bus/pnp/devices"); }
+
+void ReadPnp(Context& context, const std::string& path, std::vector<Device>& devices) {
+    const Node node = context.At(path);
+    // The ACPI node stands for both, if it is there.
+    if (const std::string firmware = node.Link("firmware_node"); !firmware.empty() && context.Files().Has(firmware))
+        return;
+    QStringList ids;
+    const QString attribute = node.Text("id");
+    for (const QString& part : attribute.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        if (const QString id = Identifier(part); !id.isEmpty())
+            ids.append(id);
+    }
+    if (ids.isEmpty())
+        return;
+    Device device;
+    device.instancePath = QStringLiteral("ACPI\\") + ids.first() + QLatin1Char('\\') +
+                          InstanceSuffix(AcpiLevel, context.Stable(ParentPath(path)),
+                                         PathText(CleanAttribute(node.Name().substr(node.Name().rfind(':') + 1))));
+    TakeIds(ids, QString(), device);
+    context.TakeDriver(node, device);
+    bool needsDriver = true;
+    TakeClassAndNames(context, ids, device, needsDriver);
+    device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), needsDriver});
+    devices.push_back(std::move(device));
+}
+
+} // namespace
+
+BusReader AcpiReader() { return {ListAcpi, ReadAcpi}; }
+BusReader PnpReader() { return {ListPnp, ReadPnp}; }
+
+} // namespace pnp

@@ -1,0 +1,92 @@
+#include "pnp/device_tree.h"
+
+#include "base/clock.h"
+#include "pnp/bus_reader.h"
+
+#include <functional>
+
+namespace pnp {
+
+namespace {
+
+// In the order in which devices come up.
+const std::vector<BusReader>& Readers() {
+    static const std::vector<BusReader> readers = {
+        ProcessorReader(), AcpiReader(),    PnpReader(),         PciReader(), UsbReader(),
+        HidReader(),       ScsiReader(),    NvmeReader(),        MmcReader(), SdioReader(),
+        HdAudioReader(),   MonitorReader(), ThunderboltReader(), NetReader(), PlatformReader(),
+    };
+    return readers;
+}
+
+std::shared_ptr<DeviceTree>& Held() {
+    static std::shared_ptr<DeviceTree> held;
+    return held;
+}
+
+} // namespace
+
+DeviceTree::DeviceTree(const Sources& sources)
+    : context_(std::make_unique<Context>(sources)), taken_(base::Now().toUTC()) {
+    for (std::size_t i = 0; i < Readers().size(); ++i) {
+        for (std::string& path : Readers()[i].List(*context_))
+            entries_.push_back({int(i), std::move(path)});
+    }
+}
+
+DeviceTree::~DeviceTree() = default;
+
+bool DeviceTree::ReadNext() {
+    if (next_ >= entries_.size())
+        return false;
+    const Entry entry = std::move(entries_[next_++]);
+    std::vector<Device> devices;
+    Readers()[std::size_t(entry.reader)].Read(*context_, entry.path, devices);
+    for (Device& device : devices)
+        Add(std::move(device));
+    return true;
+}
+
+// Two devices never share a path: the second takes the one of its place and, if need be, a count.
+void DeviceTree::Add(Device device) {
+    if (byPath_.contains(device.instancePath.toLower()) && !device.alternativePath.isEmpty())
+        device.instancePath = device.alternativePath;
+    const QString path = device.instancePath;
+    for (int i = 1; byPath_.contains(device.instancePath.toLower()); ++i)
+        device.instancePath = path + QLatin1Char('&') + QString::number(i);
+    if (!device.service.isEmpty() && !device.classGuid.isEmpty()) {
+        const int number = driverKeys_[device.classGuid]++;
+        device.driverKey =
+            device.classGuid + QLatin1Char('\\') + QString::number(number).rightJustified(4, QLatin1Char('0'));
+    }
+    byPath_.insert(device.instancePath.toLower(), devices_.size());
+    devices_.push_back(std::move(device));
+}
+
+const Device* DeviceTree::At(std::size_t index) {
+    while (index >= devices_.size()) {
+        if (!ReadNext())
+            return nullptr;
+    }
+    return &devices_[index];
+}
+
+const Device* DeviceTree::Find(const QString& instancePath) {
+    const QString key = instancePath.toLower();
+    for (;;) {
+        const auto found = byPath_.constFind(key);
+        if (found != byPath_.constEnd())
+            return &devices_[*found];
+        if (!ReadNext())
+            return nullptr;
+    }
+}
+
+std::shared_ptr<DeviceTree> CurrentTree() { return Held() ? Held() : BindTree(); }
+
+std::shared_ptr<DeviceTree> BindTree() {
+    Held() = std::make_shared<DeviceTree>(CurrentSources());
+    return Held();
+}
+
+} // namespace pnp

@@ -1,0 +1,23 @@
+// The identity in a monitor's EDID block.
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <string>
+
+namespace pnp {
+
+struct Edid {
+    // Three letters.
+    QString vendor;
+    quint16 product = 0;
+    // From the descriptors; empty where the block has none.
+    QString name;
+    QString serial;
+};
+
+// Nothing for a block that is short, lacks the header or names no vendor. The checksum is not asked: many monitors
+// deliver it wrong.
+std::optional<Edid> ParseEdid(const std::string& block);
+
+} // namespace pnp

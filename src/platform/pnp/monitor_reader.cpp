@@ -1,0 +1,59 @@
+// Monitors: display connectors that are connected and have an EDID.
+#include "pnp/bus_reader.h"
+#include "pnp/class_table.h"
+#include "pnp/edid.h"
+#include "pnp/identity.h"
+#include "pnp/problem.h"
+
+namespace pnp {
+
+namespace {
+
+constexpr std::size_t LongestEdid = 32768;
+
+std::vector<std::string> ListMonitors(const Context& context) {
+    std::vector<std::string> connectors;
+    for (const std::string& path : ListFolders(context, "/class/drm")) {
+        if (LastComponent(path).find('-') != std::string::npos)
+            connectors.push_back(path);
+    }
+    return connectors;
+}
+
+void ReadMonitor(Context& context, const std::string& path, std::vector<Device>& devices) {
+    const Node node = context.At(path);
+    if (node.Word("status") != "connected")
+        return;
+    const std::string block = node.Bytes("edid", LongestEdid);
+    if (block.empty())
+        return;
+    // "card0-HDMI-A-1": the card's number depends on the order of arrival, the connector's name does not.
+    const std::string connector = node.Name().substr(node.Name().find('-') + 1);
+    std::string adapter = PciFolder(path);
+    if (adapter.empty())
+        adapter = ParentPath(ParentPath(path));
+    const QString instance = InstanceSuffix(TreeLevel(adapter) + 1, context.Stable(adapter),
+                                            QStringLiteral("UID") + QString::number(StableHash(connector) & 0xFFFF));
+    const std::optional<Edid> edid = ParseEdid(block);
+    Device device;
+    const QString model = edid ? edid->vendor + Hex(edid->product, 4) : QStringLiteral("Default_Monitor");
+    device.instancePath = QStringLiteral("DISPLAY\\") + model + QLatin1Char('\\') + instance;
+    device.classGuid = QString::fromUtf16(class_guid::Monitor);
+    device.name = edid ? edid->name : QString();
+    if (device.name.isEmpty())
+        device.name = QStringLiteral("Generic PnP Monitor");
+    if (edid) {
+        device.hardwareIds.append(QStringLiteral("MONITOR\\") + model);
+        device.manufacturer = context.PnpIds().VendorName(edid->vendor);
+        if (device.manufacturer.isEmpty())
+            device.manufacturer = edid->vendor;
+    }
+    device.problemCode = ProblemOf(context, node, {QString(), {}, false});
+    devices.push_back(std::move(device));
+}
+
+} // namespace
+
+BusReader MonitorReader() { return {ListMonitors, ReadMonitor}; }
+
+} // namespace pnp

@@ -1,0 +1,87 @@
+#include "pnp/reader_context.h"
+
+#include "pnp/identity.h"
+
+#include <algorithm>
+
+namespace pnp {
+
+Context::Context(const Sources& sources)
+    : sources_(sources), files_(sources.deviceRoot), pciIds_(sources.idFolder + QStringLiteral("/pci.ids")),
+      usbIds_(sources.idFolder + QStringLiteral("/usb.ids")), pnpIds_(sources.idFolder + QStringLiteral("/pnp.ids")),
+      modules_(sources) {}
+
+// Root hubs name their maker as "Linux 6.1.0-13-amd64 xhci-hcd", which is all that a captured tree tells of its kernel.
+QString Context::KernelRelease() {
+    if (releaseKnown_)
+        return release_;
+    releaseKnown_ = true;
+    if (sources_.live) {
+        release_ = sources_.kernelRelease;
+        return release_;
+    }
+    for (const std::string& name : files_.List("/bus/usb/devices")) {
+        if (name.compare(0, 3, "usb") != 0)
+            continue;
+        const QStringList words = At("/bus/usb/devices/" + name).Text("manufacturer").split(QLatin1Char(' '));
+        if (words.size() >= 2 && words[0] == QStringLiteral("Linux")) {
+            release_ = words[1];
+            break;
+        }
+    }
+    return release_;
+}
+
+void Context::TakeDriver(const Node& node, Device& device) {
+    const std::string link = node.Link("driver");
+    const std::string name = link.empty() ? node.LinkName("driver") : LastComponent(link);
+    if (name.empty())
+        return;
+    device.service = CleanAttribute(name);
+    const QByteArray key = QByteArray::fromStdString(link.empty() ? name : link);
+    const auto known = versions_.constFind(key);
+    if (known != versions_.constEnd()) {
+        device.driverVersion = *known;
+        return;
+    }
+    QString version = link.empty() ? QString() : At(link).Text("module/version");
+    if (version.isEmpty())
+        version = KernelRelease();
+    versions_.insert(key, version);
+    device.driverVersion = version;
+}
+
+std::string Context::Stable(const std::string& path) {
+    const std::size_t begin = path.find("/usb");
+    const std::string stable = StablePath(path);
+    if (begin == std::string::npos)
+        return stable;
+    const std::size_t end = std::min(path.find('/', begin + 1), path.size());
+    const std::string bus = path.substr(begin + 1, end - begin - 1);
+    if (bus.size() < 4 || !std::all_of(bus.begin() + 3, bus.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return stable;
+    // The buses of one controller keep their order, whatever other controllers are counted before them.
+    const std::string controller = path.substr(0, begin);
+    const QByteArray key = QByteArray::fromStdString(controller + "/" + bus);
+    if (!usbBuses_.contains(key)) {
+        int rank = 0;
+        for (const std::string& name : files_.List(controller)) {
+            if (name == bus)
+                break;
+            rank += name.size() > 3 && name.compare(0, 3, "usb") == 0 && name[3] >= '0' && name[3] <= '9' ? 1 : 0;
+        }
+        usbBuses_.insert(key, QByteArray("usb#") + QByteArray::number(rank));
+    }
+    std::string result = StablePath(controller) + "/" + usbBuses_.value(key).toStdString();
+    for (const std::string& part : Components(path.substr(end))) {
+        // "1-2.3:1.0" without the number of the bus.
+        const std::size_t dash = part.find('-');
+        const bool numbered =
+            dash != std::string::npos && dash > 0 &&
+            std::all_of(part.begin(), part.begin() + std::ptrdiff_t(dash), [](char c) { return c >= '0' && c <= '9'; });
+        result += "/" + (numbered ? part.substr(dash) : LastComponent(StablePath("/" + part)));
+    }
+    return result;
+}
+
+} // namespace pnp

@@ -1,0 +1,55 @@
+// Devices that are software only: virtual network interfaces, and platform devices that no firmware describes.
+#include "pnp/bus_reader.h"
+#include "pnp/class_table.h"
+#include "pnp/identity.h"
+#include "pnp/problem.h"
+
+namespace pnp {
+
+namespace {
+
+std::vector<std::string> ListNet(const Context& context) {
+    std::vector<std::string> interfaces;
+    for (const std::string& path : ListFolders(context, "/class/net")) {
+        if (path.compare(0, 21, "/devices/virtual/net/") == 0)
+            interfaces.push_back(path);
+    }
+    return interfaces;
+}
+
+void ReadNet(Context& context, const std::string& path, std::vector<Device>& devices) {
+    const Node node = context.At(path);
+    if (!node.Exists())
+        return;
+    Device device;
+    const QString name = CleanAttribute(node.Name());
+    device.instancePath = QStringLiteral("SWD\\NET\\") + PathText(name);
+    device.alternativePath = device.instancePath + QLatin1Char('&') + Hex(StableHash(path), 8);
+    device.name = name + QStringLiteral(" (virtual network interface)");
+    device.classGuid = QString::fromUtf16(class_guid::Net);
+    devices.push_back(std::move(device));
+}
+
+std::vector<std::string> ListPlatform(const Context& context) { return ListFolders(context, "/bus/platform/devices"); }
+
+void ReadPlatform(Context& context, const std::string& path, std::vector<Device>& devices) {
+    const Node node = context.At(path);
+    // Those with a firmware node are listed by it.
+    if (!node.Exists() || node.Has("firmware_node"))
+        return;
+    Device device;
+    const QString name = CleanAttribute(node.Name());
+    device.instancePath = QStringLiteral("ROOT\\") + PathText(name).toUpper() + QStringLiteral("\\0000");
+    device.alternativePath = device.instancePath + QLatin1Char('&') + Hex(StableHash(path), 8);
+    device.name = name;
+    device.classGuid = QString::fromUtf16(class_guid::SoftwareDevice);
+    context.TakeDriver(node, device);
+    devices.push_back(std::move(device));
+}
+
+} // namespace
+
+BusReader NetReader() { return {ListNet, ReadNet}; }
+BusReader PlatformReader() { return {ListPlatform, ReadPlatform}; }
+
+} // namespace pnp

@@ -1,0 +1,273 @@
+#include "pnp/sysfs.h"
+
+#include <QFile>
+#include <QStringDecoder>
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pnp {
+
+namespace {
+
+constexpr std::size_t LongestText = 1000;
+constexpr std::size_t LongestUevent = 8192;
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Runs of digits compare as numbers, so that 1-10 follows 1-2.
+bool NaturalLess(const std::string& a, const std::string& b) {
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (!IsDigit(a[i]) || !IsDigit(b[j])) {
+            if (a[i] != b[j])
+                return a[i] < b[j];
+            ++i;
+            ++j;
+            continue;
+        }
+        std::size_t endA = i;
+        std::size_t endB = j;
+        while (endA < a.size() && IsDigit(a[endA]))
+            ++endA;
+        while (endB < b.size() && IsDigit(b[endB]))
+            ++endB;
+        std::size_t startA = i;
+        std::size_t startB = j;
+        while (startA + 1 < endA && a[startA] == '0')
+            ++startA;
+        while (startB + 1 < endB && b[startB] == '0')
+            ++startB;
+        if (endA - startA != endB - startB)
+            return endA - startA < endB - startB;
+        const int order = a.compare(startA, endA - startA, b, startB, endB - startB);
+        if (order != 0)
+            return order < 0;
+        i = endA;
+        j = endB;
+    }
+    if (a.size() - i != b.size() - j)
+        return a.size() - i < b.size() - j;
+    return a < b;
+}
+
+// `target` seen from `folder`, without "." and ".."; empty if it climbs above the root.
+std::string Normalised(const std::string& folder, const std::string& target) {
+    std::vector<std::string> parts = Components(folder);
+    for (const std::string& part : Components(target)) {
+        if (part == ".")
+            continue;
+        if (part != "..") {
+            parts.push_back(part);
+            continue;
+        }
+        if (parts.empty())
+            return {};
+        parts.pop_back();
+    }
+    std::string path;
+    for (const std::string& part : parts)
+        path += "/" + part;
+    return path;
+}
+
+std::string ReadLink(const std::string& path) {
+    char target[4096];
+    const ssize_t length = readlink(path.c_str(), target, sizeof target);
+    return length > 0 && std::size_t(length) < sizeof target ? std::string(target, std::size_t(length)) : std::string();
+}
+
+} // namespace
+
+Sysfs::Sysfs(const QString& root) : root_(QFile::encodeName(root).toStdString()) {
+    while (root_.size() > 1 && root_.back() == '/')
+        root_.pop_back();
+}
+
+bool Sysfs::Readable() const {
+    DIR* folder = opendir(root_.c_str());
+    if (folder == nullptr)
+        return false;
+    closedir(folder);
+    return true;
+}
+
+std::optional<std::string> Sysfs::Read(const std::string& path, std::size_t limit) const {
+    // Not blocking: a fixture or a captured tree may hold a pipe under any name.
+    const int file = open((root_ + path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (file < 0)
+        return std::nullopt;
+    // Attributes are short as a rule, so the first round asks for little.
+    std::string bytes(std::min<std::size_t>(limit, 512), '\0');
+    std::size_t used = 0;
+    bool failed = false;
+    while (used < limit) {
+        if (used == bytes.size())
+            bytes.resize(std::min(limit, bytes.size() * 4));
+        const ssize_t count = read(file, bytes.data() + used, bytes.size() - used);
+        if (count < 0 && errno == EINTR)
+            continue;
+        failed = count < 0;
+        if (count <= 0)
+            break;
+        used += std::size_t(count);
+    }
+    close(file);
+    if (failed)
+        return std::nullopt;
+    bytes.resize(used);
+    return bytes;
+}
+
+std::string Sysfs::Link(const std::string& path) const {
+    std::string target = ReadLink(root_ + path);
+    if (target.empty())
+        return {};
+    if (target.front() == '/') {
+        if (target.compare(0, root_.size() + 1, root_ + "/") != 0)
+            return {};
+        return Normalised({}, target.substr(root_.size()));
+    }
+    return Normalised(ParentPath(path), target);
+}
+
+std::string Sysfs::LinkName(const std::string& path) const {
+    std::string target = ReadLink(root_ + path);
+    while (!target.empty() && target.back() == '/')
+        target.pop_back();
+    return LastComponent(target);
+}
+
+std::vector<std::string> Sysfs::List(const std::string& path) const {
+    std::vector<std::string> names;
+    DIR* folder = opendir((root_ + path).c_str());
+    if (folder == nullptr)
+        return names;
+    while (const dirent* entry = readdir(folder)) {
+        if (entry->d_name[0] != '.')
+            names.emplace_back(entry->d_name);
+    }
+    closedir(folder);
+    std::sort(names.begin(), names.end(), NaturalLess);
+    return names;
+}
+
+bool Sysfs::Has(const std::string& path) const {
+    struct stat status {};
+    return lstat((root_ + path).c_str(), &status) == 0;
+}
+
+std::string Sysfs::Resolve(const std::string& path) const {
+    struct stat status {};
+    if (lstat((root_ + path).c_str(), &status) != 0)
+        return {};
+    if (S_ISDIR(status.st_mode))
+        return path;
+    return S_ISLNK(status.st_mode) ? Link(path) : std::string();
+}
+
+Node::Node(const Sysfs& sysfs, std::string path) : sysfs_(&sysfs), path_(std::move(path)) {}
+
+std::string Node::Name() const { return LastComponent(path_); }
+
+Node Node::Parent() const { return {*sysfs_, ParentPath(path_)}; }
+
+QString Node::Text(const std::string& name) const {
+    const std::optional<std::string> bytes = sysfs_->Read(path_ + "/" + name, LongestText + 1);
+    return bytes && bytes->size() <= LongestText ? CleanAttribute(*bytes) : QString();
+}
+
+std::string Node::Word(const std::string& name) const {
+    const std::optional<std::string> bytes = sysfs_->Read(path_ + "/" + name, LongestText + 1);
+    if (!bytes || bytes->size() > LongestText)
+        return {};
+    const std::string text = CleanAttribute(*bytes).toStdString();
+    const bool printable = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return printable ? text : std::string();
+}
+
+std::optional<quint32> Node::Hex(const std::string& name) const { return ParseHex(Word(name)); }
+
+std::optional<quint32> Node::Decimal(const std::string& name) const { return ParseDecimal(Word(name)); }
+
+std::string Node::Bytes(const std::string& name, std::size_t limit) const {
+    return sysfs_->Read(path_ + "/" + name, limit).value_or(std::string());
+}
+
+std::string Node::Uevent(const std::string& key) const {
+    if (!uevent_)
+        uevent_ = std::make_shared<std::string>("\n" + Bytes("uevent", LongestUevent));
+    const std::string start = "\n" + key + "=";
+    const std::size_t found = uevent_->find(start);
+    if (found == std::string::npos)
+        return {};
+    const std::size_t begin = found + start.size();
+    const std::string value = uevent_->substr(begin, uevent_->find('\n', begin) - begin);
+    return CleanAttribute(value).toStdString();
+}
+
+std::string Node::Modalias() const {
+    const std::string alias = Word("modalias");
+    return alias.empty() ? Uevent("MODALIAS") : alias;
+}
+
+std::vector<std::string> Node::List(const std::string& name) const {
+    return sysfs_->List(name.empty() ? path_ : path_ + "/" + name);
+}
+
+std::string LastComponent(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string ParentPath(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+}
+
+std::vector<std::string> Components(const std::string& path) {
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    while (begin < path.size()) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        if (end > begin)
+            parts.push_back(path.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
+QString CleanAttribute(const std::string& bytes) {
+    const std::size_t end = std::min(bytes.find('\0'), bytes.size());
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder.decode(QByteArrayView(bytes.data(), qsizetype(end)));
+    if (decoder.hasError())
+        return {};
+    for (QChar& c : text) {
+        if (c.unicode() < u' ' && c != u'\t')
+            c = u' ';
+    }
+    return text.trimmed();
+}
+
+std::optional<quint32> ParseHex(const std::string& text) {
+    const std::size_t begin = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') ? 2 : 0;
+    quint32 value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data() + begin, end, value, 16);
+    return error == std::errc() && stop == end ? std::optional(value) : std::nullopt;
+}
+
+std::optional<quint32> ParseDecimal(const std::string& text) {
+    quint32 value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value, 10);
+    return error == std::errc() && stop == end ? std::optional(value) : std::nullopt;
+}
+
+} // namespace pnp

@@ -1,0 +1,86 @@
+// Reading of a sysfs tree below a root. Every routine answers "nothing" for what vanished, cannot be read, is too large
+// or makes no sense; none blocks, none throws. Paths are bytes relative to the root and begin with "/".
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pnp {
+
+class Sysfs {
+  public:
+    explicit Sysfs(const QString& root);
+
+    bool Readable() const;
+    // The file's first `limit` bytes; nothing where it cannot be opened or read.
+    std::optional<std::string> Read(const std::string& path, std::size_t limit) const;
+    // The target of a link as a path below the root, taken textually, since links of captured trees dangle. Empty for
+    // what is no link and for targets outside the root.
+    std::string Link(const std::string& path) const;
+    // The last component of a link's target; empty for what is no link.
+    std::string LinkName(const std::string& path) const;
+    // The names in a folder, in an order that counts digits as numbers; none where it cannot be listed.
+    std::vector<std::string> List(const std::string& path) const;
+    // Whether a name is there, dangling links included.
+    bool Has(const std::string& path) const;
+    // The folder behind an entry of a bus or class folder: the link's target, or the entry itself where it is a folder.
+    std::string Resolve(const std::string& path) const;
+
+  private:
+    std::string root_;
+};
+
+// One device folder. Copies are cheap; "uevent" is read once, at the first question.
+class Node {
+  public:
+    Node(const Sysfs& sysfs, std::string path);
+
+    const std::string& Path() const { return path_; }
+    std::string Name() const;
+    Node Parent() const;
+    Node Child(const std::string& name) const { return {*sysfs_, path_ + "/" + name}; }
+    bool Exists() const { return sysfs_->Has(path_); }
+
+    // A text attribute without the blanks and line ends around it, cut at its first NUL. Nothing where it is missing,
+    // empty, longer than 1,000 bytes or no UTF-8. Control characters other than the tab become blanks.
+    QString Text(const std::string& name) const;
+    // The same as plain bytes, for numbers and identifiers; other than printable ASCII makes it empty.
+    std::string Word(const std::string& name) const;
+    // An attribute in hexadecimal, with or without 0x; in decimal.
+    std::optional<quint32> Hex(const std::string& name) const;
+    std::optional<quint32> Decimal(const std::string& name) const;
+    std::string Bytes(const std::string& name, std::size_t limit) const;
+    // The value of KEY in "uevent"; empty if there is none.
+    std::string Uevent(const std::string& key) const;
+    // The "modalias" attribute, else the MODALIAS of "uevent".
+    std::string Modalias() const;
+
+    std::string LinkName(const std::string& name) const { return sysfs_->LinkName(path_ + "/" + name); }
+    std::string Link(const std::string& name) const { return sysfs_->Link(path_ + "/" + name); }
+    bool Has(const std::string& name) const { return sysfs_->Has(path_ + "/" + name); }
+    std::vector<std::string> List(const std::string& name = {}) const;
+
+  private:
+    const Sysfs* sysfs_;
+    std::string path_;
+    mutable std::shared_ptr<std::string> uevent_;
+};
+
+// The last component of a path.
+std::string LastComponent(const std::string& path);
+// What stands before the last component.
+std::string ParentPath(const std::string& path);
+// The components of a path, empty ones left out.
+std::vector<std::string> Components(const std::string& path);
+
+// Text that a device claims about itself: trimmed, cut at NUL, empty where it is no UTF-8.
+QString CleanAttribute(const std::string& bytes);
+std::optional<quint32> ParseHex(const std::string& text);
+std::optional<quint32> ParseDecimal(const std::string& text);
+
+} // namespace pnp
