@@ -13,34 +13,50 @@ struct Resource {
 };
 
 constexpr std::array kModules = {
-    u"setupapi.dll", u"ddores.dll", u"wpdshext.dll", u"imageres.dll", u"bthprops.cpl",
+    u"setupapi.dll", u"batt.dll", u"fsquirt.exe", u"mmsys.cpl", u"MsPorts.dll",
 };
 
-// By module, then by id. Ids of one meaning keep the same number in every module that has them, for the store files
-// icons by number alone.
+// By module, counted from 1, then by id. No id stands for two things: the store files icons by their number alone.
 constexpr std::array kResources = {
     Resource{1, 1, Glyph::Display},
     Resource{1, 2, Glyph::Mouse},
     Resource{1, 3, Glyph::Keyboard},
-    Resource{1, 4, Glyph::Printer},
     Resource{1, 5, Glyph::Network},
-    Resource{1, 6, Glyph::Disk},
     Resource{1, 9, Glyph::StorageController},
     Resource{1, 10, Glyph::StorageController},
-    Resource{1, 11, Glyph::Sound},
     Resource{1, 18, Glyph::Unknown},
-    Resource{1, 19, Glyph::Imaging},
     Resource{1, 20, Glyph::Usb},
-    Resource{1, 23, Glyph::Ports},
-    Resource{1, 26, Glyph::Battery},
+    Resource{1, 24, Glyph::Hid},
     Resource{1, 27, Glyph::System},
     Resource{1, 28, Glyph::Processor},
-    Resource{1, 30, Glyph::Modem},
+    Resource{1, 29, Glyph::MemoryCard},
+    Resource{1, 30, Glyph::FireWire},
+    Resource{1, 31, Glyph::MemoryCard},
+    Resource{1, 32, Glyph::Chip},
     Resource{1, 33, Glyph::Computer},
+    Resource{1, 34, Glyph::Floppy},
     Resource{1, 35, Glyph::Monitor},
-    Resource{1, 37, Glyph::Hid},
+    Resource{1, 37, Glyph::Tape},
+    Resource{1, 38, Glyph::Security},
+    Resource{1, 39, Glyph::Biometric},
+    Resource{1, 40, Glyph::SmartCard},
+    Resource{1, 41, Glyph::Camera},
+    Resource{1, 42, Glyph::Imaging},
+    Resource{1, 44, Glyph::Modem},
+    Resource{1, 45, Glyph::Sensor},
+    Resource{1, 46, Glyph::Software},
+    Resource{1, 47, Glyph::Printer},
+    Resource{1, 48, Glyph::Firmware},
+    Resource{1, 49, Glyph::Memory},
+    Resource{1, 50, Glyph::Portable},
     Resource{1, 51, Glyph::Optical},
+    Resource{1, 52, Glyph::Volume},
     Resource{1, 53, Glyph::Disk},
+    Resource{1, 54, Glyph::Wireless},
+    Resource{2, 36, Glyph::Battery},
+    Resource{3, 301, Glyph::Bluetooth},
+    Resource{4, 4, Glyph::Sound},
+    Resource{5, 23, Glyph::Ports},
 };
 
 constexpr QStringView kSystemFolder = u"C:\\Windows\\System32\\";

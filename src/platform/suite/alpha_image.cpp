@@ -1,0 +1,86 @@
+#include "suite/alpha_image.h"
+
+#include "suite/accessible_controls.h"
+#include "suite/paint_tools.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPointer>
+
+namespace suite {
+
+AlphaImgCtl::AlphaImgCtl(QWidget* container, const QString& name) : Control(container, name) {
+    InstallAccessibleControls();
+    setFocusPolicy(Qt::NoFocus);
+}
+
+void AlphaImgCtl::SetPicture(const draw::Picture& picture) {
+    if (picture_ == picture)
+        return;
+    picture_ = picture;
+    updateGeometry();
+    update();
+}
+
+void AlphaImgCtl::SetOpacity(int percent) {
+    const int wanted = qBound(0, percent, 100);
+    if (opacity_ == wanted)
+        return;
+    opacity_ = wanted;
+    update();
+}
+
+void AlphaImgCtl::SetClickable(bool clickable) {
+    clickable_ = clickable;
+    setAttribute(Qt::WA_Hover, clickable);
+    setFocusPolicy(clickable ? Qt::TabFocus : Qt::NoFocus);
+    setCursor(clickable ? Qt::PointingHandCursor : Qt::ArrowCursor);
+}
+
+void AlphaImgCtl::Press() {
+    const QPointer<AlphaImgCtl> alive(this);
+    Q_EMIT MouseUp(forms::LeftButton, 0, width() / 2.0, height() / 2.0);
+    if (alive)
+        Q_EMIT Click();
+}
+
+QSize AlphaImgCtl::sizeHint() const { return {picture_.Width(), picture_.Height()}; }
+
+void AlphaImgCtl::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    if (!picture_.IsEmpty()) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.setOpacity(opacity_ / 100.0);
+        // As large as the control allows without changing the picture's shape.
+        const QSize shown = picture_.Image().size().scaled(size(), Qt::KeepAspectRatio);
+        painter.drawImage(QRect(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown),
+                          picture_.Image());
+        if (clickable_ && underMouse() && isEnabled()) {
+            painter.setOpacity(0.18);
+            painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+            painter.fillRect(rect(), Qt::white);
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        }
+        painter.setOpacity(1);
+    }
+    if (hasFocus())
+        DrawFocusRing(painter, rect(), palette().color(QPalette::Highlight));
+}
+
+void AlphaImgCtl::keyPressEvent(QKeyEvent* event) {
+    const bool press = event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (clickable_ && press && !event->isAutoRepeat()) {
+        Press();
+        return;
+    }
+    Control::keyPressEvent(event);
+}
+
+bool AlphaImgCtl::event(QEvent* event) {
+    const bool focus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
+    if (focus || event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave)
+        update();
+    return Control::event(event);
+}
+
+} // namespace suite

@@ -1,0 +1,20 @@
+// The pictures of the icon modules: one small line drawing for each kind of device, drawn from a table of shapes at any
+// size. They are made to be told apart at 16 pixels and to stand out on light and dark lists alike.
+#pragma once
+
+#include "suite/icon_modules.h"
+
+#include <QPixmap>
+#include <QRectF>
+
+class QPainter;
+
+namespace suite {
+
+// Fills `area` (best a square) with the glyph; draws nothing for Glyph::None.
+void DrawGlyph(QPainter& painter, Glyph glyph, const QRectF& area);
+
+// A square picture with a transparent ground; null for Glyph::None and for sizes below 1. Cached by the toolkit.
+QPixmap GlyphPixmap(Glyph glyph, int pixels);
+
+} // namespace suite

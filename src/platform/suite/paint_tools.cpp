@@ -1,0 +1,95 @@
+#include "suite/paint_tools.h"
+
+#include "draw/system_colours.h"
+#include "forms/screen.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <cmath>
+
+namespace suite {
+
+namespace {
+
+constexpr double kLeastReadable = 3.0;
+
+double Luminance(const QColor& colour) {
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+} // namespace
+
+QColor ToQColor(base::Colour colour) {
+    const base::Colour plain = draw::OleTranslateColor(colour);
+    return {plain.Red(), plain.Green(), plain.Blue()};
+}
+
+base::Colour FromQColor(const QColor& colour) {
+    return base::Colour::FromRgb(colour.red(), colour.green(), colour.blue());
+}
+
+QColor Mix(const QColor& from, const QColor& to, double share) {
+    const auto part = [share](int a, int b) { return int(std::lround(a + (b - a) * share)); };
+    return {part(from.red(), to.red()), part(from.green(), to.green()), part(from.blue(), to.blue())};
+}
+
+double Contrast(const QColor& a, const QColor& b) {
+    const double first = Luminance(a), second = Luminance(b);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+QColor ReadableOn(const QColor& back, const QColor& wanted) {
+    if (Contrast(back, wanted) >= kLeastReadable)
+        return wanted;
+    return Contrast(back, Qt::black) >= Contrast(back, Qt::white) ? QColor(Qt::black) : QColor(Qt::white);
+}
+
+int Scaled(double pixels) { return std::max(1, int(std::lround(pixels * forms::DotsPerInch() / 96.0))); }
+
+void DrawFocusRing(QPainter& painter, const QRect& area, const QColor& ink) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double width = Scaled(1);
+    painter.setPen(QPen(ink, width));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = width / 2;
+    painter.drawRoundedRect(QRectF(area).adjusted(inset, inset, -inset, -inset), Scaled(2), Scaled(2));
+    painter.restore();
+}
+
+QString ShownCaption(const QString& caption) {
+    QString shown;
+    shown.reserve(caption.size());
+    for (qsizetype i = 0; i < caption.size(); ++i) {
+        if (caption[i] == QLatin1Char('&') && i + 1 < caption.size())
+            ++i;
+        shown += caption[i];
+    }
+    return shown;
+}
+
+QPalette ControlPalette(const QColor& back, const QColor& fore) {
+    QPalette palette = QGuiApplication::palette();
+    const QColor raised = Mix(back, fore, 0.10);
+    palette.setColor(QPalette::Base, back);
+    palette.setColor(QPalette::AlternateBase, Mix(back, fore, 0.04));
+    palette.setColor(QPalette::Window, back);
+    palette.setColor(QPalette::Button, raised);
+    palette.setColor(QPalette::Light, Mix(raised, Qt::white, 0.35));
+    palette.setColor(QPalette::Midlight, Mix(raised, Qt::white, 0.15));
+    palette.setColor(QPalette::Mid, Mix(back, fore, 0.30));
+    palette.setColor(QPalette::Dark, Mix(back, fore, 0.45));
+    palette.setColor(QPalette::Shadow, Mix(back, Qt::black, 0.6));
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText, QPalette::BrightText}) {
+        palette.setColor(role, fore);
+        palette.setColor(QPalette::Disabled, role, Mix(fore, back, 0.5));
+    }
+    palette.setColor(QPalette::PlaceholderText, Mix(fore, back, 0.4));
+    return palette;
+}
+
+} // namespace suite
