@@ -255,8 +255,19 @@ int Session::Change(const QByteArray& sql, const std::vector<QVariant>& values) 
     FollowFile();
     // Between this look and the write the store itself looks once more and refuses a file that was moved.
     RequireWritableFile();
-    Run run(*this, sql, values);
-    while (run.Step()) {
+    const qint64 identity = LastIdentity();
+    Error error;
+    const bool changed = Ran(
+        [&] {
+            Run run(*this, sql, values);
+            while (run.Step()) {
+            }
+        },
+        &error);
+    if (!changed) {
+        // An insert that fails only when it is made durable has moved the number already.
+        sqlite3_set_last_insert_rowid(handle_, identity);
+        throw error;
     }
     return sqlite3_changes(handle_);
 }
@@ -275,6 +286,7 @@ void Session::Begin() {
     FollowFile();
     RunPlain("BEGIN IMMEDIATE");
     inTransaction_ = true;
+    identityBefore_ = LastIdentity();
     Error error;
     if (!Ran([this] { RequireWritableFile(); }, &error)) {
         Rollback();
@@ -294,6 +306,7 @@ void Session::Rollback() {
     if (inTransaction_) {
         inTransaction_ = false;
         sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_set_last_insert_rowid(handle_, identityBefore_);
     }
 }
 

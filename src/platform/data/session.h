@@ -43,7 +43,8 @@ class Session {
     void Commit();
     void Rollback();
 
-    // The number that the last successful insert gave its row; kept when an insert fails and when the file is replaced.
+    // The number that the last successful insert gave its row; kept when an insert fails or is taken back and when the
+    // file is replaced.
     qint64 LastIdentity() const;
 
     // Another number for every opening of a file in this process: rows and numbers read under one generation mean
@@ -79,6 +80,7 @@ class Session {
     std::list<Prepared> statements_; // most recently used first
     FileIdentity file_;
     quint64 generation_ = 0;
+    qint64 identityBefore_ = 0; // of the present transaction
     bool inTransaction_ = false;
 };
 

@@ -1,0 +1,50 @@
+// The program's folder with a small database in it, open through the store.
+#pragma once
+
+#include "base/paths.h"
+#include "database/database_builder.h"
+#include "database/store.h"
+#include "values/program_values.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+
+class StoreFixture : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(Folder.isValid());
+        base::SetProgramFolder(Folder.path());
+        values::Program() = values::ProgramValues();
+    }
+
+    void TearDown() override {
+        database::CloseDeviceDatabase();
+        database::SetFatalHandlers(nullptr, nullptr);
+        values::Program() = values::ProgramValues();
+    }
+
+    QString Path() const { return Folder.filePath(QStringLiteral("hwids.mdb")); }
+
+    void WriteAndOpen(const database::DatabaseBuilder& builder) {
+        QString error;
+        ASSERT_TRUE(builder.Write(Path(), QStringLiteral("2.3.4"), &error)) << error.toStdString();
+        ASSERT_TRUE(database::OpenDeviceDatabase());
+    }
+
+    static void Run(const QString& statement) {
+        data::Recordset change;
+        change.Open(statement, database::DatabaseConnection());
+    }
+
+    static QStringList Column(const QString& query, const QString& column) {
+        QStringList values;
+        data::Recordset rows;
+        for (rows.Open(query, database::DatabaseConnection()); !rows.Eof(); rows.MoveNext()) {
+            values.append(rows.Value(column).toString());
+        }
+        return values;
+    }
+
+    QTemporaryDir Folder;
+};

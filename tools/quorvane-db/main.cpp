@@ -1,0 +1,55 @@
+// quorvane-db: builds, shows, checks and merges device databases. One sub-command, one file.
+#include "command.h"
+
+#include <QCoreApplication>
+#include <csignal>
+
+namespace {
+
+constexpr tool::SubCommand subCommands[] = {
+    {"build", "--output FILE [--version V] [--pci-ids F] [--usb-ids F]",
+     "make a database from the PCI and USB ID files", tool::Build},
+    {"info", "DATABASE", "show what a database holds", tool::Info},
+    {"pack", "FILE --output DIR [--program-version V]", "make the files that an update server hands out", tool::Pack},
+};
+
+int PrintHelp() {
+    tool::Print(QStringLiteral("Usage: quorvane-db COMMAND [OPTIONS]\n\nCommands:"));
+    for (const tool::SubCommand& command : subCommands) {
+        tool::Print(
+            QStringLiteral("  %1 %2\n      %3")
+                .arg(QLatin1String(command.Name), QLatin1String(command.Arguments), QLatin1String(command.Summary)));
+    }
+    tool::Print(QStringLiteral("  --help, --version\n\nStatus: 0 done, 1 failed, 2 bad usage, 3 check has findings."));
+    return tool::Finish();
+}
+
+int RunSubCommand(const QStringList& arguments) {
+    if (arguments.isEmpty()) {
+        return tool::RefuseUsage(QStringLiteral("no command given"));
+    }
+    const QString& name = arguments.first();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") ||
+        arguments.contains(QStringLiteral("--help"))) {
+        return PrintHelp();
+    }
+    if (name == QLatin1String("--version")) {
+        tool::Print(QStringLiteral("quorvane-db " QUORVANE_VERSION));
+        return tool::Finish();
+    }
+    for (const tool::SubCommand& command : subCommands) {
+        if (name == QLatin1String(command.Name)) {
+            return command.Run(arguments.mid(1));
+        }
+    }
+    return tool::RefuseUsage(QStringLiteral("unknown command %1").arg(name));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // A reader that went away is an error of the writing, not the end of the process in the middle of something.
+    std::signal(SIGPIPE, SIG_IGN);
+    const QCoreApplication application(argc, argv);
+    return RunSubCommand(QCoreApplication::arguments().mid(1));
+}
