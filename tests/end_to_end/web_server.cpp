@@ -1,0 +1,179 @@
+#include "web_server.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QStandardPaths>
+#include <QThread>
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace end_to_end {
+
+namespace {
+
+const QStringList programFolders = {QStringLiteral("/usr/sbin"), QStringLiteral("/usr/local/sbin"),
+                                    QStringLiteral("/usr/bin")};
+
+QString FindPhp() {
+    for (const QString& folder : programFolders) {
+        const QStringList found = QDir(folder).entryList({QStringLiteral("php-fpm*")}, QDir::Files, QDir::Name);
+        if (!found.isEmpty()) {
+            return folder + QChar(u'/') + found.last();
+        }
+    }
+    return {};
+}
+
+sockaddr_in Loopback(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<quint16>(port));
+    return address;
+}
+
+int FreePort() {
+    const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = Loopback(0);
+    bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    socklen_t length = sizeof address;
+    getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length);
+    close(probe);
+    return ntohs(address.sin_port);
+}
+
+int Connect(int port) {
+    const int connection = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const sockaddr_in address = Loopback(port);
+    if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+        return connection;
+    }
+    close(connection);
+    return -1;
+}
+
+bool Write(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+void Stop(QProcess& process) {
+    if (process.state() != QProcess::NotRunning) {
+        process.terminate();
+        if (!process.waitForFinished(5'000)) {
+            process.kill();
+            process.waitForFinished(5'000);
+        }
+    }
+}
+
+} // namespace
+
+WebServer::WebServer(const QString& serverFolder) {
+    const QString nginx = QStandardPaths::findExecutable(QStringLiteral("nginx"), programFolders);
+    const QString php = FindPhp();
+    if (nginx.isEmpty() || php.isEmpty()) {
+        fault_ = QStringLiteral("%1 is not installed")
+                     .arg(nginx.isEmpty() ? QStringLiteral("nginx") : QStringLiteral("php-fpm"));
+        return;
+    }
+    port_ = FreePort();
+    if (!WriteConfiguration(serverFolder)) {
+        fault_ = QStringLiteral("the configuration cannot be written");
+        return;
+    }
+    QStringList phpArguments = {QStringLiteral("-F"), QStringLiteral("-y"),
+                                folder_.filePath(QStringLiteral("php.conf"))};
+    if (geteuid() == 0) {
+        phpArguments.append(QStringLiteral("-R"));
+    }
+    php_.start(php, phpArguments);
+    nginx_.start(nginx, {QStringLiteral("-p"), folder_.path(), QStringLiteral("-c"),
+                         folder_.filePath(QStringLiteral("nginx.conf")), QStringLiteral("-e"),
+                         folder_.filePath(QStringLiteral("error.log"))});
+    if (!WaitUntilReady()) {
+        fault_ = QStringLiteral("the server does not come up: ") + QString::fromUtf8(nginx_.readAllStandardError()) +
+                 QString::fromUtf8(php_.readAllStandardError());
+    }
+}
+
+WebServer::~WebServer() {
+    Stop(nginx_);
+    Stop(php_);
+}
+
+bool WebServer::WriteConfiguration(const QString& serverFolder) {
+    QFile siteFile(serverFolder + QStringLiteral("/quorvane.nginx.conf"));
+    if (!siteFile.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray folder = folder_.path().toUtf8();
+    QByteArray site = siteFile.readAll();
+    // The names that an administrator changes.
+    site.replace("listen 80;", "listen 127.0.0.1:" + QByteArray::number(port_) + ';');
+    site.replace("/srv/quorvane/public", folder + "/public");
+    site.replace("/srv/quorvane/server", serverFolder.toUtf8());
+    site.replace("/srv/quorvane/uploads", folder + "/uploads");
+    site.replace("unix:/run/php/php-fpm.sock", "unix:" + folder + "/php.sock");
+    site.replace("include fastcgi_params;", "include /etc/nginx/fastcgi_params;");
+    const QByteArray user = geteuid() == 0 ? "user root;\n" : "";
+    const QByteArray nginx = user + "daemon off;\nworker_processes 1;\npid " + folder + "/nginx.pid;\nerror_log " +
+                             folder + "/error.log;\nevents {}\nhttp {\naccess_log off;\nclient_body_temp_path " +
+                             folder + "/body;\nfastcgi_temp_path " + folder + "/fastcgi;\nproxy_temp_path " + folder +
+                             "/proxy;\nuwsgi_temp_path " + folder + "/uwsgi;\nscgi_temp_path " + folder + "/scgi;\n" +
+                             site + "}\n";
+    const QByteArray php = "[global]\nerror_log = " + folder + "/php.log\ndaemonize = no\n[www]\n" +
+                           (geteuid() == 0 ? "user = root\ngroup = root\n" : "") + "listen = " + folder +
+                           "/php.sock\npm = static\npm.max_children = 2\n";
+    QDir(folder_.path()).mkpath(QStringLiteral("public/files/updates/quorvane"));
+    QDir(folder_.path()).mkpath(QStringLiteral("uploads"));
+    return Write(folder_.filePath(QStringLiteral("nginx.conf")), nginx) &&
+           Write(folder_.filePath(QStringLiteral("php.conf")), php);
+}
+
+bool WebServer::WaitUntilReady() const {
+    QElapsedTimer timer;
+    timer.start();
+    while (!timer.hasExpired(10'000)) {
+        const int connection = Connect(port_);
+        if (connection >= 0) {
+            close(connection);
+            if (QFile::exists(folder_.filePath(QStringLiteral("php.sock")))) {
+                return true;
+            }
+        }
+        QThread::msleep(20);
+    }
+    return false;
+}
+
+QString WebServer::Url(const QString& path) const {
+    return QStringLiteral("http://127.0.0.1:%1%2").arg(port_).arg(path);
+}
+
+QByteArray WebServer::Exchange(const QByteArray& request) const {
+    const int connection = Connect(port_);
+    if (connection < 0) {
+        return {};
+    }
+    for (qsizetype sent = 0; sent < request.size();) {
+        const ssize_t taken =
+            send(connection, request.constData() + sent, static_cast<size_t>(request.size() - sent), MSG_NOSIGNAL);
+        if (taken <= 0) {
+            break;
+        }
+        sent += taken;
+    }
+    QByteArray answer;
+    char piece[4096];
+    for (ssize_t size = 0; (size = recv(connection, piece, sizeof piece, 0)) > 0;) {
+        answer.append(piece, size);
+    }
+    close(connection);
+    return answer;
+}
+
+} // namespace end_to_end
