@@ -1,0 +1,21 @@
+// What the drawn controls tell screen readers: role, name, states and actions. The factory is installed once by the
+// first control that asks; the toolkit owns the interfaces it makes.
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace controls {
+
+// Makes the drawn controls known to the toolkit's accessibility. Cheap to call again.
+void InstallAccessibility();
+
+// A caption as it is spoken: without the marks of access keys, "&&" as one ampersand.
+QString AccessibleText(const QString& caption);
+
+void AccessibleNameChanged(QWidget* control);
+// A check button was checked or unchecked.
+void AccessibleCheckChanged(QWidget* control);
+
+} // namespace controls
