@@ -94,7 +94,6 @@ constexpr VendorRow Vendors[] = {
     {"QCOM", u"Qualcomm"},
     {"QEMU", u"QEMU"},
     {"SYNA", u"Synaptics"},
-    {"VMGE", u"Virtual machine"},
     {"XENS", u"Xen"},
 };
 

@@ -33,20 +33,27 @@ QStringList AliasIds(const std::string& alias) {
     if (alias.compare(0, 5, "acpi:") != 0)
         return ids;
     for (const QString& part : QString::fromStdString(alias.substr(5)).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
-        if (const QString id = Identifier(part); !id.isEmpty())
+        if (const QString id = Identifier(part); !id.isEmpty() && !id.startsWith(QStringLiteral("LNX")))
             ids.append(id);
     }
     return ids;
 }
 
-// The device folders that the kernel made for a node ("physical_node", "physical_node1", ...).
-std::vector<std::string> PhysicalNodes(const Node& node) {
+// The device folders that the kernel made for a node ("physical_node", "physical_node1", ...). Partial captures lack
+// the links, but the devices bear the node's name.
+std::vector<std::string> PhysicalNodes(const Context& context, const Node& node) {
     std::vector<std::string> folders;
     std::string name = "physical_node";
     for (int i = 1; node.Has(name); ++i) {
         if (std::string folder = node.Link(name); !folder.empty())
             folders.push_back(std::move(folder));
         name = "physical_node" + std::to_string(i);
+    }
+    if (!folders.empty())
+        return folders;
+    for (const char* place : {"/bus/platform/devices/", "/bus/i2c/devices/i2c-", "/bus/spi/devices/spi-"}) {
+        if (std::string folder = context.Files().Resolve(place + node.Name()); !folder.empty())
+            folders.push_back(std::move(folder));
     }
     return folders;
 }
@@ -96,6 +103,10 @@ void TakeClassAndNames(Context& context, const QStringList& ids, Device& device,
         device.manufacturer = QStringLiteral("(Standard keyboards)");
     } else if (guid == class_guid::Ports) {
         device.manufacturer = QStringLiteral("(Standard port types)");
+    } else if (guid == class_guid::Mouse) {
+        device.manufacturer = QStringLiteral("(Standard mouse types)");
+    } else if (guid == class_guid::Fdc) {
+        device.manufacturer = QStringLiteral("(Standard floppy disk controllers)");
     } else {
         device.manufacturer = StandardSystemDevices();
     }
@@ -136,7 +147,7 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
     if (ids.isEmpty() || IsHiddenName(ids.first().toStdString()))
         return;
     const quint32 status = node.Decimal("status").value_or(StatusPresent | StatusEnabled | StatusFunctioning);
-    const std::vector<std::string> physical = PhysicalNodes(node);
+    const std::vector<std::string> physical = PhysicalNodes(context, node);
     if ((status & StatusPresent) == 0 || StandsElsewhere(physical) ||
         (ids.first() == QStringLiteral("ACPI0007") && ProcessorsAreKnown(context)))
         return;
@@ -144,7 +155,8 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
     Device device;
     const std::string name = node.Name();
     const std::size_t colon = name.rfind(':');
-    const QString ordinal = PathText(CleanAttribute(colon == std::string::npos ? "0" : name.substr(colon + 1)));
+    const QString ordinal =
+        PathText(CleanAttribute(colon == std::string::npos ? "0" : name.substr(colon + 1)).toUpper());
     const QString base = QStringLiteral("ACPI\\") + ids.first() + QLatin1Char('\\');
     const QString byPlace = base + InstanceSuffix(AcpiLevel, context.Stable(ParentPath(path)), ordinal);
     const QString uid = PathText(node.Text("uid"));

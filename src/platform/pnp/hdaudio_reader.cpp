@@ -55,9 +55,10 @@ void ReadCodec(Context& context, const std::string& path, std::vector<Device>& d
                           InstanceSuffix(TreeLevel(controller) + 1, context.Stable(controller),
                                          Hex(CodecAddress(node.Name()) & 0xFF, 2) + Hex(group & 0xFF, 2));
     if (vendor) {
-        if (revision)
+        if (subsystem && revision)
             device.hardwareIds.append(product + board + version);
-        device.hardwareIds.append(product + board);
+        if (subsystem)
+            device.hardwareIds.append(product + board);
         if (revision)
             device.hardwareIds.append(product + version);
         device.hardwareIds.append(product);

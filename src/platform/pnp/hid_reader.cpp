@@ -14,6 +14,8 @@ constexpr std::size_t LongestDescriptor = 16384;
 constexpr quint32 BusUsb = 0x03;
 constexpr quint32 BusBluetooth = 0x05;
 constexpr quint32 BusI2c = 0x18;
+// Sensor hubs of processors.
+constexpr quint32 BusSensorHub = 0x20;
 
 struct HidIds {
     quint32 bus = 0;
@@ -123,6 +125,20 @@ void TakeIds(const Parts& parts, const QString& column, HidUsage usage, Device& 
     device.hardwareIds.append(QStringLiteral("HID_DEVICE"));
 }
 
+// Whose numbers the vendors are depends on the bus.
+QString VendorName(Context& context, const HidIds& ids) {
+    switch (ids.bus) {
+    case BusUsb:
+    case BusBluetooth:
+    case BusI2c:
+        return context.UsbIds().VendorName(quint16(ids.vendor));
+    case BusSensorHub:
+        return context.PciIds().VendorName(quint16(ids.vendor));
+    default:
+        return {};
+    }
+}
+
 std::vector<std::string> ListHid(const Context& context) { return ListFolders(context, "/bus/hid/devices"); }
 
 void ReadHid(Context& context, const std::string& path, std::vector<Device>& devices) {
@@ -139,7 +155,7 @@ void ReadHid(Context& context, const std::string& path, std::vector<Device>& dev
     const Node parent = node.Parent();
     QString maker = ids->bus == BusUsb ? parent.Parent().Text("manufacturer") : QString();
     if (maker.isEmpty())
-        maker = context.UsbIds().VendorName(quint16(ids->vendor));
+        maker = VendorName(context, *ids);
     const QString ownName = CleanAttribute(node.Uevent("HID_NAME"));
     // Wireless devices share one parent; their address or serial tells them apart.
     const std::string place = context.Stable(parent.Path()) + "|" + node.Uevent("HID_UNIQ");

@@ -3,6 +3,7 @@
 #include "pnp/class_table.h"
 #include "pnp/identity.h"
 #include "pnp/pci_class.h"
+#include "pnp/pci_function.h"
 #include "pnp/problem.h"
 
 #include <algorithm>
@@ -23,81 +24,6 @@ namespace {
 
 constexpr quint32 VirtioVendor = 0x1AF4;
 
-struct Function {
-    std::optional<quint32> vendor;
-    std::optional<quint32> device;
-    quint32 subsystemVendor = 0;
-    quint32 subsystemDevice = 0;
-    std::optional<quint32> revision;
-    std::optional<quint32> classCode;
-};
-
-// The digits behind `key` in a modalias ("pci:v00008086d000027A0sv000017AAsd00002015bc06sc00i00").
-std::optional<quint32> AliasField(const std::string& alias, const std::string& key, std::size_t digits) {
-    const std::size_t found = alias.find(key);
-    return found == std::string::npos ? std::nullopt : ParseHex(alias.substr(found + key.size(), digits));
-}
-
-// Two numbers parted by a colon, as in PCI_ID=8086:27A0.
-std::pair<std::optional<quint32>, std::optional<quint32>> Pair(const std::string& text) {
-    const std::size_t colon = text.find(':');
-    if (colon == std::string::npos)
-        return {};
-    return {ParseHex(text.substr(0, colon)), ParseHex(text.substr(colon + 1))};
-}
-
-quint32 ConfigWord(const std::string& config, std::size_t offset) {
-    return quint32(static_cast<unsigned char>(config[offset])) | quint32(static_cast<unsigned char>(config[offset + 1]))
-                                                                     << 8;
-}
-
-void ReadSubsystem(const Node& node, const std::string& alias, const std::string& config, Function& function) {
-    std::optional<quint32> vendor = node.Hex("subsystem_vendor");
-    std::optional<quint32> device = node.Hex("subsystem_device");
-    if (!vendor || !device)
-        std::tie(vendor, device) = Pair(node.Uevent("PCI_SUBSYS_ID"));
-    if ((!vendor || !device) && alias.compare(0, 5, "pci:v") == 0) {
-        vendor = AliasField(alias, "sv", 8);
-        device = AliasField(alias, "sd", 8);
-    }
-    // Bridges keep other things at these offsets.
-    const bool ordinary = config.size() >= 64 && (config[0x0e] & 0x7f) == 0;
-    if ((!vendor || !device) && ordinary) {
-        vendor = ConfigWord(config, 0x2c);
-        device = ConfigWord(config, 0x2e);
-    }
-    function.subsystemVendor = vendor.value_or(0) & 0xFFFF;
-    function.subsystemDevice = device.value_or(0) & 0xFFFF;
-}
-
-Function ReadFunction(const Node& node) {
-    Function function;
-    function.vendor = node.Hex("vendor");
-    function.device = node.Hex("device");
-    function.classCode = node.Hex("class");
-    function.revision = node.Hex("revision");
-    const std::string alias = node.Modalias();
-    const std::string config =
-        function.revision && node.Has("subsystem_device") ? std::string() : node.Bytes("config", 64);
-    if (!function.vendor || !function.device)
-        std::tie(function.vendor, function.device) = Pair(node.Uevent("PCI_ID"));
-    if ((!function.vendor || !function.device) && alias.compare(0, 5, "pci:v") == 0) {
-        function.vendor = AliasField(alias, "pci:v", 8);
-        function.device = AliasField(alias, "d", 8);
-    }
-    if (!function.classCode)
-        function.classCode = ParseHex(node.Uevent("PCI_CLASS"));
-    if (!function.classCode && alias.find("bc") != std::string::npos) {
-        const quint32 base = AliasField(alias, "bc", 2).value_or(0xFF);
-        const quint32 subclass = AliasField(alias, "sc", 2).value_or(0);
-        function.classCode = base << 16 | subclass << 8 | AliasField(alias, "i", 2).value_or(0);
-    }
-    if (!function.revision && config.size() >= 64)
-        function.revision = static_cast<unsigned char>(config[8]);
-    ReadSubsystem(node, alias, config, function);
-    return function;
-}
-
 // Own address first, then each bridge's on the way up: device number and function in one byte.
 QString Location(const std::string& path) {
     QString location;
@@ -112,7 +38,7 @@ QString Location(const std::string& path) {
     return location;
 }
 
-void TakeIds(const Function& function, Device& device) {
+void TakeIds(const PciFunction& function, Device& device) {
     if (!function.vendor || !function.device)
         return;
     const QString product =
@@ -135,7 +61,7 @@ void TakeIds(const Function& function, Device& device) {
 }
 
 // The virtio device below a function, as a node; the function itself for all others.
-Node FunctionalNode(const Node& node, const Function& function) {
+Node FunctionalNode(const Node& node, const PciFunction& function) {
     if (function.vendor != VirtioVendor)
         return node;
     for (const std::string& name : node.List()) {
@@ -145,7 +71,7 @@ Node FunctionalNode(const Node& node, const Function& function) {
     return node;
 }
 
-const char16_t* SetupClassOf(const Function& function) {
+const char16_t* SetupClassOf(const PciFunction& function) {
     if (function.vendor == VirtioVendor && function.device) {
         // Devices of the first generation tell the type by their subsystem.
         const quint32 type = *function.device >= 0x1040 ? *function.device - 0x1040 : function.subsystemDevice;
@@ -155,7 +81,7 @@ const char16_t* SetupClassOf(const Function& function) {
     return function.classCode ? PciSetupClass(*function.classCode) : nullptr;
 }
 
-void TakeNames(Context& context, const Function& function, Device& device) {
+void TakeNames(Context& context, const PciFunction& function, Device& device) {
     const quint32 classCode = function.classCode.value_or(0xFF0000);
     if (function.vendor && function.device) {
         device.name = context.PciIds().DeviceName(quint16(*function.vendor), quint16(*function.device));
@@ -173,7 +99,7 @@ void ReadPci(Context& context, const std::string& path, std::vector<Device>& dev
     const Node node = context.At(path);
     if (!node.Exists())
         return;
-    const Function function = ReadFunction(node);
+    const PciFunction function = ReadPciFunction(node);
     Device device;
     device.instancePath = QStringLiteral("PCI\\VEN_%1&DEV_%2&SUBSYS_%3%4&REV_%5\\")
                               .arg(Hex(function.vendor.value_or(0) & 0xFFFF, 4),

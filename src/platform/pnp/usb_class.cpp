@@ -59,7 +59,7 @@ constexpr ChildRow Children[] = {
     {"dvb", Media}};
 
 // Vendors that make fingerprint readers with vendor-specific interfaces and little else.
-constexpr quint32 FingerprintVendors[] = {0x08FF, 0x138A, 0x147E, 0x1C7A, 0x27C6, 0x10A5, 0x06CB, 0x2808};
+constexpr quint32 FingerprintVendors[] = {0x08FF, 0x138A, 0x147E, 0x1C7A, 0x27C6, 0x10A5, 0x06CB, 0x2808, 0x04F3};
 
 bool IsFingerprintReader(const UsbFunction& function) {
     if (function.classCode != 0xFF)

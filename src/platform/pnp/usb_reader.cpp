@@ -2,7 +2,7 @@
 #include "pnp/bus_reader.h"
 #include "pnp/class_table.h"
 #include "pnp/identity.h"
-#include "pnp/pci_class.h"
+#include "pnp/pci_function.h"
 #include "pnp/problem.h"
 #include "pnp/usb_class.h"
 #include "pnp/usb_ids.h"
@@ -49,12 +49,12 @@ void ReadRootHub(Context& context, const Node& node, std::vector<Device>& device
     device.instancePath =
         kind + QLatin1Char('\\') + InstanceSuffix(TreeLevel(node.Path()), parent, QStringLiteral("0"));
     device.alternativePath = device.instancePath + QLatin1Char('&') + Hex(StableHash(context.Stable(node.Path())), 8);
-    const std::optional<quint32> vendor = controller.Path().empty() ? std::nullopt : controller.Hex("vendor");
-    const std::optional<quint32> product = vendor ? controller.Hex("device") : std::nullopt;
-    if (vendor && product) {
-        const QString ids = kind + QStringLiteral("&VID%1&PID%2").arg(Hex(*vendor, 4), Hex(*product, 4));
-        if (const std::optional<quint32> revision = controller.Hex("revision"))
-            device.hardwareIds.append(ids + QStringLiteral("&REV") + Hex(*revision, 4));
+    const PciFunction function = controller.Path().empty() ? PciFunction() : ReadPciFunction(controller);
+    if (function.vendor && function.device) {
+        const QString ids =
+            kind + QStringLiteral("&VID%1&PID%2").arg(Hex(*function.vendor, 4), Hex(*function.device, 4));
+        if (function.revision)
+            device.hardwareIds.append(ids + QStringLiteral("&REV") + Hex(*function.revision, 4));
         device.hardwareIds.append(ids);
     }
     device.hardwareIds.append(kind);
@@ -77,6 +77,11 @@ void TakeFunction(Context& context, const Node& functional, const UsbFunction& f
         device.name = UsbClassName(function);
 }
 
+// Codes of a device that say less than those of its first interface: none, communications, miscellaneous, the vendor's.
+bool LeavesDetails(quint32 classCode) {
+    return classCode == 0x00 || classCode == 0x02 || classCode == 0xEF || classCode == 0xFF;
+}
+
 // A device of one function is as well as its first interface's driver.
 void ReadSingleFunction(Context& context, const Node& node, const std::vector<std::string>& interfaces,
                         const UsbIds& ids, Device& device) {
@@ -86,7 +91,7 @@ void ReadSingleFunction(Context& context, const Node& node, const std::vector<st
     if (!interfaces.empty()) {
         functional = node.Child(interfaces.front());
         const std::optional<UsbCodes> first = InterfaceCodes(functional);
-        if (first && (own.classCode == 0 || own.classCode == 0xEF || own.classCode == 0xFF))
+        if (first && LeavesDetails(own.classCode))
             codes = *first;
     }
     const UsbFunction function{codes.classCode, codes.subclass, codes.protocol, ids.vendor.value_or(0), device.name};

@@ -1,0 +1,167 @@
+#include "inventory/frm_menu.h"
+
+#include "forms/forms.h"
+#include "forms/menu.h"
+#include "inventory/list_actions.h"
+#include "inventory/list_behaviour.h"
+#include "inventory/open_lookup.h"
+#include "suite/list_view.h"
+
+#include <QCursor>
+#include <array>
+#include <span>
+
+namespace inventory {
+
+namespace {
+
+struct Entry {
+    const char* name;
+    const char* caption;
+};
+
+constexpr auto separator = "-";
+
+constexpr std::array mainEntries = {
+    Entry{"MenuMainLookup", "Lookup Selected Device In Database"},
+    Entry{"MenuMainLine1", separator},
+    Entry{"MenuMainSearchGoogle", "Search Google For Drivers (By Name)"},
+    Entry{"MenuMainSearchGoogleID", "Search Google For Drivers (By Hardware IDs)"},
+    Entry{"MenuMainLine2", separator},
+    Entry{"MenuMainCopyWhole", "Copy Whole List"},
+    Entry{"MenuMainCopyRow", "Copy Selected Row"},
+    Entry{"MenuMainCopyName", "Copy Selected Name"},
+    Entry{"MenuMainCopyManufacturer", "Copy Selected Manufacturer"},
+    Entry{"MenuMainCopyError", "Copy Selected Error Code"},
+    Entry{"MenuMainCopyClass", "Copy Selected Class"},
+    Entry{"MenuMainCopyDriverVersion", "Copy Selected Driver Version"},
+    Entry{"MenuMainCopyID", "Copy Selected Hardware IDs"},
+    Entry{"MenuMainLine3", separator},
+    Entry{"MenuMainRemoveDevice", "Remove Selected Device From List (Delete Key)"},
+};
+
+constexpr std::array lookupEntries = {
+    Entry{"MenuLookupSearchGoogle", "Search Google For Drivers (By Name)"},
+    Entry{"MenuLookupSearchGoogleID", "Search Google For Drivers (By Hardware IDs)"},
+    Entry{"MenuLookupLine1", separator},
+    Entry{"MenuLookupCopyWhole", "Copy Whole List"},
+    Entry{"MenuLookupCopyRow", "Copy Selected Row"},
+    Entry{"MenuLookupCopyName", "Copy Selected Name"},
+    Entry{"MenuLookupCopyManufacturer", "Copy Selected Manufacturer"},
+    Entry{"MenuLookupCopyID", "Copy Selected Hardware IDs"},
+    Entry{"MenuLookupLine2", separator},
+    Entry{"MenuLookupRemoveDevice", "Remove Selected Device From List (Delete Key)"},
+};
+
+constexpr std::array improveEntries = {
+    Entry{"MenuImproveCopyWhole", "Copy Whole List"},
+    Entry{"MenuImproveCopyRow", "Copy Selected Row"},
+    Entry{"MenuImproveCopyName", "Copy Selected Name"},
+    Entry{"MenuImproveCopyManufacturer", "Copy Selected Manufacturer"},
+    Entry{"MenuImproveCopyID", "Copy Selected Hardware IDs"},
+    Entry{"MenuImproveLine2", separator},
+    Entry{"MenuImproveRemoveDevice", "Remove Selected Device From List (Delete Key)"},
+};
+
+QPointer<forms::Form>& ActiveListForm() {
+    static QPointer<forms::Form> form;
+    return form;
+}
+
+forms::Menu* MakeMenu(forms::Form* form, const char* name, const char* caption, std::span<const Entry> entries) {
+    auto* menu = new forms::Menu(form, QLatin1String(name), QLatin1String(caption));
+    for (const Entry& entry : entries)
+        menu->AddEntry(QLatin1String(entry.name), QLatin1String(entry.caption));
+    return menu;
+}
+
+// One list with the window that owns it; nothing while the window is gone.
+struct Target {
+    forms::Form* form = nullptr;
+    suite::ListView* list = nullptr;
+};
+
+Target FindTarget(forms::Form* form, const char* listName) {
+    return {form, form == nullptr ? nullptr : form->Find<suite::ListView>(QLatin1String(listName))};
+}
+
+// The commands that all three menus have; `command` is the entry's name behind the menu's. False for any other.
+bool CommonCommand(const QString& command, const Target& target, const ListColumns& columns) {
+    const suite::ListItems& items = target.list->ListItems();
+    if (command == QLatin1String("CopyWhole"))
+        CopyWholeList(items, columns);
+    else if (command == QLatin1String("CopyRow"))
+        CopyRow(items, columns);
+    else if (command == QLatin1String("CopyName"))
+        CopyValue(items, 0);
+    else if (command == QLatin1String("CopyManufacturer"))
+        CopyValue(items, columns.Manufacturer);
+    else if (command == QLatin1String("CopyID"))
+        CopyValue(items, columns.HardwareIds);
+    else if (command == QLatin1String("SearchGoogle"))
+        SearchByName(target.form, items);
+    else if (command == QLatin1String("SearchGoogleID"))
+        SearchById(target.form, items, columns);
+    else if (command == QLatin1String("RemoveDevice"))
+        RemoveSelected(*target.list);
+    else
+        return false;
+    return true;
+}
+
+} // namespace
+
+FrmMenu::FrmMenu() : forms::Form(QStringLiteral("FrmMenu"), 1500, 1500) {
+    MenuMain = MakeMenu(this, "MenuMain", "MainList", mainEntries);
+    MenuLookup = MakeMenu(this, "MenuLookup", "MainLookup", lookupEntries);
+    MenuImprove = MakeMenu(this, "MenuImprove", "MainImprove", improveEntries);
+    connect(MenuMain, &forms::Menu::Click, this, &FrmMenu::MainCommand);
+    connect(MenuLookup, &forms::Menu::Click, this, &FrmMenu::LookupCommand);
+    connect(MenuImprove, &forms::Menu::Click, this, &FrmMenu::ImproveCommand);
+}
+
+void FrmMenu::MainCommand(const QString& entry) {
+    // Always the whole list, whichever of the four the popup was opened from.
+    const Target target = FindTarget(forms::Forms::Instance().Find(QStringLiteral("FrmMain")), "ListViewHardware");
+    if (target.list == nullptr)
+        return;
+    const QString command = entry.mid(MenuMain->Name().size());
+    const suite::ListItems& items = target.list->ListItems();
+    if (CommonCommand(command, target, mainListColumns))
+        return;
+    if (command == QLatin1String("CopyError"))
+        CopyValue(items, mainListColumns.Error);
+    else if (command == QLatin1String("CopyClass"))
+        CopyValue(items, mainListColumns.Class);
+    else if (command == QLatin1String("CopyDriverVersion"))
+        CopyValue(items, mainListColumns.DriverVersion);
+    else if (const suite::ListItem* item = items.SelectedItem(); item != nullptr && command == QLatin1String("Lookup"))
+        OpenLookup(*item);
+}
+
+void FrmMenu::LookupCommand(const QString& entry) {
+    const Target target = FindTarget(ActiveListForm(), "LabelListViewHardware");
+    if (target.list != nullptr)
+        CommonCommand(entry.mid(MenuLookup->Name().size()), target, lookupListColumns);
+}
+
+void FrmMenu::ImproveCommand(const QString& entry) {
+    const Target target = FindTarget(ActiveListForm(), "ListViewHardware");
+    if (target.list != nullptr)
+        CommonCommand(entry.mid(MenuImprove->Name().size()), target, improveListColumns);
+}
+
+void SetActiveListForm(forms::Form* form) { ActiveListForm() = form; }
+
+void PopupListMenu(const QString& menuName) {
+    forms::Form* holder = forms::Forms::Instance().Shared(QStringLiteral("FrmMenu"));
+    auto* menu = holder == nullptr ? nullptr : holder->Find<forms::Menu>(menuName);
+    if (menu != nullptr)
+        menu->PopupMenu(QCursor::pos());
+}
+
+void RegisterMenuForm() {
+    forms::Forms::Instance().RegisterMaker(QStringLiteral("FrmMenu"), [] { return std::make_unique<FrmMenu>(); });
+}
+
+} // namespace inventory
