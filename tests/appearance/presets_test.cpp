@@ -1,0 +1,80 @@
+// The presets that the program ships: complete, in the form that it writes itself, and readable.
+#include "appearance/colour_table.h"
+#include "base/profile_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <map>
+
+using namespace appearance;
+
+namespace {
+
+double Luminance(base::Colour colour) {
+    const auto linear = [](int channel) {
+        const double c = channel / 255.0;
+        return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.Red()) + 0.7152 * linear(colour.Green()) + 0.0722 * linear(colour.Blue());
+}
+
+double Contrast(base::Colour a, base::Colour b) {
+    const double x = Luminance(a), y = Luminance(b);
+    return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
+}
+
+struct Pair {
+    ColourIndex Text;
+    ColourIndex Back;
+};
+
+// Every text or glyph and each colour that can lie behind it; gradients count with both ends. The important colour also
+// marks the best matches in lists.
+constexpr Pair pairs[] = {{ProgramText, ProgramBack},
+                          {ImportantText, ProgramBack},
+                          {InfoText, ProgramBack},
+                          {ImportantText, TextBack},
+                          {ButtonText, ButtonTopBack},
+                          {TextText, TextBack},
+                          {TitleText, TitleTopBack},
+                          {TitleText, TitleBottomBack},
+                          {PbText, PbBack},
+                          {ImportantButtonText, ImportantButtonTopBack},
+                          {PbFillText, PbBar},
+                          {MbText, MbBack},
+                          {MbFillText, MbBar},
+                          {TitleButtonFore, TitleButtonBack},
+                          {TitleButtonFore, TitleTopBack2},
+                          {TitleButtonFore, TitleBottomBack2},
+                          {TitleButtonXFore, TitleButtonXBack},
+                          {TitleButtonXFore, TitleTopBack2},
+                          {TitleButtonXFore, TitleBottomBack2}};
+
+TEST(Presets, AreCompleteAndReadable) {
+    const QDir folder(QStringLiteral(PRESET_FOLDER));
+    const QStringList names = folder.entryList({QStringLiteral("*.ini")}, QDir::Files);
+    ASSERT_GE(names.size(), 4);
+    ASSERT_TRUE(names.contains(QStringLiteral("High Contrast.ini")));
+    for (const QString& name : names) {
+        SCOPED_TRACE(name.toStdString());
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(file.read(2) == "\xFF\xFE");
+        std::map<ColourIndex, base::Colour> colours;
+        for (const ColourRow& row : colourRows) {
+            const auto colour = ColourFromText(base::GetPrivateProfileStringW(
+                QStringLiteral("colors"), QLatin1StringView(row.Key), {}, 100, folder.filePath(name)));
+            ASSERT_TRUE(colour.has_value()) << row.Key;
+            ASSERT_LT(colour->Value(), 0x1000000U) << row.Key;
+            colours[row.Index] = *colour;
+        }
+        const double wanted = name == QStringLiteral("High Contrast.ini") ? 7.0 : 4.5;
+        for (const Pair& pair : pairs)
+            EXPECT_GE(Contrast(colours[pair.Text], colours[pair.Back]), wanted)
+                << RowOf(pair.Text)->Key << " on " << RowOf(pair.Back)->Key;
+    }
+}
+
+} // namespace
