@@ -70,7 +70,9 @@ void dcButton::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void dcButton::leaveEvent(QEvent* event) {
     Q_UNUSED(event)
-    OnLeave();
+    // The toolkit tells it unasked; the button has asked since the pointer moved over it.
+    if (tracking_)
+        OnLeave();
 }
 
 void dcButton::keyPressEvent(QKeyEvent* event) {

@@ -181,6 +181,8 @@ void PanelFx::Draw(draw::Surface& surface) {
     surface.SelectPen(draw::Pen{border});
     surface.SelectBrush(draw::Brush());
     surface.RoundRect(0, 0, w - 1, h - 1, values_.roundEdge, values_.roundEdge);
+    // The one pixel of a square panel's edge that frame and outline both leave out.
+    surface.SetPixel(w - 1, 0, border);
     DrawTitleIcon(surface);
     if (values_.titleCaption.isEmpty())
         return;
