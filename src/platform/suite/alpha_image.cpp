@@ -53,12 +53,13 @@ void AlphaImgCtl::paintEvent(QPaintEvent*) {
         painter.setOpacity(opacity_ / 100.0);
         // As large as the control allows without changing the picture's shape.
         const QSize shown = picture_.Image().size().scaled(size(), Qt::KeepAspectRatio);
-        painter.drawImage(QRect(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown),
-                          picture_.Image());
+        const QRect place(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown);
+        painter.drawImage(place, picture_.Image());
         if (clickable_ && underMouse() && isEnabled()) {
-            painter.setOpacity(0.18);
-            painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
-            painter.fillRect(rect(), Qt::white);
+            // A lighter picture, and nothing where it is transparent.
+            painter.setCompositionMode(QPainter::CompositionMode_Plus);
+            painter.setOpacity(opacity_ / 400.0);
+            painter.drawImage(place, picture_.Image());
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         }
         painter.setOpacity(1);

@@ -16,7 +16,7 @@ enum class Kind {
     Poly, // count of points, then x and y of each, at most six
 };
 
-enum class Tone { None, Ink, Body, Shade, White, Blue, Sky, Green, Amber, Red, Dark };
+enum class Tone { None, Ink, Body, Shade, White, Blue, Sky, Green, Amber, Dark };
 
 // Coordinates are those of a field of 16 by 16; half coordinates put thin lines on whole pixels at 16 and 32.
 struct Shape {
@@ -217,9 +217,9 @@ constexpr std::array kShapes = {
     Shape{G::Battery, Box, T::Body, T::Ink, {0.5F, 4.5F, 13, 7, 1}},
     Shape{G::Battery, Box, T::Green, T::None, {2, 6, 7, 4, 0}},
 
-    Shape{G::Security, Arc, T::None, T::Ink, {8, 6, 3.2F, 0, 180}},
-    Shape{G::Security, Line, T::None, T::Ink, {4.8F, 6, 4.8F, 8}},
-    Shape{G::Security, Line, T::None, T::Ink, {11.2F, 6, 11.2F, 8}},
+    Shape{G::Security, Arc, T::None, T::Dark, {8, 6, 3.2F, 0, 180}},
+    Shape{G::Security, Line, T::None, T::Dark, {4.8F, 6, 4.8F, 8}},
+    Shape{G::Security, Line, T::None, T::Dark, {11.2F, 6, 11.2F, 8}},
     Shape{G::Security, Box, T::Amber, T::Ink, {2.5F, 7.5F, 11, 7, 1}},
     Shape{G::Security, Dot, T::Ink, T::None, {8, 10.3F, 1.2F}},
     Shape{G::Security, Line, T::None, T::Ink, {8, 10.5F, 8, 12.5F}},
@@ -297,8 +297,6 @@ QColor ColourOf(Tone tone) {
         return QColor(0x2E, 0x8B, 0x45);
     case Tone::Amber:
         return QColor(0xF9, 0xB2, 0x1B);
-    case Tone::Red:
-        return QColor(0xD3, 0x2F, 0x2F);
     case Tone::Dark:
         return QColor(0x54, 0x65, 0x72);
     case Tone::None:

@@ -92,12 +92,15 @@ void ListHeader::paintSection(QPainter* painter, const QRect& rect, int column) 
 }
 
 void ListHeader::paintEvent(QPaintEvent* event) {
-    {
-        QPainter painter(viewport());
-        painter.fillRect(viewport()->rect(), Mix(back_, fore_, 0.10));
-        painter.fillRect(QRect(0, viewport()->height() - 1, viewport()->width(), 1), Mix(back_, fore_, 0.35));
-    }
     QHeaderView::paintEvent(event);
+    // Behind the last column the strip goes on to the list's edge.
+    const int end = length() - offset();
+    if (end >= viewport()->width())
+        return;
+    QPainter painter(viewport());
+    const QRect rest(end, 0, viewport()->width() - end, viewport()->height());
+    painter.fillRect(rest, Mix(back_, fore_, 0.10));
+    painter.fillRect(QRect(rest.left(), rest.bottom(), rest.width(), 1), Mix(back_, fore_, 0.35));
 }
 
 int ListHeader::NextShown(int from, int step) const {

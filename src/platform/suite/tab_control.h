@@ -62,7 +62,7 @@ class TabPaintManager : public QObject {
     explicit TabPaintManager(TabControl* owner);
 
     TabColorSet* ColorSet() const { return colours_; }
-    // Higher and wider tabs.
+    // Higher tabs.
     bool Enlarged() const { return enlarged_; }
     void SetEnlarged(bool enlarged);
     const QFont& Font() const { return font_; }

@@ -45,7 +45,7 @@ void TabStrip::Relayout() {
     update();
 }
 
-int TabStrip::SidePadding() const { return look_.Enlarged() ? look_.ItemWidth() * 3 / 4 : look_.ItemWidth() / 2; }
+int TabStrip::SidePadding() const { return look_.ItemWidth() / 2; }
 
 QSize TabStrip::tabSizeHint(int index) const {
     const QFontMetrics metrics(look_.Font());
