@@ -79,7 +79,8 @@ std::string Context::Stable(const std::string& path) {
         const bool numbered =
             dash != std::string::npos && dash > 0 &&
             std::all_of(part.begin(), part.begin() + std::ptrdiff_t(dash), [](char c) { return c >= '0' && c <= '9'; });
-        result += "/" + (numbered ? part.substr(dash) : LastComponent(StablePath("/" + part)));
+        result += '/';
+        result += numbered ? part.substr(dash) : LastComponent(StablePath("/" + part));
     }
     return result;
 }

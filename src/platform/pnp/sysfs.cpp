@@ -200,8 +200,10 @@ std::string Node::Bytes(const std::string& name, std::size_t limit) const {
 }
 
 std::string Node::Uevent(const std::string& key) const {
-    if (!uevent_)
-        uevent_ = std::make_shared<std::string>("\n" + Bytes("uevent", LongestUevent));
+    if (!uevent_) {
+        uevent_ = std::make_shared<std::string>(1, '\n');
+        *uevent_ += Bytes("uevent", LongestUevent);
+    }
     const std::string start = "\n" + key + "=";
     const std::size_t found = uevent_->find(start);
     if (found == std::string::npos)
