@@ -77,6 +77,22 @@ QVector<QPoint> SweepPoints(const Sweep& sweep, const FloatPoint& p0, const Floa
     return points;
 }
 
+// A slanting sweep to the right or downwards begins inside the rectangle; the corner behind its first line takes the
+// first colour.
+void DrawLeadIn(draw::Surface& context, const Sweep& sweep, QPoint p0, QPoint p1, base::Colour colour) {
+    const QPoint step(sweep.stepX, sweep.stepY);
+    const Sweep back{0, 0, -sweep.stepX, -sweep.stepY};
+    if (sweep.stepX < 0 || sweep.stepY < 0)
+        return;
+    for (;;) {
+        p0 -= step;
+        p1 -= step;
+        if (HasLeft(back, p0, p1, context.Width(), context.Height()))
+            return;
+        context.Line(p0.x(), p0.y(), p1.x(), p1.y(), colour);
+    }
+}
+
 } // namespace
 
 void clsGradient::SetColor1(base::Colour colour) { color1_ = Resolved(colour); }
@@ -125,6 +141,7 @@ qint32 clsGradient::DrawGradientLines(draw::Surface& context, qint32 width, qint
     QVector<base::Colour> ramp;
     BlendColors(color1_, color2_, base::RoundToInt(double(points.size()) / 2), ramp);
 
+    DrawLeadIn(context, sweep, points[0], points[1], color1_);
     const draw::Pen oldPen = context.CurrentPen();
     qint32 k = 0;
     for (; k < points.size() - 1; k += 2) {

@@ -9,6 +9,7 @@ namespace {
 
 // Coordinates beyond this are brought back to it, so that products of two differences fit 64 bits.
 constexpr int furthest = 1 << 27;
+constexpr int widestPen = 1024;
 
 QPoint Bounded(QPoint point) {
     return {std::clamp(point.x(), -furthest, furthest), std::clamp(point.y(), -furthest, furthest)};
@@ -86,10 +87,10 @@ void Surface::DrawThinLine(QPoint from, QPoint to, QRgb pixel) {
 
 // A wide pen is a square that is moved along the line, as one thin line for each of its pixels.
 void Surface::DrawThickLine(QPoint from, QPoint to) {
-    const int before = (pen_.width - 1) / 2;
+    const int width = std::min(pen_.width, widestPen);
+    const int before = (width - 1) / 2;
     const bool steep = std::abs(to.y() - from.y()) >= std::abs(to.x() - from.x());
-    const int widest = std::min(pen_.width, 1024);
-    for (int i = 0; i < widest; ++i) {
+    for (int i = 0; i < width; ++i) {
         const QPoint shift = steep ? QPoint(i - before, 0) : QPoint(0, i - before);
         DrawThinLine(from + shift, to + shift, ToRgb(pen_.colour));
     }
