@@ -84,19 +84,22 @@ void SetFatalHandlers(std::function<void(const QString&)> show, std::function<vo
     TheStore().EndProcess = std::move(end);
 }
 
-bool OpenDeviceDatabase() {
-    data::Error error;
-    const bool opened = data::Ran(
-        [] {
+bool OpenDatabaseFile(const QString& path, data::Error* error) {
+    return data::Ran(
+        [&] {
             const auto connection = std::make_shared<data::Connection>();
             TheStore().Connection = connection;
             connection->SetCursorLocation(data::adUseClient);
-            connection->SetConnectionString(QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") +
-                                            values::ProgramFolder() + QStringLiteral("\\hwids.mdb;"));
+            connection->SetConnectionString(QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + path +
+                                            QStringLiteral(";"));
             connection->Open(QString(), QString(), data::adConnectUnspecified);
         },
-        &error);
-    if (!opened) {
+        error);
+}
+
+bool OpenDeviceDatabase() {
+    data::Error error;
+    if (!OpenDatabaseFile(values::ProgramFolder() + QStringLiteral("\\hwids.mdb"), &error)) {
         EndAfterFatalError(error);
         return false;
     }

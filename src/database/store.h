@@ -4,6 +4,7 @@
 #pragma once
 
 #include "data/connection.h"
+#include "data/error.h"
 #include "data/recordset.h"
 
 #include <QString>
@@ -22,6 +23,9 @@ data::RecordsetPtr& RecordsetSlot(Slot slot);
 // Opens hwids.mdb in the program's folder, then yields. Where that fails it shows the fatal message and ends the
 // process; false only where the handler that ends it returns.
 bool OpenDeviceDatabase();
+
+// Makes `path` the open database, for tools: nothing is shown and nothing ends where it fails.
+bool OpenDatabaseFile(const QString& path, data::Error* error = nullptr);
 
 // Closes and releases the slots and the connection, yielding after each. Never fails.
 void CloseDeviceDatabase();

@@ -11,7 +11,7 @@ enum Status {
     Done = 0,
     Failed = 1,   // a file is missing, of the wrong kind or cannot be written; the line on standard error says which
     BadUsage = 2, // an option or argument that the sub-command does not take
-    Findings = 3, // `check` alone: it ran to its end and has something to report
+    Findings = 3, // it ran to its end, and lines were malformed, suspicious or left out
 };
 
 struct SubCommand {
@@ -36,7 +36,11 @@ int Finish(int status = Done);
 QString Legible(const QString& text);
 
 int Build(const QStringList& arguments);
+int Check(const QStringList& arguments);
+int Export(const QStringList& arguments);
+int ImportJet(const QStringList& arguments);
 int Info(const QStringList& arguments);
+int Merge(const QStringList& arguments);
 int Pack(const QStringList& arguments);
 
 } // namespace tool

@@ -10,7 +10,12 @@ constexpr tool::SubCommand subCommands[] = {
     {"build", "--output FILE [--version V] [--pci-ids F] [--usb-ids F]",
      "make a database from the PCI and USB ID files", tool::Build},
     {"info", "DATABASE", "show what a database holds", tool::Info},
-    {"pack", "FILE --output DIR [--program-version V]", "make the files that an update server hands out", tool::Pack},
+    {"check", "[--db DATABASE] FILE...", "report malformed, suspicious, duplicate and known lines of contributions",
+     tool::Check},
+    {"merge", "[--dry-run] [--include-suspicious] [--version V] DATABASE FILE...", "add contributions to a database",
+     tool::Merge},
+    {"export", "[--output FILE] DATABASE", "print a database as sorted lines of text", tool::Export},
+    {"import-jet", "--output FILE FILE.mdb", "make a database from a Jet 4 file (needs mdbtools)", tool::ImportJet},
 };
 
 int PrintHelp() {
@@ -20,7 +25,7 @@ int PrintHelp() {
             QStringLiteral("  %1 %2\n      %3")
                 .arg(QLatin1String(command.Name), QLatin1String(command.Arguments), QLatin1String(command.Summary)));
     }
-    tool::Print(QStringLiteral("  --help, --version\n\nStatus: 0 done, 1 failed, 2 bad usage, 3 check has findings."));
+    tool::Print(QStringLiteral("  --help, --version\n\nStatus: 0 done, 1 failed, 2 bad usage, 3 lines were refused."));
     return tool::Finish();
 }
 

@@ -32,14 +32,19 @@ bool WriteFile(const QString& path, const QString& text) {
     return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) == text.size() && file.commit();
 }
 
-// The archive holds the file under the name that the program reads, whatever it is called here.
-bool MakeArchive(const QString& databaseFile, const QString& archive) {
+// The archive holds the file under the name that the program reads, whatever it is called here: a copy in the work
+// folder bears it. (What comes from the engine's standard input can be marked as a pipe, which clients refuse.)
+bool MakeArchive(const QString& databaseFile, const QString& workFolder, const QString& archive) {
+    const QString named = workFolder + QStringLiteral("/hwids.mdb");
+    if (!QFile::copy(databaseFile, named)) {
+        return false;
+    }
+    QFile::setPermissions(named, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     QProcess engine;
-    engine.setStandardInputFile(databaseFile);
+    engine.setStandardInputFile(QProcess::nullDevice());
     engine.setStandardOutputFile(QProcess::nullDevice());
-    engine.start(net::FindEngine(),
-                 {QStringLiteral("a"), QStringLiteral("-t7z"), QStringLiteral("-mx=9"), QStringLiteral("-bd"),
-                  QStringLiteral("-sihwids.mdb"), QStringLiteral("--"), archive});
+    engine.start(net::FindEngine(), {QStringLiteral("a"), QStringLiteral("-t7z"), QStringLiteral("-mx=9"),
+                                     QStringLiteral("-bd"), QStringLiteral("--"), archive, named});
     return engine.waitForFinished(-1) && engine.exitStatus() == QProcess::NormalExit && engine.exitCode() == 0;
 }
 
@@ -52,7 +57,7 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
     const QTemporaryDir work(folder + QStringLiteral("/.pack-XXXXXX"));
     const QString packed = work.filePath(QString::fromUtf16(archiveName));
     const QString archive = folder + QChar(u'/') + QString::fromUtf16(archiveName);
-    if (!work.isValid() || !MakeArchive(databaseFile, packed)) {
+    if (!work.isValid() || !MakeArchive(databaseFile, work.path(), packed)) {
         return QStringLiteral("the archive could not be made in %1").arg(folder);
     }
     if (std::rename(QFile::encodeName(packed).constData(), QFile::encodeName(archive).constData()) != 0 ||

@@ -1,0 +1,142 @@
+#include "data/command.h"
+#include "database/additions.h"
+#include "database/contribution_line.h"
+#include "store_fixture.h"
+
+#include <QTimer>
+
+using namespace database;
+using testing::ElementsAre;
+
+class AdditionsTest : public StoreFixture {
+  protected:
+    void SetUp() override {
+        StoreFixture::SetUp();
+        WriteAndOpen(DatabaseBuilder());
+    }
+
+    static QStringList Names() {
+        return Column(QStringLiteral("SELECT * FROM devicenames"), QStringLiteral("devicename"));
+    }
+    static QStringList Manufacturers() { return Column(QStringLiteral("SELECT * FROM mfgs"), QStringLiteral("mfg")); }
+    static QStringList Infos() { return Column(QStringLiteral("SELECT * FROM hwids"), QStringLiteral("info")); }
+
+    static bool AddAndAsk(const QString& line) {
+        AddDeviceToDatabase(line);
+        return IsDeviceInDatabase(line);
+    }
+
+    static void SetInfo(const QString& info) {
+        Run(QStringLiteral("UPDATE hwids SET info = '") + info + QStringLiteral("'"));
+    }
+};
+
+TEST(ContributionLine, HasThreeFieldsAndNoMore) {
+    const Contribution device = SplitContribution(QStringLiteral("ID|||Na|me||||Maker|||rest"));
+    EXPECT_EQ(device.HardwareId, QStringLiteral("ID"));
+    EXPECT_EQ(device.Name, QStringLiteral("Na|me"));
+    EXPECT_EQ(device.Manufacturer, QStringLiteral("|Maker"));
+    EXPECT_EQ(SplitContribution(QStringLiteral("ID")).Manufacturer, QString());
+    EXPECT_EQ(ContributionLine(QStringLiteral("a"), QStringLiteral("b"), QString()), QStringLiteral("a|||b|||"));
+}
+
+TEST_F(AdditionsTest, WritesWhatIsMissingAndOnlyOnce) {
+    const QString line = QStringLiteral("USB\\VID_1234&PID_5678|||Bob's Adapter|||Maker");
+    EXPECT_FALSE(IsDeviceInDatabase(line));
+    EXPECT_TRUE(AddAndAsk(line));
+    EXPECT_TRUE(AddAndAsk(line));
+    EXPECT_TRUE(AddAndAsk(QStringLiteral("usb\\vid_1234&pid_5678|||BOB'S ADAPTER|||maker")));
+    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n")));
+
+    EXPECT_TRUE(AddAndAsk(QStringLiteral("USB\\VID_1234&PID_5678|||Other name|||Maker")));
+    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n2,1\r\n")));
+    EXPECT_TRUE(AddAndAsk(QStringLiteral("ID'2||||||")));
+    EXPECT_THAT(Names(),
+                ElementsAre(QStringLiteral("Bob's Adapter"), QStringLiteral("Other name"), QStringLiteral("Unknown")));
+    EXPECT_THAT(Manufacturers(), ElementsAre(QStringLiteral("Maker"), QStringLiteral("Unknown")));
+}
+
+TEST_F(AdditionsTest, CleansNamesButAsksForThemAsTheyAre) {
+    AddDeviceToDatabase(QStringLiteral("ID||| Two\t words |||Maker"));
+    EXPECT_THAT(Names(), ElementsAre(QStringLiteral("Two words")));
+    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID||| Two\t words |||Maker")));
+    EXPECT_TRUE(IsDeviceInDatabase(QStringLiteral("ID|||Two words|||Maker")));
+}
+
+TEST_F(AdditionsTest, AnInsertThatFailsLeavesTheLastNumberInUse) {
+    AddDeviceToDatabase(QStringLiteral("first|||Name|||Maker"));
+    AddDeviceToDatabase(QStringLiteral("second|||Second|||") + QString(101, u'm'));
+    // The manufacturer is not there; the number of the row written last stands in its place.
+    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n"), QStringLiteral("2,2\r\n")));
+    EXPECT_THAT(Manufacturers(), ElementsAre(QStringLiteral("Maker")));
+
+    AddDeviceToDatabase(QString(126, u'i') + QStringLiteral("|||Third|||Maker"));
+    EXPECT_EQ(Infos().size(), 2);
+    EXPECT_EQ(Names().size(), 3);
+    EXPECT_TRUE(
+        AddAndAsk(QString(125, u'i') + QStringLiteral("|||") + QString(100, u'n') + QStringLiteral("|||Maker")));
+}
+
+TEST_F(AdditionsTest, FindsAPairAnywhereButKnowsOnlyWholeLines) {
+    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    SetInfo(QStringLiteral("11,12\r\n"));
+    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("11,12\r\n")));
+    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
+
+    SetInfo(QStringLiteral("1,1"));
+    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
+    SetInfo(QStringLiteral("\r\n1,1"));
+    EXPECT_TRUE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
+}
+
+TEST_F(AdditionsTest, OtherScriptsAreKept) {
+    const QString name = QStringLiteral("\u041F\u0440\u0438\u0432\u043E\u0434 \u2122");
+    EXPECT_TRUE(AddAndAsk(QStringLiteral("ID|||") + name + QStringLiteral("|||Maker")));
+    EXPECT_THAT(Names(), ElementsAre(name));
+    // Equal in lower case, but not to the database's own comparison: two rows.
+    EXPECT_TRUE(AddAndAsk(QStringLiteral("ID|||") + name.toUpper() + QStringLiteral("|||Maker")));
+    EXPECT_EQ(Names().size(), 2);
+}
+
+TEST_F(AdditionsTest, AnotherProgramsWritesAreNotLost) {
+    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    // Between finding the names and writing the entry another program appends to the same row.
+    bool appended = false;
+    QTimer::singleShot(0, [&] {
+        Run(QStringLiteral("UPDATE hwids SET info = '1,1\r\n7,7\r\n'"));
+        appended = true;
+    });
+    AddDeviceToDatabase(QStringLiteral("ID|||Second|||Maker"));
+    EXPECT_TRUE(appended);
+    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n7,7\r\n2,1\r\n")));
+}
+
+TEST_F(AdditionsTest, AReplacedDatabaseGetsTheNumbersOfItsOwnRows) {
+    DatabaseBuilder newer;
+    for (const char* name : {"A", "B", "C"}) {
+        newer.Add(QStringLiteral("other"), QLatin1String(name), QLatin1String(name));
+    }
+    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    int yields = 0;
+    std::function<void()> replace = [&] {
+        // Not in the first yield, which comes before any number is read.
+        if (++yields < 2) {
+            QTimer::singleShot(0, replace);
+            return;
+        }
+        QString error;
+        EXPECT_TRUE(newer.Write(Path(), QString(), &error));
+    };
+    QTimer::singleShot(0, replace);
+    const QString line = QStringLiteral("ID|||Name|||Maker");
+    AddDeviceToDatabase(line);
+    EXPECT_TRUE(IsDeviceInDatabase(line));
+    EXPECT_THAT(Column(QStringLiteral("SELECT * FROM hwids Where hwid = 'ID'"), QStringLiteral("info")),
+                ElementsAre(QStringLiteral("4,4\r\n")));
+}
+
+TEST_F(AdditionsTest, WithoutADatabaseNothingHappens) {
+    CloseDeviceDatabase();
+    EXPECT_FALSE(AddAndAsk(QStringLiteral("ID|||Name|||Maker")));
+}

@@ -1,0 +1,129 @@
+// Several processes on one database, and processes that are killed: what had been said to be written is there.
+#include "database/additions.h"
+#include "store_fixture.h"
+
+#include <csignal>
+#include <functional>
+#include <random>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace database;
+
+namespace {
+
+QString Line(int writer, int number) { return QStringLiteral("SHARED|||Name %1.%2|||Maker").arg(writer).arg(number); }
+
+// A process that runs `body`, which tells how far it is by writing one byte for each finished step.
+class Child {
+  public:
+    explicit Child(const std::function<void(const std::function<void()>& stepDone)>& body) {
+        int ends[2];
+        if (::pipe(ends) != 0) {
+            return;
+        }
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            body([&] { [[maybe_unused]] const ssize_t written = ::write(ends[1], "x", 1); });
+            ::_exit(0);
+        }
+        ::close(ends[1]);
+        progress_ = ends[0];
+    }
+    ~Child() { ::close(progress_); }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    void Kill() const { ::kill(pid_, SIGKILL); }
+
+    // Waits for its end; the number of steps that it finished.
+    int Finish() {
+        int steps = 0;
+        char byte = 0;
+        while (::read(progress_, &byte, 1) == 1) {
+            ++steps;
+        }
+        int status = 0;
+        ::waitpid(pid_, &status, 0);
+        return steps;
+    }
+
+  private:
+    pid_t pid_ = -1;
+    int progress_ = -1;
+};
+
+} // namespace
+
+class ProcessesTest : public StoreFixture {
+  protected:
+    void SetUp() override {
+        StoreFixture::SetUp();
+        QString error;
+        ASSERT_TRUE(DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error)) << error.toStdString();
+    }
+};
+
+TEST_F(ProcessesTest, TwoThatAddToOneRowLoseNothing) {
+    constexpr int count = 25;
+    const auto addAll = [](int writer) {
+        OpenDeviceDatabase();
+        for (int i = 0; i < count; ++i) {
+            AddDeviceToDatabase(Line(writer, i));
+        }
+    };
+    Child other([&](const auto& /*stepDone*/) { addAll(1); });
+    addAll(0);
+    other.Finish();
+    for (int i = 0; i < count; ++i) {
+        EXPECT_TRUE(IsDeviceInDatabase(Line(0, i))) << i;
+        EXPECT_TRUE(IsDeviceInDatabase(Line(1, i))) << i;
+    }
+    EXPECT_EQ(Column(QStringLiteral("SELECT * FROM mfgs"), QStringLiteral("mfg")).size(), 1);
+}
+
+TEST_F(ProcessesTest, AKilledOneKeepsEveryAdditionThatHadReturned) {
+    std::minstd_rand random(7);
+    for (int round = 0; round < 12; ++round) {
+        Child writer([&](const auto& stepDone) {
+            OpenDeviceDatabase();
+            for (int i = 0; i < 1000; ++i) {
+                AddDeviceToDatabase(Line(round, i));
+                stepDone();
+            }
+        });
+        ::usleep(useconds_t(random() % 60000));
+        writer.Kill();
+        const int returned = writer.Finish();
+        ASSERT_TRUE(OpenDeviceDatabase());
+        for (int i = 0; i < returned; ++i) {
+            ASSERT_TRUE(IsDeviceInDatabase(Line(round, i))) << round << ' ' << i;
+        }
+        CloseDeviceDatabase();
+    }
+}
+
+TEST_F(ProcessesTest, AKilledReplacementLeavesOneWholeFile) {
+    DatabaseBuilder large;
+    for (int i = 0; i < 2000; ++i) {
+        large.Add(QStringLiteral("NEW\\%1").arg(i), QStringLiteral("Name %1").arg(i), QString());
+    }
+    std::minstd_rand random(11);
+    for (int round = 0; round < 12; ++round) {
+        Child writer([&](const auto& /*stepDone*/) {
+            QString error;
+            for (bool odd = false;; odd = !odd) {
+                odd ? large.Write(Path(), QStringLiteral("2.0.0"), &error)
+                    : DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error);
+            }
+        });
+        ::usleep(useconds_t(random() % 80000));
+        writer.Kill();
+        writer.Finish();
+        ASSERT_TRUE(OpenDeviceDatabase());
+        ReadVersionAndCount();
+        const bool isLarge = values::Program().DatabaseVersion == QStringLiteral("2.0.0");
+        EXPECT_EQ(values::Program().DatabaseDeviceCount, isLarge ? 2000 : 0);
+        CloseDeviceDatabase();
+    }
+}

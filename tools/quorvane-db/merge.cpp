@@ -1,0 +1,178 @@
+// quorvane-db merge: adds checked contributions to a database through the program's own additions. It works on a copy
+// that takes the database's place at the end, so an interrupted or failed merge leaves the database as it was.
+#include "command.h"
+#include "contribution_file.h"
+#include "data/command.h"
+#include "data/replace_file.h"
+#include "database/additions.h"
+#include "database/store.h"
+#include "database_file.h"
+#include "inventory/clean_text.h"
+#include "options.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QSet>
+
+namespace tool {
+
+namespace {
+
+class Merger {
+  public:
+    Merger(bool suspiciousToo, bool dryRun) : suspiciousToo_(suspiciousToo), dryRun_(dryRun) {}
+
+    void Take(const JudgedLine& line) {
+        const bool wanted =
+            line.Judgement == Verdict::Good || (line.Judgement == Verdict::Suspicious && suspiciousToo_);
+        const QString clean = Cleaned(line.Device);
+        if (!wanted) {
+            ++leftOut_;
+            Report("-", line, line.Reason);
+        } else if (seen_.contains(DeviceKey(line.Device)) || database::IsDeviceInDatabase(clean)) {
+            ++known_;
+        } else if (dryRun_ || Add(clean)) {
+            seen_.insert(DeviceKey(line.Device));
+            ++added_;
+            Report("+", line);
+        } else {
+            ++leftOut_;
+            Report("-", line, QStringLiteral("the database does not take it"));
+        }
+    }
+
+    int Summarise() const {
+        Print(QStringLiteral("%1%2 added, %3 already known, %4 left out")
+                  .arg(dryRun_ ? QStringLiteral("dry run: ") : QString())
+                  .arg(added_)
+                  .arg(known_)
+                  .arg(leftOut_));
+        return Finish(leftOut_ > 0 ? Findings : Done);
+    }
+
+  private:
+    // As an addition stores it.
+    static QString Cleaned(const database::Contribution& device) {
+        return database::ContributionLine(device.HardwareId, inventory::CleanText(device.Name),
+                                          inventory::CleanText(device.Manufacturer));
+    }
+
+    static bool Add(const QString& clean) {
+        database::AddDeviceToDatabase(clean);
+        return database::IsDeviceInDatabase(clean);
+    }
+
+    static void Report(const char* sign, const JudgedLine& line, const QString& reason = QString()) {
+        Print(QStringLiteral("%1 %2%3").arg(QLatin1String(sign), Legible(line.Text.left(400)),
+                                            reason.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(reason)));
+    }
+
+    bool suspiciousToo_;
+    bool dryRun_;
+    QSet<QString> seen_;
+    int added_ = 0;
+    int known_ = 0;
+    int leftOut_ = 0;
+};
+
+void SetVersion(const QString& version) {
+    data::Command command;
+    command.SetActiveConnection(database::DatabaseConnection());
+    command.AppendParameter({QString(), data::adVarChar, data::adParamInput, 50, version});
+    const bool any = CountRows(database::DatabaseConnection(), QStringLiteral("version")) > 0;
+    command.SetCommandText(any ? QStringLiteral("UPDATE version SET dbversion = ?")
+                               : QStringLiteral("INSERT INTO version (dbversion) VALUES(?)"));
+    command.Execute(data::adCmdText + data::adExecuteNoRecords);
+}
+
+// Makes the copy while nobody can write to the database. Empty, or what failed.
+QString CopyDatabase(const QString& path, const QString& copy) {
+    QString error;
+    const data::ConnectionPtr connection = OpenDatabase(path, error);
+    if (!connection) {
+        return error;
+    }
+    data::Error failure;
+    if (!data::Ran([&] { connection->BeginTrans(); }, &failure)) {
+        return QStringLiteral("%1: %2").arg(path, failure.Description());
+    }
+    QFile file(path);
+    const bool copied = file.copy(copy);
+    connection->RollbackTrans();
+    return copied ? QString() : QStringLiteral("%1: %2").arg(copy, file.errorString());
+}
+
+// Empty, or what failed.
+QString ReadAll(const QStringList& paths, std::vector<JudgedLine>& lines) {
+    QString error;
+    for (const QString& path : paths) {
+        const std::vector<JudgedLine> more = ReadContributions(path, error);
+        if (!error.isEmpty()) {
+            break;
+        }
+        lines.insert(lines.end(), more.begin(), more.end());
+    }
+    return error;
+}
+
+int DryRun(const QString& path, const std::vector<JudgedLine>& lines, Merger& merger) {
+    data::Error failure;
+    if (!database::OpenDatabaseFile(path, &failure)) {
+        return Fail(failure.Description());
+    }
+    for (const JudgedLine& line : lines) {
+        merger.Take(line);
+    }
+    return merger.Summarise();
+}
+
+// Empty, or what failed; the copy is then gone.
+QString MergeInto(const QString& path, const std::vector<JudgedLine>& lines, const QString& version, Merger& merger) {
+    const QString copy = path + QStringLiteral(".new-%1").arg(QCoreApplication::applicationPid());
+    QString error = CopyDatabase(path, copy);
+    if (!error.isEmpty()) {
+        return error;
+    }
+    data::Error failure;
+    if (database::OpenDatabaseFile(copy, &failure)) {
+        for (const JudgedLine& line : lines) {
+            merger.Take(line);
+        }
+        if (!version.isEmpty()) {
+            data::Ran([&] { SetVersion(version); }, &failure);
+        }
+        database::CloseDeviceDatabase();
+    }
+    error = failure.Description();
+    if (!error.isEmpty() || !data::ReplaceDatabaseFile(copy, path, &error)) {
+        QFile::remove(copy);
+        QFile::remove(copy + QStringLiteral("-journal"));
+        return QStringLiteral("%1: %2").arg(path, error);
+    }
+    return QString();
+}
+
+} // namespace
+
+int Merge(const QStringList& arguments) {
+    Options options({QStringLiteral("version")}, {QStringLiteral("dry-run"), QStringLiteral("include-suspicious")});
+    const QString wrong = options.Read(arguments);
+    if (!wrong.isEmpty() || options.Arguments().size() < 2) {
+        return RefuseUsage(wrong.isEmpty() ? QStringLiteral("merge needs a DATABASE and a FILE") : wrong);
+    }
+    const QString path = options.Arguments().first();
+    std::vector<JudgedLine> lines;
+    QString error = ReadAll(options.Arguments().mid(1), lines);
+    if (!error.isEmpty()) {
+        return Fail(error);
+    }
+    const bool dryRun = options.Has(QStringLiteral("dry-run"));
+    Merger merger(options.Has(QStringLiteral("include-suspicious")), dryRun);
+    if (dryRun) {
+        return DryRun(path, lines, merger);
+    }
+    error = MergeInto(path, lines, options.Value(QStringLiteral("version")), merger);
+    return error.isEmpty() ? merger.Summarise() : Fail(error);
+}
+
+} // namespace tool
