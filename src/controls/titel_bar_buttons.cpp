@@ -284,10 +284,14 @@ void TitelBar::ButtonReleased(ButtonIndex index) {
         if (parent)
             parent->SetWindowState(forms::MinimisedWindow);
         base::Yield();
+        if (alive)
+            ReturnKeyboard();
         break;
     case HelpButton:
         Q_EMIT HelpButtonClick();
         base::Yield();
+        if (alive)
+            ReturnKeyboard();
         break;
     case ButtonCount:
         break;

@@ -16,15 +16,29 @@ namespace controls {
 
 namespace {
 
-constexpr int restoreWaitMilliseconds = 500;
-constexpr int restorePollMilliseconds = 20;
+constexpr int settlePollMilliseconds = 20;
+constexpr int settledMilliseconds = 120;
+constexpr int longestSettleMilliseconds = 1000;
 
-// A window manager gives a maximised window its normal place back some time after it was asked to.
-void AwaitPlaceOtherThan(const QPointer<forms::Form>& form, const QRect& place) {
-    QElapsedTimer waited;
-    waited.start();
-    while (form && !form->IsUnloaded() && form->WindowRect() == place && waited.elapsed() < restoreWaitMilliseconds)
-        base::YieldBlocking(restorePollMilliseconds);
+// A window manager tells the state and the place of a window in either order, and gives a maximised window its normal
+// place back some time after it was asked to. Waits until the window has come to rest in the normal state.
+void AwaitNormalPlace(const QPointer<forms::Form>& form) {
+    QElapsedTimer whole;
+    QElapsedTimer atRest;
+    whole.start();
+    atRest.start();
+    QRect place = form->WindowRect();
+    while (atRest.elapsed() < settledMilliseconds && whole.elapsed() < longestSettleMilliseconds) {
+        base::YieldBlocking(settlePollMilliseconds);
+        if (!form || form->IsUnloaded())
+            return;
+        const bool maximised = form->WindowState() == forms::MaximisedWindow;
+        if (maximised)
+            form->SetWindowState(forms::NormalWindow);
+        if (maximised || form->WindowRect() != place)
+            atRest.start();
+        place = form->WindowRect();
+    }
 }
 
 } // namespace
@@ -64,10 +78,10 @@ void TitelBar::AnswerMaximised() {
         return;
     const QPointer<TitelBar> alive(this);
     answering_ = true;
-    const QRect maximisedPlace = parent->WindowRect();
     parent->SetWindowState(forms::NormalWindow);
     base::Yield();
-    AwaitPlaceOtherThan(parent, maximisedPlace);
+    if (parent)
+        AwaitNormalPlace(parent);
     if (alive)
         MaxminizeParent();
     base::Yield();
