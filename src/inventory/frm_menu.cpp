@@ -22,6 +22,22 @@ struct Entry {
 
 constexpr auto separator = "-";
 
+// The sub-items that the commands take from one kind of list, and how much of it its text tells.
+struct ListColumns {
+    int manufacturer;
+    int hardwareIds;
+    ListTextScope scope;
+};
+
+constexpr ListColumns mainColumns = {1, 5, ListTextScope::WholeRow};
+constexpr ListColumns lookupColumns = {1, 2, ListTextScope::WithoutLastColumn};
+constexpr ListColumns improveColumns = {1, 2, ListTextScope::WholeRow};
+
+// Sub-items that the main lists alone have.
+constexpr int errorColumn = 2;
+constexpr int classColumn = 3;
+constexpr int driverVersionColumn = 4;
+
 constexpr std::array mainEntries = {
     Entry{"MenuMainLookup", "Lookup Selected Device In Database"},
     Entry{"MenuMainLine1", separator},
@@ -89,19 +105,19 @@ Target FindTarget(forms::Form* form, const char* listName) {
 bool CommonCommand(const QString& command, const Target& target, const ListColumns& columns) {
     const suite::ListItems& items = target.list->ListItems();
     if (command == QLatin1String("CopyWhole"))
-        CopyWholeList(items, columns);
+        CopyWholeList(items, columns.scope);
     else if (command == QLatin1String("CopyRow"))
-        CopyRow(items, columns);
+        CopyRow(items, columns.scope);
     else if (command == QLatin1String("CopyName"))
         CopyValue(items, 0);
     else if (command == QLatin1String("CopyManufacturer"))
-        CopyValue(items, columns.Manufacturer);
+        CopyValue(items, columns.manufacturer);
     else if (command == QLatin1String("CopyID"))
-        CopyValue(items, columns.HardwareIds);
+        CopyValue(items, columns.hardwareIds);
     else if (command == QLatin1String("SearchGoogle"))
         SearchByName(target.form, items);
     else if (command == QLatin1String("SearchGoogleID"))
-        SearchById(target.form, items, columns);
+        SearchById(target.form, items, columns.hardwareIds);
     else if (command == QLatin1String("RemoveDevice"))
         RemoveSelected(*target.list);
     else
@@ -127,14 +143,14 @@ void FrmMenu::MainCommand(const QString& entry) {
         return;
     const QString command = entry.mid(MenuMain->Name().size());
     const suite::ListItems& items = target.list->ListItems();
-    if (CommonCommand(command, target, mainListColumns))
+    if (CommonCommand(command, target, mainColumns))
         return;
     if (command == QLatin1String("CopyError"))
-        CopyValue(items, mainListColumns.Error);
+        CopyValue(items, errorColumn);
     else if (command == QLatin1String("CopyClass"))
-        CopyValue(items, mainListColumns.Class);
+        CopyValue(items, classColumn);
     else if (command == QLatin1String("CopyDriverVersion"))
-        CopyValue(items, mainListColumns.DriverVersion);
+        CopyValue(items, driverVersionColumn);
     else if (const suite::ListItem* item = items.SelectedItem(); item != nullptr && command == QLatin1String("Lookup"))
         OpenLookup(*item);
 }
@@ -142,13 +158,13 @@ void FrmMenu::MainCommand(const QString& entry) {
 void FrmMenu::LookupCommand(const QString& entry) {
     const Target target = FindTarget(ActiveListForm(), "LabelListViewHardware");
     if (target.list != nullptr)
-        CommonCommand(entry.mid(MenuLookup->Name().size()), target, lookupListColumns);
+        CommonCommand(entry.mid(MenuLookup->Name().size()), target, lookupColumns);
 }
 
 void FrmMenu::ImproveCommand(const QString& entry) {
     const Target target = FindTarget(ActiveListForm(), "ListViewHardware");
     if (target.list != nullptr)
-        CommonCommand(entry.mid(MenuImprove->Name().size()), target, improveListColumns);
+        CommonCommand(entry.mid(MenuImprove->Name().size()), target, improveColumns);
 }
 
 void SetActiveListForm(forms::Form* form) { ActiveListForm() = form; }

@@ -26,7 +26,7 @@ void MsgBox(const QString& text, MessageIcon icon) {
         return;
     }
     QMessageBox box(QApplication::activeWindow());
-    box.setWindowTitle(QApplication::applicationDisplayName());
+    box.setWindowTitle(QStringLiteral("Quorvane"));
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
     box.setIcon(icon == MessageIcon::Critical ? QMessageBox::Critical : QMessageBox::NoIcon);

@@ -45,6 +45,9 @@ Form::Form(const QString& name, double width, double height)
     setAttribute(Qt::WA_TranslucentBackground, ScreenComposites());
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     client_ = new ClientArea(*this);
+    // Something must have the keyboard before the user chooses, and no button should look chosen.
+    client_->setFocusPolicy(Qt::ClickFocus);
+    client_->setFocus();
     laterUpdate_.setSingleShot(true);
     laterUpdate_.setTimerType(Qt::PreciseTimer);
     connect(&laterUpdate_, &QTimer::timeout, this, &Form::FlushUpdates);

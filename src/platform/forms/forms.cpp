@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QThread>
 #include <algorithm>
+#include <cstddef>
+#include <new>
 
 namespace forms {
 
@@ -16,8 +18,10 @@ constexpr int burialIntervalMilliseconds = 20; // runs only while something wait
 } // namespace
 
 Forms& Forms::Instance() {
-    static Forms forms;
-    return forms;
+    // Never destroyed: at an exit from inside the toolkit (the display is gone) windows can no longer be destroyed.
+    alignas(Forms) static std::byte place[sizeof(Forms)];
+    static Forms* const forms = new (place) Forms;
+    return *forms;
 }
 
 Forms::Forms() : allGone_([] { QCoreApplication::quit(); }) {

@@ -7,6 +7,9 @@
 #include <QImageReader>
 #include <QtEndian>
 
+// Resources of a static library are registered only when somebody asks; the macro must stand outside of namespaces.
+static void RegisterIcons() { Q_INIT_RESOURCE(window); }
+
 namespace window {
 
 namespace {
@@ -21,6 +24,7 @@ constexpr int smallIconHeight = 50;
 int SizeByte(char byte) { return byte == 0 ? 256 : int(uchar(byte)); }
 
 QByteArray ResourceBytes(const QString& name) {
+    RegisterIcons();
     QFile file(QStringLiteral(":/icons/") + name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }

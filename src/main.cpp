@@ -1,0 +1,70 @@
+// The program's start: makes the application, tells the collection of forms how the windows are made, and shows the
+// main one. The process ends when the last form is gone.
+#include "appearance/frm_colors.h"
+#include "database/frm_lookup.h"
+#include "database/store.h"
+#include "draw/system_colours.h"
+#include "forms/dialogs.h"
+#include "forms/form.h"
+#include "forms/forms.h"
+#include "inventory/frm_menu.h"
+#include "shell/frm_main.h"
+#include "shell/termination.h"
+#include "values/program_values.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QStyleFactory>
+#include <cstdlib>
+
+namespace {
+
+// The program measures in device pixels and scales by itself; the toolkit must not scale a second time.
+constexpr const char* scalingSwitch = "QT_ENABLE_HIGHDPI_SCALING";
+
+void PrepareEnvironment() {
+    qputenv(scalingSwitch, "0");
+    qunsetenv("QT_SCALE_FACTOR");
+    qunsetenv("QT_SCREEN_SCALE_FACTORS");
+    // Under Wayland the X11 way is preferred where there is one: it knows where windows stand.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+void RegisterWindows() {
+    shell::RegisterMainWindow();
+    appearance::RegisterForms();
+    inventory::RegisterMenuForm();
+    database::RegisterLookupForm();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const bool platformGiven = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    PrepareEnvironment();
+    // Plugins come from the system alone; a folder of them beside the program must not run.
+    QCoreApplication::setLibraryPaths({QLibraryInfo::path(QLibraryInfo::PluginsPath)});
+    QApplication application(argc, argv);
+    // Programs that we start, such as the browser, get the environment that we got.
+    qunsetenv(scalingSwitch);
+    if (!platformGiven)
+        qunsetenv("QT_QPA_PLATFORM");
+    QApplication::setApplicationName(QStringLiteral("quorvane"));
+    QApplication::setApplicationVersion(values::BuiltVersion());
+    QApplication::setDesktopFileName(QStringLiteral("quorvane"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    draw::SetSysColors(QApplication::palette());
+    database::SetFatalHandlers([](const QString& message) { forms::MsgBox(message); },
+                               [] { std::_Exit(EXIT_FAILURE); });
+
+    RegisterWindows();
+    const shell::Termination termination;
+    forms::Forms& all = forms::Forms::Instance();
+    if (forms::Form* main = all.Shared(QStringLiteral("FrmMain")))
+        main->Show();
+    const int status = all.Loaded().isEmpty() ? EXIT_SUCCESS : QApplication::exec();
+    all.Clear();
+    return status;
+}

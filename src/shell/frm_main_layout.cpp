@@ -1,0 +1,183 @@
+// The design of the main window: every control, its place in twips and its anchor, in one readable block. At 96 dots
+// per inch 15 twips are a pixel, and the window is 750 by 550 pixels.
+#include "base/text.h"
+#include "controls/anchor.h"
+#include "controls/animation_bar.h"
+#include "controls/dc_button.h"
+#include "controls/panel_fx.h"
+#include "controls/titel_bar.h"
+#include "forms/label.h"
+#include "forms/picture_box.h"
+#include "forms/text_box.h"
+#include "forms/timer.h"
+#include "inventory/device_lists.h"
+#include "inventory/list_behaviour.h"
+#include "net/inet.h"
+#include "shell/frm_main.h"
+#include "suite/alpha_image.h"
+#include "suite/list_view.h"
+#include "suite/tab_control.h"
+#include "window/placement.h"
+
+namespace shell {
+
+namespace {
+
+constexpr base::Colour windowKey = base::Colour::FromRgb(0xF8, 0xB8, 0xF7);
+constexpr int wholeWindowCover = 32767; // twips: below every title bar, so that the second band stays empty
+
+// Anchor letters: left, top, right, bottom.
+constexpr auto followWidth = "TTTF*/";
+constexpr auto stretch = "TTTT*/";
+constexpr auto topRight = "FTTF*/";
+constexpr auto bottomLeft = "TFFT*/";
+constexpr auto bottomWide = "TFTT*/";
+constexpr auto bottomRight = "FFTT*/";
+
+template <typename Control>
+Control* Place(Control* control, double left, double top, double width, double height, const char* anchor = "") {
+    control->Move(left, top, width, height);
+    control->SetTag(QLatin1String(anchor));
+    return control;
+}
+
+controls::dcButton* Button(QWidget* container, const char* name, const char* caption) {
+    auto* button = new controls::dcButton(container, QLatin1String(name));
+    button->InitProperties();
+    button->SetCaption(QLatin1String(caption));
+    return button;
+}
+
+// The bytes of the Windows-1252 characters that names of contributed devices may hold.
+QString AllowedCharacters() {
+    return base::FromAnsi(QByteArrayLiteral("\x84\x91\x92\x93\x94\x95\"\x99\xAE\xA9\x96\xA1\xB2"
+                                            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz1234567890 "
+                                            "~`!@#$%^&*()_+-=[]{}\\|;:',<.>/?"));
+}
+
+} // namespace
+
+void FrmMain::CreateControls() {
+    QWidget* client = Client();
+    Anchor1 = new controls::Anchor(this, QStringLiteral("Anchor1"));
+
+    TitelBar1 = Place(new controls::TitelBar(client, QStringLiteral("TitelBar1")), 0, 0, 11250, 480);
+    TitelBar1->InitProperties();
+    TitelBar1->SetBackColor(windowKey);
+    TitelBar1->SetBackColorCover(wholeWindowCover);
+    TitelBar1->SetShowMaximized(true);
+    TitelBar1->SetShowMaximizedEnabled(true);
+
+    CommandGetHardware = Place(Button(client, "CommandGetHardware", "Refresh Hardware Lists"), 150, 615, 2700, 480);
+    CommandImproveHardware = Place(Button(client, "CommandImproveHardware", "Improve Database"), 2970, 615, 2100, 480);
+    CommandCheckForUpdates = Place(Button(client, "CommandCheckForUpdates", "Update"), 5190, 615, 1350, 480);
+    CommandColors = Place(Button(client, "CommandColors", "Program Colors"), 6660, 615, 1950, 480);
+
+    LogoPictureBox =
+        Place(new forms::PictureBox(client, QStringLiteral("LogoPictureBox")), 9285, 600, 1815, 510, topRight);
+    for (int i = 0; i < logoCount; ++i) {
+        ImageLogo[size_t(i)] =
+            Place(new suite::AlphaImgCtl(LogoPictureBox, QStringLiteral("ImageLogo")), 60 + 570 * i, 15, 540, 480);
+    }
+
+    CreateTabs();
+
+    dcButton1 = Place(Button(client, "dcButton1", "Lookup Selected Device"), 150, 7020, 2700, 450, bottomLeft);
+    InfoLabel3 = Place(
+        new forms::Label(client, QStringLiteral("InfoLabel3"), QStringLiteral("*Right Click On List For More Options")),
+        3000, 7110, 4200, 270, bottomWide);
+    ImportantLabelUpdateAvailable = Place(new forms::Label(client, QStringLiteral("ImportantLabelUpdateAvailable"),
+                                                           QStringLiteral("Database Update Available!")),
+                                          7350, 7110, 3750, 270, bottomRight);
+    ImportantLabelUpdateAvailable->SetAlignment(forms::Label::AlignRight);
+    ImportantLabelUpdateAvailable->SetVisible(false);
+    LabelStatus = Place(new forms::Label(client, QStringLiteral("LabelStatus"), QStringLiteral("Status:")), 150, 7590,
+                        10950, 270, bottomWide);
+    LabelDatabaseVersion =
+        Place(new forms::Label(client, QStringLiteral("LabelDatabaseVersion"), QStringLiteral("Database Version:")),
+              150, 7890, 4200, 270, bottomLeft);
+    LabelTotalDevices =
+        Place(new forms::Label(client, QStringLiteral("LabelTotalDevices"), QStringLiteral("Devices In Database:")),
+              4500, 7890, 5700, 270, bottomWide);
+    LabelResize = Place(new forms::Label(client, QStringLiteral("LabelResize"), QStringLiteral("o")), 10980, 7980, 270,
+                        270, bottomRight);
+    LabelResize->SetGrip(true);
+
+    Picture1 = Place(new forms::PictureBox(client, QStringLiteral("Picture1")), 0, 0, 15, 15);
+    Picture1->SetVisible(false);
+    TextChars = Place(new forms::TextBox(client, QStringLiteral("TextChars")), 0, 0, 15, 15);
+    TextChars->SetVisible(false);
+    TextChars->SetText(AllowedCharacters());
+    TextQuoteChar = Place(new forms::TextBox(client, QStringLiteral("TextQuoteChar")), 0, 0, 15, 15);
+    TextQuoteChar->SetVisible(false);
+    TextQuoteChar->SetText(QStringLiteral("\""));
+
+    Timer1 = new forms::Timer(this, QStringLiteral("Timer1"), 250, true);
+    TimerStartup = new forms::Timer(this, QStringLiteral("TimerStartup"), 100, false);
+    TimerCountDatabase = new forms::Timer(this, QStringLiteral("TimerCountDatabase"), 100, false);
+    Inet2 = new net::Inet(this);
+    Inet2->setObjectName(QStringLiteral("Inet2"));
+}
+
+void FrmMain::CreateTabs() {
+    TabControl1 =
+        Place(new suite::TabControl(Client(), QStringLiteral("TabControl1")), 150, 1230, 10950, 5670, stretch);
+    TabControlPage1 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage1"));
+    TabControlPage2 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage2"));
+    TabControlPage3 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage3"));
+    TabControlPage4 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage4"));
+    ListViewHardware = new suite::ListView(TabControlPage1, QStringLiteral("ListViewHardware"));
+    ListViewNoDrivers = new suite::ListView(TabControlPage2, QStringLiteral("ListViewNoDrivers"));
+    ListViewProblems = new suite::ListView(TabControlPage3, QStringLiteral("ListViewProblems"));
+    ListViewNoSystemDevices = new suite::ListView(TabControlPage4, QStringLiteral("ListViewNoSystemDevices"));
+
+    const std::array<suite::TabControlPage*, tabCount> pages = {TabControlPage1, TabControlPage2, TabControlPage3,
+                                                                TabControlPage4};
+    for (size_t i = 0; i < pages.size(); ++i) {
+        const QString title = inventory::DeviceListTitle(inventory::DeviceList(i));
+        suite::TabItem* item = TabControl1->AddItem(title, pages[i]);
+        item->SetTag(title);
+        item->SetCaption(inventory::DeviceListCaption(title, 0));
+        Lists()[i]->SetAccessibleLabel(title);
+        Lists()[i]->SetTag(QLatin1String(stretch));
+    }
+
+    // Stands on the tab control and not on a page, so that it shows over whichever list is selected.
+    PanelProgress = Place(new controls::PanelFx(TabControl1, QStringLiteral("PanelProgress")), 3000, 2000, 4500, 1050);
+    PanelProgress->InitProperties();
+    PanelProgress->SetTitleCaption(QStringLiteral("Please Wait..."));
+    PanelProgress->SetBackGroundStyle(1);
+    PanelProgress->SetTitleAlignment(1);
+    PanelProgress->SetTileHeight(int(qRound(360 / controls::TitelBar::TwipsPerPixelX())));
+    PanelProgress->SetVisible(false);
+    DB1 = Place(new controls::AnimationBar(PanelProgress, QStringLiteral("DB1")), 180, 540, 4140, 330);
+}
+
+void FrmMain::Connect() {
+    const auto onClick = [this](controls::dcButton* button, void (FrmMain::*handler)()) {
+        connect(button, &controls::dcButton::Click, this, handler);
+    };
+    onClick(CommandGetHardware, &FrmMain::CommandGetHardware_Click);
+    onClick(CommandImproveHardware, &FrmMain::CommandImproveHardware_Click);
+    onClick(CommandCheckForUpdates, &FrmMain::CommandCheckForUpdates_Click);
+    onClick(CommandColors, &FrmMain::CommandColors_Click);
+    onClick(dcButton1, &FrmMain::dcButton1_Click);
+    for (int i = 0; i < logoCount; ++i)
+        connect(ImageLogo[size_t(i)], &suite::AlphaImgCtl::Click, this, [this, i] { ImageLogo_Click(i); });
+    connect(Timer1, &forms::Timer::Tick, this, &FrmMain::Timer1_Tick);
+    connect(TimerStartup, &forms::Timer::Tick, this, &FrmMain::TimerStartup_Tick);
+    connect(TimerCountDatabase, &forms::Timer::Tick, this, &FrmMain::TimerCountDatabase_Tick);
+    connect(Anchor1, &controls::Anchor::AfterResize, this, &FrmMain::Anchor1_AfterResize);
+    for (suite::ListView* list : Lists())
+        ConnectList(list);
+    window::ConnectGrip(*this, *LabelResize);
+}
+
+void FrmMain::ConnectList(suite::ListView* list) {
+    connect(list, &suite::ListView::ColumnClick, this, [list](int column) { inventory::ClickColumn(*list, column); });
+    connect(list, &suite::ListView::DblClick, this, [this, list] { OpenLookup(list); });
+    connect(list, &suite::ListView::KeyDown, this, [list](int keyCode) { inventory::DeleteKey(*list, keyCode); });
+    connect(list, &suite::ListView::MouseUp, this, [this, list](int button) { List_MouseUp(list, button); });
+}
+
+} // namespace shell
