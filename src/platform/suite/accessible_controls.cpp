@@ -14,8 +14,11 @@ namespace {
 // A picture that does something when it is clicked.
 class AccessiblePicture : public QAccessibleWidget {
   public:
-    explicit AccessiblePicture(AlphaImgCtl* picture)
-        : QAccessibleWidget(picture, picture->Clickable() ? QAccessible::Button : QAccessible::Graphic) {}
+    explicit AccessiblePicture(AlphaImgCtl* picture) : QAccessibleWidget(picture) {}
+
+    QAccessible::Role role() const override {
+        return static_cast<AlphaImgCtl*>(widget())->Clickable() ? QAccessible::Button : QAccessible::Graphic;
+    }
 
     QStringList actionNames() const override {
         QStringList names = QAccessibleWidget::actionNames();

@@ -31,7 +31,10 @@ QColor InkOn(const QWidget* picker, const QColor& ground) {
 
 class PickerFace : public QPushButton {
   public:
-    explicit PickerFace(ColorPicker* picker) : QPushButton(picker), picker_(picker) { setAttribute(Qt::WA_Hover); }
+    explicit PickerFace(ColorPicker* picker) : QPushButton(picker), picker_(picker) {
+        setAttribute(Qt::WA_Hover);
+        setAutoDefault(true);
+    }
 
     QSize sizeHint() const override {
         return {Scaled(kSwatchWidth + kGap + 6) + fontMetrics().horizontalAdvance(text()),

@@ -99,7 +99,7 @@ void ComboBox::SetListIndex(int index) {
 
 void ComboBox::SetEnabled(bool enabled) {
     if (!enabled && Enabled())
-        hadFocus_ = box_->hasFocus();
+        hadFocus_ = window()->focusWidget() == box_;
     HostedControl::SetEnabled(enabled);
     if (enabled && std::exchange(hadFocus_, false) && isVisible())
         box_->setFocus(Qt::OtherFocusReason);

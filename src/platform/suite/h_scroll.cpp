@@ -11,7 +11,10 @@ namespace {
 
 class BarFace : public QScrollBar {
   public:
-    explicit BarFace(QWidget* parent) : QScrollBar(Qt::Horizontal, parent) {}
+    explicit BarFace(QWidget* parent) : QScrollBar(Qt::Horizontal, parent) {
+        // The toolkit's scroll bars count downwards with the right arrow key.
+        setInvertedControls(false);
+    }
 
   protected:
     void paintEvent(QPaintEvent* event) override {

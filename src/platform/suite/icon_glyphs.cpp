@@ -229,11 +229,10 @@ constexpr std::array kShapes = {
     Shape{G::SmartCard, Line, T::None, T::Blue, {2.5F, 11.5F, 9, 11.5F}},
     Shape{G::SmartCard, Line, T::None, T::Shade, {9, 6, 13.5F, 6}},
 
-    Shape{G::Sensor, Dot, T::Green, T::None, {8, 8, 2.2F}},
-    Shape{G::Sensor, Arc, T::None, T::Green, {8, 8, 4.6F, -50, 100}},
-    Shape{G::Sensor, Arc, T::None, T::Green, {8, 8, 4.6F, 130, 100}},
-    Shape{G::Sensor, Arc, T::None, T::Green, {8, 8, 7.2F, -50, 100}},
-    Shape{G::Sensor, Arc, T::None, T::Green, {8, 8, 7.2F, 130, 100}},
+    Shape{G::Sensor, Dot, T::Green, T::None, {8, 8, 7.5F}},
+    Shape{G::Sensor, Dot, T::White, T::None, {8, 8, 1.6F}},
+    Shape{G::Sensor, Arc, T::None, T::White, {8, 8, 4.6F, -50, 100}},
+    Shape{G::Sensor, Arc, T::None, T::White, {8, 8, 4.6F, 130, 100}},
 
     Shape{G::Biometric, Arc, T::None, T::Blue, {8, 8, 6.5F, -20, 220}},
     Shape{G::Biometric, Arc, T::None, T::Blue, {8, 8, 4, -30, 240}},

@@ -33,7 +33,6 @@ void DrawArrow(QPainter& painter, const QRectF& area, bool down, const QColor& i
 } // namespace
 
 ListHeader::ListHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
-    setSectionsClickable(true);
     setStretchLastSection(false);
     setHighlightSections(false);
     setMinimumSectionSize(0);

@@ -27,6 +27,8 @@ ListView::ListView(QWidget* container, const QString& name)
     : HostedControl(container, name), model_(new ListModel(items_, this)), tree_(new ListTree(items_, model_, this)),
       header_(new ListHeader(tree_)) {
     tree_->setHeader(header_);
+    // A tree that does not sort by itself makes its header deaf.
+    header_->setSectionsClickable(true);
     ConnectTree();
     items_.SetObserver(this);
     Host(tree_);
