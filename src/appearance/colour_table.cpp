@@ -4,6 +4,7 @@
 #include "appearance/window_effects.h"
 #include "base/numbers.h"
 #include "base/paths.h"
+#include "base/profile_file.h"
 #include "suite/color_picker.h"
 #include "suite/combo_box.h"
 #include "values/program_values.h"
@@ -22,6 +23,8 @@ const QString section = QStringLiteral("colors");
 const QString extension = QStringLiteral(".ini");
 constexpr qsizetype longestFileName = 255;     // bytes, as file systems have it
 constexpr qsizetype temporarySuffixLength = 7; // a write goes to a name this much longer first
+
+QString SettingsFile() { return values::ProgramFolder() + QStringLiteral("\\settings.ini"); }
 
 QString PresetFolder() { return values::ProgramFolder() + QStringLiteral("\\color_presets"); }
 
@@ -49,6 +52,7 @@ void WriteColours(std::span<const ColourIndex> indices, QString& path) {
 void WriteAllColours(QString path) {
     if (!ColorPicker(ProgramBack))
         return;
+    const base::ProfileBatch batch(path);
     WriteColours(windowColours, path);
     WriteColours(importantButtonColours, path);
     WriteColours(barColours, path);
@@ -86,7 +90,7 @@ std::optional<base::Colour> ColourFromText(const QString& text) {
 }
 
 void LoadColors() {
-    QString path; // settings.ini
+    QString path = SettingsFile();
     ReadColours(windowColours, path);
     SetColor(ImportantButtonTopBack, ColorOf(TitleTopBack));
     SetColor(ImportantButtonText, ColorOf(TitleText));
@@ -103,7 +107,7 @@ void LoadColorPreset(const QString& name) {
     ReadColours(importantButtonColours, path);
 }
 
-void SaveColors() { WriteAllColours({}); }
+void SaveColors() { WriteAllColours(SettingsFile()); }
 
 void SaveColorPreset(const QString& name) {
     if (!IsSafePresetName(name))

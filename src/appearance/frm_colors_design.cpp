@@ -28,7 +28,7 @@ constexpr base::Colour transparentColour = Rgb(0xF8B8F7);
 
 constexpr int twipsPerDesignPixel = 15;
 constexpr int groupCaptionHeight = 17;
-constexpr int groupMargin = 7;
+constexpr int groupMargin = 3;
 
 struct GroupDesign {
     const char* Caption;
@@ -48,13 +48,13 @@ constexpr std::array monitorBars = {MbBack, MbText, MbBar, MbFillText};
 
 // clang-format off
 constexpr GroupDesign groups[] = {
-    {"Program",              {6,   36, 150, 108}, 17, program},
-    {"Buttons && Tabs",      {6,  148, 150,  57}, 17, buttons},
-    {"Text Boxes && Lists",  {6,  209, 150,  57}, 17, texts},
-    {"Title Bar && Border",  {161, 36, 155, 174}, 17, titleBar},
-    {"Important Buttons",    {161, 211, 155, 55}, 17, importantButtons},
-    {"Progress Bars",        {321, 36, 148, 151}, 18, progressBars},
-    {"System Monitor Bars",  {321, 191, 148, 151}, 18, monitorBars},
+    {"Program",              {4,   36, 157, 108}, 17, program},
+    {"Buttons && Tabs",      {4,  148, 157,  57}, 17, buttons},
+    {"Text Boxes && Lists",  {4,  209, 157,  57}, 17, texts},
+    {"Title Bar && Border",  {164, 36, 157, 174}, 17, titleBar},
+    {"Important Buttons",    {164, 211, 157, 55}, 17, importantButtons},
+    {"Progress Bars",        {324, 36, 147, 151}, 18, progressBars},
+    {"System Monitor Bars",  {324, 191, 147, 151}, 18, monitorBars},
 };
 // clang-format on
 
@@ -120,19 +120,19 @@ void FrmColors::CreatePresets() {
     auto* const label = new forms::Label(Client(), QStringLiteral("Label1"), QStringLiteral("Color Presets:"));
     Place(label, {8, 274, 92, 20});
     presets_ = new suite::ComboBox(Client(), QStringLiteral("Combo2"));
-    Place(presets_, {100, 272, 146, 22});
+    Place(presets_, {102, 272, 219, 22});
     save_ = new controls::dcButton(Client(), QStringLiteral("Command2"));
     save_->SetCaption(QStringLiteral("Save Current Colors As Preset"));
-    Place(save_, {6, 297, 240, 24});
+    Place(save_, {4, 297, 244, 24});
     disableShadow_ = new suite::CheckBox(Client(), QStringLiteral("CheckDisableShadow"));
     disableShadow_->SetCaption(QStringLiteral("Disable Border Shadow"));
     Place(disableShadow_, {8, 324, 238, 18});
 
     auto* const logoBox = new forms::PictureBox(Client(), QStringLiteral("LogoPictureBox"));
-    Place(logoBox, {251, 272, 65, 70});
+    Place(logoBox, {254, 297, 67, 45});
     logo_ = new suite::AlphaImgCtl(logoBox, QStringLiteral("aicAlphaImage1"));
     logo_->SetPicture(draw::LoadPicture(QStringLiteral(":/appearance/logo.png")));
-    Place(logo_, {8, 11, 48, 48});
+    Place(logo_, {13, 2, 41, 41});
 
     mouseIcon_ = new suite::AlphaImgCtl(Client(), QStringLiteral("ImageMouseIcon"));
     mouseIcon_->SetPicture(draw::LoadPicture(QStringLiteral(":/appearance/APPHAND")));

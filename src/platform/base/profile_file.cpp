@@ -8,6 +8,7 @@
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace base {
 
@@ -146,12 +147,46 @@ QString WithoutQuotes(const QString& value) {
     return value;
 }
 
+struct Gathered {
+    QString path; // native; empty while no batch is open
+    std::optional<ProfileText> profile;
+};
+
+Gathered& OpenBatch() {
+    static Gathered batch;
+    return batch;
+}
+
+bool IsGathered(const QString& path) { return !OpenBatch().path.isEmpty() && OpenBatch().path == NativePath(path); }
+
+std::optional<ProfileText> Current(const QString& path) {
+    return IsGathered(path) && OpenBatch().profile ? OpenBatch().profile : Load(path);
+}
+
+bool Put(const QString& path, ProfileText profile) {
+    if (!IsGathered(path))
+        return Store(path, Encoded(profile));
+    OpenBatch().profile = std::move(profile);
+    return true;
+}
+
 } // namespace
+
+ProfileBatch::ProfileBatch(const QString& path) {
+    Q_ASSERT(OpenBatch().path.isEmpty());
+    OpenBatch().path = NativePath(path);
+}
+
+ProfileBatch::~ProfileBatch() {
+    const Gathered gathered = std::exchange(OpenBatch(), Gathered());
+    if (gathered.profile)
+        Store(gathered.path, Encoded(*gathered.profile));
+}
 
 QString GetPrivateProfileStringW(const QString& section, const QString& key, const QString& fallback, int size,
                                  const QString& path) {
     QString value = fallback;
-    if (const auto profile = Load(path)) {
+    if (const auto profile = Current(path)) {
         const Place place = Find(profile->text, section, key);
         if (place.key) {
             const QString line = profile->text.sliced(place.line.start, place.line.end - place.line.start);
@@ -167,7 +202,7 @@ bool WritePrivateProfileStringW(const QString& section, const QString& key, cons
     if (HasLineBreak(section) || HasLineBreak(key) || HasLineBreak(value))
         return false;
     // A file that is there but cannot be taken in whole must not be replaced by one key.
-    std::optional<ProfileText> profile = Load(path);
+    std::optional<ProfileText> profile = Current(path);
     if (!profile && FileExists(path))
         return false;
     if (!profile)
@@ -186,7 +221,7 @@ bool WritePrivateProfileStringW(const QString& section, const QString& key, cons
         const bool open = !text.isEmpty() && !text.endsWith(u'\n') && !text.endsWith(u'\r');
         text.append((open ? lineEnd : QString()) + u'[' + section + u']' + lineEnd + line + lineEnd);
     }
-    return Store(path, Encoded(*profile));
+    return Put(path, std::move(*profile));
 }
 
 bool CreateTextFile(const QString& path) { return !path.isEmpty() && Store(path, QByteArray(unicodeMark)); }

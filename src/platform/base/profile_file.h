@@ -20,4 +20,15 @@ bool WritePrivateProfileStringW(const QString& section, const QString& key, cons
 // CreateTextFile with Unicode: an empty file that holds the byte-order mark FF FE alone, replacing one that is there.
 bool CreateTextFile(const QString& path);
 
+// Gathers the writes to one file: while it lives they are kept in memory, where reads meet them, and its end stores
+// them all at once, which costs one replaced file instead of one for each value. Nothing may yield meanwhile, and
+// batches do not nest.
+class ProfileBatch {
+  public:
+    explicit ProfileBatch(const QString& path);
+    ~ProfileBatch();
+    ProfileBatch(const ProfileBatch&) = delete;
+    ProfileBatch& operator=(const ProfileBatch&) = delete;
+};
+
 } // namespace base

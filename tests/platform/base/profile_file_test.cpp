@@ -90,6 +90,24 @@ TEST_F(SettingsTest, SurvivesNoiseAndRefusesLineBreaks) {
     EXPECT_EQ(Bytes("settings.ini").size(), 5 * 1024 * 1024);
 }
 
+TEST_F(SettingsTest, ABatchStoresAllItsWritesAtItsEnd) {
+    QString path;
+    values::WriteSetting("main", "x", "1", path);
+    const QByteArray before = Bytes("settings.ini");
+    {
+        const base::ProfileBatch batch(path);
+        QString other = path + ".other";
+        EXPECT_TRUE(values::WriteSetting("main", "x", "2", path));
+        EXPECT_TRUE(values::WriteSetting("colors", "y", "3", path));
+        EXPECT_TRUE(values::WriteSetting("main", "x", "4", other));
+        EXPECT_EQ(Bytes("settings.ini"), before);
+        EXPECT_EQ(Read("x"), "2");
+    }
+    EXPECT_NE(Bytes("settings.ini"), before);
+    EXPECT_EQ(Read("x"), "2");
+    EXPECT_EQ(values::ReadSetting("colors", "y", path), "3");
+}
+
 TEST_F(SettingsTest, AFolderInTheWayIsNoFile) {
     QDir(folder_.path()).mkdir("settings.ini");
     QString path;
