@@ -20,6 +20,7 @@
 #include "values/settings.h"
 #include "window/form_icon.h"
 #include "window/icon_resource.h"
+#include "window/placement.h"
 
 #include <QCursor>
 #include <QPixmap>
@@ -58,6 +59,7 @@ void FrmColors::Load() {
     window::SetFormIcon(*this, QStringLiteral("AAA"), false);
     SetWidth(designWidth);
     SetHeight(designHeight);
+    window::CentreOnScreen(*this);
     titleBar_->SetCaption(Caption());
     titleBar_->SetWidth(Width());
     const int iconSize = window::TitleIconSize();

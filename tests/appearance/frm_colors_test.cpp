@@ -239,6 +239,11 @@ TEST_F(Editor, ShowsItsDesign) {
     EXPECT_EQ(form_->WindowRect().size(), QSize(475, 349));
     EXPECT_FALSE(form_->LogoPicture().IsEmpty());
     EXPECT_EQ(ColorPicker(ProgramBack)->cursor().shape(), Qt::BitmapCursor);
+    // Beside the slanted end of the title bar one sees what lies behind the window.
+    form_->grab();
+    EXPECT_TRUE(form_->KeyedRegion().contains(QPoint(form_->WindowRect().width() - 1, 0)));
+    EXPECT_FALSE(form_->KeyedRegion().contains(QPoint(5, 5)));
+    EXPECT_FALSE(form_->KeyedRegion().contains(QPoint(5, 200)));
     for (QObject* const control : form_->Controls()) {
         const auto* const widget = qobject_cast<QWidget*>(control);
         if (!widget || !widget->isVisible())
