@@ -6,7 +6,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <cstdio>
 
 namespace tool {
 
@@ -74,8 +73,11 @@ QString AddIdFile(const QString& path, bool subsystems, AddLine add, database::D
     }
     IdFile ids(text, subsystems);
     const bool any = ids.Read([&](const IdLine& line) { return add(line, ids, builder); });
+    if (!any) {
+        return QStringLiteral("%1: not an ID file").arg(path);
+    }
     ReportSkipped(path, ids.Skipped());
-    return any ? QString() : QStringLiteral("%1: not an ID file").arg(path);
+    return QString();
 }
 
 } // namespace

@@ -42,5 +42,6 @@ int ImportJet(const QStringList& arguments);
 int Info(const QStringList& arguments);
 int Merge(const QStringList& arguments);
 int Pack(const QStringList& arguments);
+int Pack(const QStringList& arguments);
 
 } // namespace tool

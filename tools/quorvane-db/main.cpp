@@ -14,6 +14,8 @@ constexpr tool::SubCommand subCommands[] = {
      tool::Check},
     {"merge", "[--dry-run] [--include-suspicious] [--version V] DATABASE FILE...", "add contributions to a database",
      tool::Merge},
+    {"pack", "--output DIR [--program-version V] DATABASE", "make the files that an update server hands out",
+     tool::Pack},
     {"export", "[--output FILE] DATABASE", "print a database as sorted lines of text", tool::Export},
     {"import-jet", "--output FILE FILE.mdb", "make a database from a Jet 4 file (needs mdbtools)", tool::ImportJet},
 };

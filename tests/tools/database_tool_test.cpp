@@ -1,0 +1,240 @@
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <gmock/gmock.h>
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+struct Result {
+    int Status = -1;
+    std::string Output;
+    std::string Errors;
+};
+
+class DatabaseToolTest : public testing::Test {
+  protected:
+    QString Path(const char* name) const { return Folder.filePath(QLatin1String(name)); }
+
+    void Write(const char* name, const QByteArray& bytes) const {
+        QFile file(Path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+
+    // Runs in the test's folder.
+    Result Run(const QStringList& arguments, const QString& path = QString()) const {
+        QProcess process;
+        process.setWorkingDirectory(Folder.path());
+        if (!path.isEmpty()) {
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("PATH"), path);
+            process.setProcessEnvironment(environment);
+        }
+        process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quorvane-db"), arguments);
+        EXPECT_TRUE(process.waitForFinished());
+        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+                process.readAllStandardError().toStdString()};
+    }
+
+    Result Build(const QByteArray& pciIds, const QByteArray& usbIds) const {
+        Write("pci.ids", pciIds);
+        Write("usb.ids", usbIds);
+        return Run({QStringLiteral("build"), QStringLiteral("--output"), QStringLiteral("hwids.mdb"),
+                    QStringLiteral("--version=2.0.0"), QStringLiteral("--pci-ids"), QStringLiteral("pci.ids"),
+                    QStringLiteral("--usb-ids"), QStringLiteral("usb.ids")});
+    }
+
+    std::vector<std::string> Export(const char* database = "hwids.mdb") const {
+        const Result result = Run({QStringLiteral("export"), QLatin1String(database)});
+        EXPECT_EQ(result.Status, 0) << result.Errors;
+        std::vector<std::string> lines;
+        for (const QString& line : QString::fromStdString(result.Output).split(u'\n', Qt::SkipEmptyParts)) {
+            lines.push_back(line.toStdString());
+        }
+        return lines;
+    }
+
+    QStringList Files() const { return QDir(Folder.path()).entryList(QDir::Files); }
+
+    QTemporaryDir Folder;
+};
+
+} // namespace
+
+TEST_F(DatabaseToolTest, BuildsEveryIdInTheFormOfTheScan) {
+    const Result result = Build("# comment\n"
+                                "10de  NVIDIA Corporation\n"
+                                "\t1183  GK104 [GeForce GTX 660 Ti]\n"
+                                "\t\t1043 841f  GTX660 TI-DC2\n"
+                                "\t\t9999 0001  \n"
+                                "\t1184\n"
+                                "1043  ASUSTeK Computer Inc.\n"
+                                "C 03  Display controller\n"
+                                "\t00  VGA compatible controller\n"
+                                "\t\t00  VGA controller\n",
+                                "03f0  HP, Inc\r\n"
+                                "\t0004  DeskJet 895c\r\n"
+                                "\t\t00  an interface\r\n"
+                                "HID 21  HID\r\n");
+    EXPECT_EQ(result.Status, 0);
+    EXPECT_EQ(result.Errors, "");
+    EXPECT_THAT(
+        Export(),
+        ElementsAre("version|||2.0.0",
+                    R"(PCI\VEN_10DE&DEV_1183&SUBSYS_00019999|||GK104 [GeForce GTX 660 Ti]|||NVIDIA Corporation)",
+                    R"(PCI\VEN_10DE&DEV_1183&SUBSYS_00019999|||Unknown|||Unknown)",
+                    R"(PCI\VEN_10DE&DEV_1183&SUBSYS_841F1043|||GK104 [GeForce GTX 660 Ti]|||NVIDIA Corporation)",
+                    R"(PCI\VEN_10DE&DEV_1183&SUBSYS_841F1043|||GTX660 TI-DC2|||ASUSTeK Computer Inc.)",
+                    R"(PCI\VEN_10DE&DEV_1183|||GK104 [GeForce GTX 660 Ti]|||NVIDIA Corporation)",
+                    R"(PCI\VEN_10DE&DEV_1184|||Unknown|||NVIDIA Corporation)",
+                    R"(USB\VID_03F0&PID_0004|||DeskJet 895c|||HP, Inc)"));
+}
+
+TEST_F(DatabaseToolTest, ABadLineCostsThatLineAndIsCounted) {
+    const Result result = Build(QByteArray("1000  First\n"
+                                           "\t0001  One\n"
+                                           "\t0001  One again\n"
+                                           "\t0002  Bad \xff encoding\n"
+                                           "\t\t1000 0007  Board\n"
+                                           "\t0003  " +
+                                           QByteArray(2000, 'x') +
+                                           "\n"
+                                           "\t\t1000 0008  Lost with its device\n"
+                                           "\tzzzz  no ID\n"
+                                           "\t0004  " +
+                                           QByteArray(150, 'n') +
+                                           "\n"
+                                           "not a vendor\n"
+                                           "\t0005  of nobody\n"
+                                           "1000  First again\n"
+                                           "\t0006  Six\n"),
+                                "0001  U\n");
+    EXPECT_EQ(result.Status, 0);
+    EXPECT_EQ(result.Errors,
+              "quorvane-db: pci.ids: 8 lines skipped (2 duplicate, 1 over-long, 1 badly encoded, 4 broken)\n");
+    EXPECT_THAT(Export(), ElementsAre("version|||2.0.0", R"(PCI\VEN_1000&DEV_0001|||One|||First)",
+                                      R"(PCI\VEN_1000&DEV_0002&SUBSYS_00071000|||Board|||First)",
+                                      R"(PCI\VEN_1000&DEV_0002&SUBSYS_00071000|||Unknown|||First)",
+                                      R"(PCI\VEN_1000&DEV_0004|||)" + std::string(100, 'n') + "|||First",
+                                      R"(PCI\VEN_1000&DEV_0006|||Six|||First)"));
+}
+
+TEST_F(DatabaseToolTest, FailsInOneLineAndLeavesNothing) {
+    ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
+    const auto expectFailure = [&](const QStringList& arguments, int status) {
+        const Result result = Run(arguments);
+        EXPECT_EQ(result.Status, status) << arguments.join(u' ').toStdString();
+        EXPECT_EQ(result.Output, "");
+        EXPECT_EQ(std::count(result.Errors.begin(), result.Errors.end(), '\n'), 1) << result.Errors;
+        EXPECT_EQ(result.Errors.find("quorvane-db: "), 0U);
+    };
+    const QString ids = QStringLiteral("pci.ids");
+    Write("text.txt", "nothing in here\n");
+    const QStringList before = Files();
+    expectFailure({}, 2);
+    expectFailure({QStringLiteral("frobnicate")}, 2);
+    expectFailure({QStringLiteral("build")}, 2);
+    expectFailure({QStringLiteral("build"), QStringLiteral("--output")}, 2);
+    expectFailure({QStringLiteral("info"), QStringLiteral("-x"), QStringLiteral("hwids.mdb")}, 2);
+    expectFailure({QStringLiteral("merge"), QStringLiteral("hwids.mdb")}, 2);
+    expectFailure({QStringLiteral("build"), QStringLiteral("--output=new.mdb"), QStringLiteral("--pci-ids=none")}, 1);
+    expectFailure({QStringLiteral("build"), QStringLiteral("--output=new.mdb"), QStringLiteral("--pci-ids=text.txt")},
+                  1);
+    expectFailure({QStringLiteral("build"), QStringLiteral("--output=new.mdb"), QStringLiteral("--pci-ids=.")}, 1);
+    expectFailure({QStringLiteral("build"), QStringLiteral("--output=none/new.mdb"), QStringLiteral("--pci-ids"), ids,
+                   QStringLiteral("--usb-ids"), ids},
+                  1);
+    expectFailure({QStringLiteral("info"), QStringLiteral("none.mdb")}, 1);
+    expectFailure({QStringLiteral("info"), QStringLiteral("text.txt")}, 1);
+    expectFailure({QStringLiteral("export"), QStringLiteral("--output=none/x"), QStringLiteral("hwids.mdb")}, 1);
+    expectFailure({QStringLiteral("check"), QStringLiteral("none.txt")}, 1);
+    expectFailure({QStringLiteral("check"), QStringLiteral("hwids.mdb")}, 1);
+    expectFailure({QStringLiteral("merge"), QStringLiteral("text.txt"), QStringLiteral("text.txt")}, 1);
+    expectFailure({QStringLiteral("merge"), QStringLiteral("hwids.mdb"), QStringLiteral("none.txt")}, 1);
+    EXPECT_EQ(Files(), before);
+}
+
+TEST_F(DatabaseToolTest, AFullOutputIsAFailure) {
+    ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
+    QProcess process;
+    process.setWorkingDirectory(Folder.path());
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quorvane-db"),
+                  {QStringLiteral("info"), QStringLiteral("hwids.mdb")});
+    ASSERT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 1);
+}
+
+TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
+    ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
+    Write("new_hardware.txt", "USB\\VID_1234&PID_5678|||Adapter \x99|||Maker\r\n"
+                              "USB\\VID_1234&PID_5678|||adapter \x99|||maker\r\n"
+                              "PCI\\VEN_1000&DEV_0001|||B|||A\r\n"
+                              "only two|||fields\r\n"
+                              "PCI\\CC_0604|||Bridge|||Maker\r\n"
+                              "PCI\\VEN_1&DEV_2|||<script>|||Maker\r\n"
+                              "PCI\\VEN_1&DEV_3|||a\x1b[2Jb|||Maker\r\n");
+    const QStringList check{QStringLiteral("check"), QStringLiteral("--db"), QStringLiteral("hwids.mdb"),
+                            QStringLiteral("new_hardware.txt")};
+    const Result checked = Run(check);
+    EXPECT_EQ(checked.Status, 3);
+    EXPECT_THAT(checked.Output, HasSubstr("new_hardware.txt:2: duplicate: "));
+    EXPECT_THAT(checked.Output, HasSubstr("new_hardware.txt:3: already known: "));
+    EXPECT_THAT(checked.Output, HasSubstr("new_hardware.txt:4: malformed, has not three fields: "));
+    EXPECT_THAT(checked.Output, HasSubstr("new_hardware.txt:5: suspicious, ID of a whole class of devices: "));
+    EXPECT_THAT(checked.Output, HasSubstr("new_hardware.txt:6: suspicious, holds markup or an address: "));
+    EXPECT_THAT(checked.Output, HasSubstr("malformed, holds a control character: PCI\\VEN_1&DEV_3|||a\\u001b[2Jb"));
+    EXPECT_THAT(checked.Output, HasSubstr("1 good, 2 malformed, 2 suspicious, 1 duplicate, 1 already known\n"));
+
+    const auto before = Export();
+    const QStringList merge{QStringLiteral("merge"), QStringLiteral("--version=2.0.1"), QStringLiteral("hwids.mdb"),
+                            QStringLiteral("new_hardware.txt")};
+    const Result dry = Run(merge + QStringList{QStringLiteral("--dry-run")});
+    EXPECT_THAT(dry.Output, HasSubstr("dry run: 1 added, 2 already known, 4 left out\n"));
+    EXPECT_EQ(Export(), before);
+
+    const Result merged = Run(merge);
+    EXPECT_EQ(merged.Status, 3);
+    EXPECT_THAT(merged.Output, HasSubstr("\n1 added, 2 already known, 4 left out\n"));
+    EXPECT_THAT(Export(), ElementsAre("version|||2.0.1", R"(PCI\VEN_1000&DEV_0001|||B|||A)",
+                                      "USB\\VID_1234&PID_5678|||Adapter \u2122|||Maker"));
+    EXPECT_THAT(Run(merge).Output, HasSubstr("0 added, 3 already known"));
+    EXPECT_THAT(Files(), ElementsAre(QStringLiteral("hwids.mdb"), QStringLiteral("new_hardware.txt"),
+                                     QStringLiteral("pci.ids"), QStringLiteral("usb.ids")));
+}
+
+// Stands in for mdb-export, which prints one table of a Jet file.
+TEST_F(DatabaseToolTest, ImportsAJetFile) {
+    ASSERT_TRUE(QDir(Folder.path()).mkdir(QStringLiteral("bin")));
+    Write(
+        "bin/mdb-export",
+        "#!/bin/sh\n"
+        "[ -s \"$1\" ] || exit 1\n"
+        "case $2 in\n"
+        "hwids) printf 'key,hwid,info\\n1,\"PCI\\\\VEN_1\",\"7,3\\r\\n8,3\\r\\n99,3\\r\\n\"\\n2,\"USB\\\\x\",\"8,3\"\\n';;\n"
+        "devicenames) printf 'ID,devicename\\n7,\"A \"\"quoted\"\", name\"\\n8,\"Eight\"\\n';;\n"
+        "mfgs) printf 'ID,mfg\\n3,\"Maker\"\\n';;\n"
+        "version) printf 'dbversion\\n\"3.2.1\"\\n';;\n"
+        "esac\n");
+    QFile::setPermissions(Path("bin/mdb-export"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    Write("old.mdb", "jet");
+    Write("empty.mdb", "");
+    const QString path = Path("bin") + QStringLiteral(":/usr/bin:/bin");
+    const QStringList import{QStringLiteral("import-jet"), QStringLiteral("--output=new.mdb")};
+    const Result result = Run(import + QStringList{QStringLiteral("old.mdb")}, path);
+    EXPECT_EQ(result.Status, 0) << result.Errors;
+    EXPECT_THAT(result.Errors, HasSubstr("1 entries left out"));
+    EXPECT_THAT(Export("new.mdb"), ElementsAre("version|||3.2.1", R"(PCI\VEN_1|||A "quoted", name|||Maker)",
+                                               R"(PCI\VEN_1|||Eight|||Maker)", R"(USB\x|||Eight|||Maker)"));
+    ASSERT_TRUE(QFile::remove(Path("new.mdb")));
+    EXPECT_EQ(Run(import + QStringList{QStringLiteral("empty.mdb")}, path).Status, 1);
+    EXPECT_EQ(Run(import + QStringList{QStringLiteral("old.mdb")}, QStringLiteral("/nowhere")).Status, 1);
+    EXPECT_THAT(Files(), testing::Not(Contains(QStringLiteral("new.mdb"))));
+}
