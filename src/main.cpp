@@ -1,6 +1,7 @@
 // The program's start: makes the application, tells the collection of forms how the windows are made, and shows the
 // main one. The process ends when the last form is gone.
 #include "appearance/frm_colors.h"
+#include "contribution/frm_improve.h"
 #include "database/frm_lookup.h"
 #include "database/store.h"
 #include "draw/system_colours.h"
@@ -10,6 +11,7 @@
 #include "inventory/frm_menu.h"
 #include "shell/frm_main.h"
 #include "shell/termination.h"
+#include "updating/frm_update.h"
 #include "values/program_values.h"
 
 #include <QApplication>
@@ -36,6 +38,8 @@ void RegisterWindows() {
     appearance::RegisterForms();
     inventory::RegisterMenuForm();
     database::RegisterLookupForm();
+    contribution::RegisterImproveForm();
+    updating::RegisterUpdateForm();
 }
 
 } // namespace
