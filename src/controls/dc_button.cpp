@@ -11,7 +11,6 @@
 #include <QShortcut>
 #include <QToolTip>
 #include <array>
-#include <cmath>
 
 namespace controls {
 
@@ -20,8 +19,6 @@ namespace {
 constexpr int leastSide = 15; // pixels
 constexpr int corner = 5;     // pixels, diameter of a rounded side's corners
 constexpr int customPointer = 99;
-constexpr int customSize = 5;
-constexpr std::array pictureSides = {0, 16, 24, 32, 48}; // by PictureSize, pixels
 
 // The toolkit's pointers in the order of the platform's standard pointers.
 constexpr std::array<Qt::CursorShape, 16> standardPointers = {
@@ -203,83 +200,6 @@ void dcButton::SetFontUnderline(bool on) {
     QFont changed = font();
     changed.setUnderline(on);
     SetFont(changed);
-}
-
-void dcButton::SetPictureNormal(const draw::Picture& picture) {
-    pictureNormal_ = picture;
-    if (picture.IsEmpty()) {
-        pictureDown_ = draw::Picture();
-        pictureHot_ = draw::Picture();
-        pictureOpacity_ = 0;
-    } else if (!(pictureOpacity_ > 0)) {
-        pictureOpacity_ = 1;
-    }
-    ApplyPictureSize();
-    LayoutChanged();
-}
-
-bool dcButton::StoreStatePicture(draw::Picture& slot, const draw::Picture& picture) {
-    if (!picture.IsEmpty() && pictureNormal_.IsEmpty()) {
-        SetPictureNormal(picture);
-        return false;
-    }
-    const bool sameSize = picture.Image().size() == pictureNormal_.Image().size();
-    if (!picture.IsEmpty() && pictureSize_ == 0 && !sameSize)
-        pictureSize_ = customSize;
-    slot = picture;
-    return true;
-}
-
-void dcButton::SetPictureHot(const draw::Picture& picture) {
-    if (StoreStatePicture(pictureHot_, picture) && mouseOver_)
-        Repaint(-1, true);
-}
-
-void dcButton::SetPictureDown(const draw::Picture& picture) {
-    if (StoreStatePicture(pictureDown_, picture) && pressed_)
-        Repaint(-1, true);
-}
-
-int dcButton::PictureOpacity() const { return base::RoundToInt(double(pictureOpacity_) * 100); }
-
-void dcButton::SetPictureOpacity(int percent) {
-    pictureOpacity_ = float(qBound(0, percent, 100)) / 100;
-    Repaint(-1, true);
-}
-
-void dcButton::SetPictureSize(int size) {
-    pictureSize_ = size;
-    ApplyPictureSize();
-    LayoutChanged();
-}
-
-void dcButton::ApplyPictureSize() {
-    if (pictureNormal_.IsEmpty()) {
-        pictureSize_ = 0;
-        pictureSizeW_ = 0;
-        pictureSizeH_ = 0;
-    } else if (pictureSize_ == 0) {
-        pictureSizeW_ = pictureNormal_.Width();
-        pictureSizeH_ = pictureNormal_.Height();
-    } else if (pictureSize_ > 0 && pictureSize_ < int(pictureSides.size())) {
-        pictureSizeW_ = pictureSides.at(size_t(pictureSize_));
-        pictureSizeH_ = pictureSizeW_;
-    }
-}
-
-void dcButton::SetPictureSizeH(int pixels) {
-    pictureSizeH_ = pixels;
-    SetPictureSize(customSize);
-}
-
-void dcButton::SetPictureSizeW(int pixels) {
-    pictureSizeW_ = pixels;
-    SetPictureSize(customSize);
-}
-
-void dcButton::SetPictureAlignment(int alignment) {
-    pictureAlignment_ = alignment;
-    LayoutChanged();
 }
 
 void dcButton::SetDisplayAsDefault(bool on) {
