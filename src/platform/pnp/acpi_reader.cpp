@@ -133,7 +133,7 @@ QStringList NodeIds(const Node& node) {
 }
 
 std::vector<std::string> ListAcpi(const Context& context) {
-    std::vector<std::string> nodes = ListFolders(context, "/bus/acpi/devices");
+    std::vector<std::string> nodes = ListEntries(context, "/bus/acpi/devices");
     std::erase_if(nodes, [](const std::string& path) { return IsHiddenName(LastComponent(path)); });
     return nodes;
 }
@@ -186,7 +186,7 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
     devices.push_back(std::move(device));
 }
 
-std::vector<std::string> ListPnp(const Context& context) { return ListFolders(context, "/bus/pnp/devices"); }
+std::vector<std::string> ListPnp(const Context& context) { return ListEntries(context, "/bus/pnp/devices"); }
 
 void ReadPnp(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);

@@ -1,5 +1,6 @@
-// One reader a bus. Listing names the device folders of the bus; reading turns one folder into the devices in it (none,
-// one, or several where one folder stands for several devices). Readers keep no state: all is in the context.
+// One reader a bus. Listing names the entries of the bus, and no more than that, so that it is quick; reading turns the
+// device folder behind an entry into the devices in it (none, one, or several where one folder stands for several
+// devices). Readers keep no state: all is in the context.
 #pragma once
 
 #include "pnp/device.h"
@@ -31,7 +32,7 @@ BusReader ThunderboltReader();
 BusReader NetReader();
 BusReader PlatformReader();
 
-// The folders behind the entries of a bus or class folder, in order.
-std::vector<std::string> ListFolders(const Context& context, const std::string& folder);
+// The entries of a bus or class folder, in order.
+std::vector<std::string> ListEntries(const Context& context, const std::string& folder);
 
 } // namespace pnp

@@ -26,6 +26,13 @@ std::shared_ptr<DeviceTree>& Held() {
 
 } // namespace
 
+std::vector<std::string> ListEntries(const Context& context, const std::string& folder) {
+    std::vector<std::string> entries = context.Files().List(folder);
+    for (std::string& entry : entries)
+        entry.insert(0, folder + "/");
+    return entries;
+}
+
 DeviceTree::DeviceTree(const Sources& sources)
     : context_(std::make_unique<Context>(sources)), taken_(base::Now().toUTC()) {
     for (std::size_t i = 0; i < Readers().size(); ++i) {
@@ -40,8 +47,11 @@ bool DeviceTree::ReadNext() {
     if (next_ >= entries_.size())
         return false;
     const Entry entry = std::move(entries_[next_++]);
+    const std::string folder = context_->Files().Resolve(entry.path);
+    if (folder.empty())
+        return true;
     std::vector<Device> devices;
-    Readers()[std::size_t(entry.reader)].Read(*context_, entry.path, devices);
+    Readers()[std::size_t(entry.reader)].Read(*context_, folder, devices);
     for (Device& device : devices)
         Add(std::move(device));
     return true;

@@ -131,7 +131,7 @@ std::string UsbDevice(const std::string& path) {
 }
 
 std::vector<std::string> ListScsi(const Context& context) {
-    std::vector<std::string> drives = ListFolders(context, "/bus/scsi/devices");
+    std::vector<std::string> drives = ListEntries(context, "/bus/scsi/devices");
     std::erase_if(drives, [](const std::string& path) { return !ParseAddress(LastComponent(path)); });
     return drives;
 }
@@ -187,16 +187,12 @@ void ReadScsi(Context& context, const std::string& path, std::vector<Device>& de
     devices.push_back(std::move(device));
 }
 
-std::vector<std::string> ListNvme(const Context& context) {
-    std::vector<std::string> controllers = ListFolders(context, "/class/nvme");
-    // Fabrics and other controllers without a bus device have nothing in this machine.
-    std::erase_if(controllers, [](const std::string& path) { return path.find("/virtual/") != std::string::npos; });
-    return controllers;
-}
+std::vector<std::string> ListNvme(const Context& context) { return ListEntries(context, "/class/nvme"); }
 
 void ReadNvme(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);
-    if (!node.Exists())
+    // Controllers over a network have nothing in this machine.
+    if (!node.Exists() || path.find("/virtual/") != std::string::npos)
         return;
     const QString model = node.Text("model");
     const QString firmware = node.Text("firmware_rev");

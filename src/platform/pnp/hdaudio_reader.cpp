@@ -10,9 +10,9 @@ namespace {
 
 std::vector<std::string> ListCodecs(const Context& context) {
     if (context.Files().Has("/bus/hdaudio/devices"))
-        return ListFolders(context, "/bus/hdaudio/devices");
+        return ListEntries(context, "/bus/hdaudio/devices");
     std::vector<std::string> codecs;
-    for (const std::string& path : ListFolders(context, "/class/sound")) {
+    for (const std::string& path : ListEntries(context, "/class/sound")) {
         if (LastComponent(path).compare(0, 3, "hwC") == 0)
             codecs.push_back(path);
     }

@@ -139,7 +139,7 @@ QString VendorName(Context& context, const HidIds& ids) {
     }
 }
 
-std::vector<std::string> ListHid(const Context& context) { return ListFolders(context, "/bus/hid/devices"); }
+std::vector<std::string> ListHid(const Context& context) { return ListEntries(context, "/bus/hid/devices"); }
 
 void ReadHid(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);

@@ -14,7 +14,7 @@ std::string HostFolder(const std::string& path) {
     return found == std::string::npos ? ParentPath(path) : path.substr(0, found);
 }
 
-std::vector<std::string> ListMmc(const Context& context) { return ListFolders(context, "/bus/mmc/devices"); }
+std::vector<std::string> ListMmc(const Context& context) { return ListEntries(context, "/bus/mmc/devices"); }
 
 void ReadMmc(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);
@@ -62,7 +62,7 @@ constexpr FunctionRow Functions[] = {
     {9, class_guid::Bluetooth, u"SDIO Bluetooth Adapter"},
 };
 
-std::vector<std::string> ListSdio(const Context& context) { return ListFolders(context, "/bus/sdio/devices"); }
+std::vector<std::string> ListSdio(const Context& context) { return ListEntries(context, "/bus/sdio/devices"); }
 
 void ReadSdio(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);

@@ -13,7 +13,7 @@ constexpr std::size_t LongestEdid = 32768;
 
 std::vector<std::string> ListMonitors(const Context& context) {
     std::vector<std::string> connectors;
-    for (const std::string& path : ListFolders(context, "/class/drm")) {
+    for (const std::string& path : ListEntries(context, "/class/drm")) {
         if (LastComponent(path).find('-') != std::string::npos)
             connectors.push_back(path);
     }

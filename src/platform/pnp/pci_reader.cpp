@@ -10,16 +10,6 @@
 
 namespace pnp {
 
-std::vector<std::string> ListFolders(const Context& context, const std::string& folder) {
-    std::vector<std::string> paths;
-    for (const std::string& name : context.Files().List(folder)) {
-        std::string path = context.Files().Resolve(folder + "/" + name);
-        if (!path.empty())
-            paths.push_back(std::move(path));
-    }
-    return paths;
-}
-
 namespace {
 
 constexpr quint32 VirtioVendor = 0x1AF4;
@@ -93,7 +83,7 @@ void TakeNames(Context& context, const PciFunction& function, Device& device) {
         device.manufacturer = StandardSystemDevices();
 }
 
-std::vector<std::string> ListPci(const Context& context) { return ListFolders(context, "/bus/pci/devices"); }
+std::vector<std::string> ListPci(const Context& context) { return ListEntries(context, "/bus/pci/devices"); }
 
 void ReadPci(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);

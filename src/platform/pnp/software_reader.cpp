@@ -8,18 +8,14 @@ namespace pnp {
 
 namespace {
 
-std::vector<std::string> ListNet(const Context& context) {
-    std::vector<std::string> interfaces;
-    for (const std::string& path : ListFolders(context, "/class/net")) {
-        if (path.compare(0, 21, "/devices/virtual/net/") == 0)
-            interfaces.push_back(path);
-    }
-    return interfaces;
-}
+const std::string VirtualNet = "/devices/virtual/net/";
+
+std::vector<std::string> ListNet(const Context& context) { return ListEntries(context, "/class/net"); }
 
 void ReadNet(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);
-    if (!node.Exists())
+    // All others belong to the device they stand below.
+    if (!node.Exists() || path.compare(0, VirtualNet.size(), VirtualNet) != 0)
         return;
     Device device;
     const QString name = CleanAttribute(node.Name());
@@ -30,7 +26,7 @@ void ReadNet(Context& context, const std::string& path, std::vector<Device>& dev
     devices.push_back(std::move(device));
 }
 
-std::vector<std::string> ListPlatform(const Context& context) { return ListFolders(context, "/bus/platform/devices"); }
+std::vector<std::string> ListPlatform(const Context& context) { return ListEntries(context, "/bus/platform/devices"); }
 
 void ReadPlatform(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);

@@ -4,6 +4,7 @@
 #include <QStringDecoder>
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
 #include <dirent.h>
 #include <fcntl.h>
@@ -76,30 +77,23 @@ std::string Normalised(const std::string& folder, const std::string& target) {
     return path;
 }
 
-std::string ReadLink(const std::string& path) {
+// The calls below take names from an open folder, or absolute paths with AT_FDCWD.
+std::string ReadLink(int folder, const std::string& path) {
     char target[4096];
-    const ssize_t length = readlink(path.c_str(), target, sizeof target);
+    const ssize_t length = readlinkat(folder, path.c_str(), target, sizeof target);
     return length > 0 && std::size_t(length) < sizeof target ? std::string(target, std::size_t(length)) : std::string();
 }
 
-} // namespace
-
-Sysfs::Sysfs(const QString& root) : root_(QFile::encodeName(root).toStdString()) {
-    while (root_.size() > 1 && root_.back() == '/')
-        root_.pop_back();
+std::string ReadLinkName(int folder, const std::string& path) {
+    std::string target = ReadLink(folder, path);
+    while (!target.empty() && target.back() == '/')
+        target.pop_back();
+    return LastComponent(target);
 }
 
-bool Sysfs::Readable() const {
-    DIR* folder = opendir(root_.c_str());
-    if (folder == nullptr)
-        return false;
-    closedir(folder);
-    return true;
-}
-
-std::optional<std::string> Sysfs::Read(const std::string& path, std::size_t limit) const {
+std::optional<std::string> ReadFile(int folder, const std::string& path, std::size_t limit) {
     // Not blocking: a fixture or a captured tree may hold a pipe under any name.
-    const int file = open((root_ + path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    const int file = openat(folder, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (file < 0)
         return std::nullopt;
     // Attributes are short as a rule, so the first round asks for little.
@@ -124,66 +118,127 @@ std::optional<std::string> Sysfs::Read(const std::string& path, std::size_t limi
     return bytes;
 }
 
-std::string Sysfs::Link(const std::string& path) const {
-    std::string target = ReadLink(root_ + path);
-    if (target.empty())
-        return {};
-    if (target.front() == '/') {
-        if (target.compare(0, root_.size() + 1, root_ + "/") != 0)
-            return {};
-        return Normalised({}, target.substr(root_.size()));
-    }
-    return Normalised(ParentPath(path), target);
-}
-
-std::string Sysfs::LinkName(const std::string& path) const {
-    std::string target = ReadLink(root_ + path);
-    while (!target.empty() && target.back() == '/')
-        target.pop_back();
-    return LastComponent(target);
-}
-
-std::vector<std::string> Sysfs::List(const std::string& path) const {
+std::vector<std::string> ListFolder(int folder, const std::string& path) {
     std::vector<std::string> names;
-    DIR* folder = opendir((root_ + path).c_str());
-    if (folder == nullptr)
+    const int file = openat(folder, path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* const stream = file < 0 ? nullptr : fdopendir(file);
+    if (stream == nullptr) {
+        if (file >= 0)
+            close(file);
         return names;
-    while (const dirent* entry = readdir(folder)) {
+    }
+    while (const dirent* entry = readdir(stream)) {
         if (entry->d_name[0] != '.')
             names.emplace_back(entry->d_name);
     }
-    closedir(folder);
+    closedir(stream);
     std::sort(names.begin(), names.end(), NaturalLess);
     return names;
 }
 
-bool Sysfs::Has(const std::string& path) const {
+bool IsThere(int folder, const std::string& path) {
     struct stat status {};
-    return lstat((root_ + path).c_str(), &status) == 0;
+    return fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
+
+} // namespace
+
+Sysfs::Sysfs(const QString& root) : root_(QFile::encodeName(root).toStdString()) {
+    while (root_.size() > 1 && root_.back() == '/')
+        root_.pop_back();
+}
+
+bool Sysfs::Readable() const {
+    DIR* folder = opendir(root_.c_str());
+    if (folder == nullptr)
+        return false;
+    closedir(folder);
+    return true;
+}
+
+std::optional<std::string> Sysfs::Read(const std::string& path, std::size_t limit) const {
+    return ReadFile(AT_FDCWD, root_ + path, limit);
+}
+
+std::string Sysfs::Below(const std::string& folder, const std::string& target) const {
+    if (target.empty() || target.front() != '/')
+        return target.empty() ? std::string() : Normalised(folder, target);
+    return target.compare(0, root_.size() + 1, root_ + "/") == 0 ? Normalised({}, target.substr(root_.size()))
+                                                                 : std::string();
+}
+
+std::string Sysfs::Link(const std::string& path) const {
+    return Below(ParentPath(path), ReadLink(AT_FDCWD, root_ + path));
+}
+
+std::vector<std::string> Sysfs::List(const std::string& path) const { return ListFolder(AT_FDCWD, root_ + path); }
+
+bool Sysfs::Has(const std::string& path) const { return IsThere(AT_FDCWD, root_ + path); }
 
 std::string Sysfs::Resolve(const std::string& path) const {
+    const std::string target = Link(path);
+    if (!target.empty())
+        return target;
     struct stat status {};
-    if (lstat((root_ + path).c_str(), &status) != 0)
-        return {};
-    if (S_ISDIR(status.st_mode))
-        return path;
-    return S_ISLNK(status.st_mode) ? Link(path) : std::string();
+    return lstat((root_ + path).c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? path : std::string();
 }
 
-Node::Node(const Sysfs& sysfs, std::string path) : sysfs_(&sysfs), path_(std::move(path)) {}
+struct Node::Opened {
+    ~Opened() {
+        if (folder >= 0)
+            close(folder);
+    }
+
+    bool tried = false;
+    int folder = -1;
+    bool ueventRead = false;
+    std::string uevent;
+};
+
+Node::Node(const Sysfs& sysfs, std::string path)
+    : sysfs_(&sysfs), path_(std::move(path)), opened_(std::make_shared<Opened>()) {}
+
+int Node::Folder() const {
+    if (!opened_->tried) {
+        opened_->tried = true;
+        opened_->folder = open(sysfs_->Absolute(path_).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    }
+    return opened_->folder;
+}
+
+std::optional<std::string> Node::Read(const std::string& name, std::size_t limit) const {
+    return Folder() < 0 ? std::nullopt : ReadFile(Folder(), name, limit);
+}
 
 std::string Node::Name() const { return LastComponent(path_); }
 
 Node Node::Parent() const { return {*sysfs_, ParentPath(path_)}; }
 
+Node Node::Child(const std::string& name) const {
+    Node child(*sysfs_, path_ + "/" + name);
+    child.opened_->tried = true;
+    if (Folder() >= 0)
+        child.opened_->folder = openat(Folder(), name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return child;
+}
+
+std::string Node::LinkName(const std::string& name) const {
+    return Folder() < 0 ? std::string() : ReadLinkName(Folder(), name);
+}
+
+std::string Node::Link(const std::string& name) const {
+    return Folder() < 0 ? std::string() : sysfs_->Below(path_, ReadLink(Folder(), name));
+}
+
+bool Node::Has(const std::string& name) const { return Folder() >= 0 && IsThere(Folder(), name); }
+
 QString Node::Text(const std::string& name) const {
-    const std::optional<std::string> bytes = sysfs_->Read(path_ + "/" + name, LongestText + 1);
+    const std::optional<std::string> bytes = Read(name, LongestText + 1);
     return bytes && bytes->size() <= LongestText ? CleanAttribute(*bytes) : QString();
 }
 
 std::string Node::Word(const std::string& name) const {
-    const std::optional<std::string> bytes = sysfs_->Read(path_ + "/" + name, LongestText + 1);
+    const std::optional<std::string> bytes = Read(name, LongestText + 1);
     if (!bytes || bytes->size() > LongestText)
         return {};
     const std::string text = CleanAttribute(*bytes).toStdString();
@@ -196,20 +251,22 @@ std::optional<quint32> Node::Hex(const std::string& name) const { return ParseHe
 std::optional<quint32> Node::Decimal(const std::string& name) const { return ParseDecimal(Word(name)); }
 
 std::string Node::Bytes(const std::string& name, std::size_t limit) const {
-    return sysfs_->Read(path_ + "/" + name, limit).value_or(std::string());
+    return Read(name, limit).value_or(std::string());
 }
 
 std::string Node::Uevent(const std::string& key) const {
-    if (!uevent_) {
-        uevent_ = std::make_shared<std::string>(1, '\n');
-        *uevent_ += Bytes("uevent", LongestUevent);
+    std::string& uevent = opened_->uevent;
+    if (!opened_->ueventRead) {
+        opened_->ueventRead = true;
+        uevent.assign(1, '\n');
+        uevent += Bytes("uevent", LongestUevent);
     }
     const std::string start = "\n" + key + "=";
-    const std::size_t found = uevent_->find(start);
+    const std::size_t found = uevent.find(start);
     if (found == std::string::npos)
         return {};
     const std::size_t begin = found + start.size();
-    const std::string value = uevent_->substr(begin, uevent_->find('\n', begin) - begin);
+    const std::string value = uevent.substr(begin, uevent.find('\n', begin) - begin);
     return CleanAttribute(value).toStdString();
 }
 
@@ -219,7 +276,7 @@ std::string Node::Modalias() const {
 }
 
 std::vector<std::string> Node::List(const std::string& name) const {
-    return sysfs_->List(name.empty() ? path_ : path_ + "/" + name);
+    return Folder() < 0 ? std::vector<std::string>() : ListFolder(Folder(), name.empty() ? "." : name);
 }
 
 std::string LastComponent(const std::string& path) {

@@ -22,20 +22,23 @@ class Sysfs {
     // The target of a link as a path below the root, taken textually, since links of captured trees dangle. Empty for
     // what is no link and for targets outside the root.
     std::string Link(const std::string& path) const;
-    // The last component of a link's target; empty for what is no link.
-    std::string LinkName(const std::string& path) const;
     // The names in a folder, in an order that counts digits as numbers; none where it cannot be listed.
     std::vector<std::string> List(const std::string& path) const;
     // Whether a name is there, dangling links included.
     bool Has(const std::string& path) const;
     // The folder behind an entry of a bus or class folder: the link's target, or the entry itself where it is a folder.
     std::string Resolve(const std::string& path) const;
+    // The whole path, for the file calls.
+    std::string Absolute(const std::string& path) const { return root_ + path; }
+    // A link's target, as it is written there, as a path below the root; empty for one outside.
+    std::string Below(const std::string& folder, const std::string& target) const;
 
   private:
     std::string root_;
 };
 
-// One device folder. Copies are cheap; "uevent" is read once, at the first question.
+// One device folder, opened at the first question. All answers come from that folder, also when another device takes
+// its place in the tree meanwhile, so that no record becomes a mix of two. Copies share what was opened and read.
 class Node {
   public:
     Node(const Sysfs& sysfs, std::string path);
@@ -43,8 +46,8 @@ class Node {
     const std::string& Path() const { return path_; }
     std::string Name() const;
     Node Parent() const;
-    Node Child(const std::string& name) const { return {*sysfs_, path_ + "/" + name}; }
-    bool Exists() const { return sysfs_->Has(path_); }
+    Node Child(const std::string& name) const;
+    bool Exists() const { return Folder() >= 0; }
 
     // A text attribute without the blanks and line ends around it, cut at its first NUL. Nothing where it is missing,
     // empty, longer than 1,000 bytes or no UTF-8. Control characters other than the tab become blanks.
@@ -60,15 +63,23 @@ class Node {
     // The "modalias" attribute, else the MODALIAS of "uevent".
     std::string Modalias() const;
 
-    std::string LinkName(const std::string& name) const { return sysfs_->LinkName(path_ + "/" + name); }
-    std::string Link(const std::string& name) const { return sysfs_->Link(path_ + "/" + name); }
-    bool Has(const std::string& name) const { return sysfs_->Has(path_ + "/" + name); }
+    // The last component of a link's target; empty for what is no link.
+    std::string LinkName(const std::string& name) const;
+    // As those of Sysfs, for a name in this folder.
+    std::string Link(const std::string& name) const;
+    bool Has(const std::string& name) const;
     std::vector<std::string> List(const std::string& name = {}) const;
 
   private:
+    struct Opened;
+
+    // The open folder; -1 if there is none.
+    int Folder() const;
+    std::optional<std::string> Read(const std::string& name, std::size_t limit) const;
+
     const Sysfs* sysfs_;
     std::string path_;
-    mutable std::shared_ptr<std::string> uevent_;
+    std::shared_ptr<Opened> opened_;
 };
 
 // The last component of a path.

@@ -16,7 +16,7 @@ bool IsRouter(const std::string& name) {
 
 std::vector<std::string> ListRouters(const Context& context) {
     std::vector<std::string> routers;
-    for (const std::string& path : ListFolders(context, "/bus/thunderbolt/devices")) {
+    for (const std::string& path : ListEntries(context, "/bus/thunderbolt/devices")) {
         if (IsRouter(LastComponent(path)))
             routers.push_back(path);
     }

@@ -174,7 +174,7 @@ void ReadInterface(Context& context, const Node& node, std::vector<Device>& devi
     devices.push_back(std::move(device));
 }
 
-std::vector<std::string> ListUsb(const Context& context) { return ListFolders(context, "/bus/usb/devices"); }
+std::vector<std::string> ListUsb(const Context& context) { return ListEntries(context, "/bus/usb/devices"); }
 
 void ReadUsb(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);

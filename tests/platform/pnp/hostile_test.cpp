@@ -4,8 +4,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <atomic>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace {
 
@@ -107,4 +110,41 @@ TEST(HostileAttributes, ADeviceThatVanishesIsLeftOut) {
     ASSERT_NE(tree->At(0), nullptr);
     fixture.Remove(Folder);
     EXPECT_EQ(tree->At(1), nullptr);
+}
+
+// Devices come and go while they are read, and another takes the place of one that goes: a record may lack fields, yet
+// never holds those of two devices.
+TEST(HotPlug, NoRecordIsAMixOfTwoDevices) {
+    DeviceFixture fixture;
+    const QString place = fixture.Root() + QStringLiteral("/devices/pci0000:00/0000:00:03.0");
+    const auto device = [](const char* digit) {
+        return QByteArray("vendor = 0x") + digit + "\ndevice = 0x" + digit + "\nsubsystem_vendor = 0x" + digit +
+               "\nsubsystem_device = 0x" + digit + "\nclass = 0x020000\n";
+    };
+    fixture.Add("/devices/pci0000:00/0000:00:03.0 @ bus/pci\n" + device("1111"));
+    fixture.Add("/devices/other\n" + device("2222"));
+    const std::string live = QFile::encodeName(place).toStdString();
+    const std::string other = QFile::encodeName(fixture.Root() + QStringLiteral("/devices/other")).toStdString();
+    const std::string aside = live + ".aside";
+    std::atomic<bool> stop = false;
+    std::thread exchange([&] {
+        while (!stop) {
+            std::rename(live.c_str(), aside.c_str());
+            std::rename(other.c_str(), live.c_str());
+            std::rename(aside.c_str(), other.c_str());
+        }
+    });
+    int seen = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const std::shared_ptr<pnp::DeviceTree> tree = pnp::BindTree();
+        const pnp::Device* found = tree->At(0);
+        if (found == nullptr)
+            continue;
+        ++seen;
+        const QString ids = found->hardwareIds.join(QString());
+        EXPECT_FALSE(ids.contains(QStringLiteral("1111")) && ids.contains(QStringLiteral("2222"))) << Plain(ids);
+    }
+    stop = true;
+    exchange.join();
+    EXPECT_GT(seen, 0);
 }
