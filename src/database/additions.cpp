@@ -183,15 +183,9 @@ QString OrUnknown(const QString& text) { return text.isEmpty() ? QStringLiteral(
 bool IsDeviceInDatabase(const QString& line) {
     const Contribution device = SplitContribution(line);
     base::Yield();
-    bool known = false;
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-        const quint64 generation = Generation();
-        known = IsKnown(device.HardwareId, OrUnknown(device.Name), OrUnknown(device.Manufacturer));
-        if (Generation() == generation) {
-            break;
-        }
-    }
-    return known;
+    data::ReadHold hold;
+    hold.Hold(DatabaseConnection());
+    return IsKnown(device.HardwareId, OrUnknown(device.Name), OrUnknown(device.Manufacturer));
 }
 
 void AddDeviceToDatabase(const QString& line) {

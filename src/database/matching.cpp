@@ -19,22 +19,29 @@ constexpr int mostAttempts = 3; // searches of one window while others keep repl
 
 quint64 Generation() { return DatabaseConnection() ? DatabaseConnection()->Generation() : 0; }
 
-void AddMatches(const QString& hwid, const QString& info, suite::ListItems& rows) {
+// The two lookups of one entry and those of the next read one state of the database, unless something else ran between
+// them.
+void AddMatches(const QString& hwid, const QString& info, suite::ListItems& rows, data::ReadHold& hold) {
+    const QString length = base::FormatNumber(double(hwid.size()), QStringLiteral("000"));
     for (const InfoEntry& entry : DecodeInfo(info)) {
+        hold.Hold(DatabaseConnection());
         suite::ListItem* row = rows.Add(DeviceNameById(entry.NameId));
         row->SetSubItems(ManufacturerColumn, ManufacturerById(entry.ManufacturerId));
         row->SetSubItems(HardwareIdColumn, hwid);
-        row->SetSubItems(LengthColumn, base::FormatNumber(double(hwid.size()), QStringLiteral("000")));
-        base::Yield();
+        row->SetSubItems(LengthColumn, length);
+        base::Yield([&hold] { hold.LetGo(); });
     }
 }
 
 void RunQuery(const QString& query, suite::ListItems& rows) {
+    data::ReadHold hold;
+    const auto letGo = [&hold] { hold.LetGo(); };
     // The slot is everyone's; these rows stay this search's own while another search interleaves.
     const auto found = std::make_shared<data::Recordset>();
     RecordsetSlot(Slot::Hwids) = found;
+    hold.Hold(DatabaseConnection());
     data::Ran([&] { found->Open(query, DatabaseConnection()); });
-    base::Yield();
+    base::Yield(letGo);
 
     qint64 count = 1; // where it cannot be read: one pass over nothing
     data::Ran([&] { count = found->RecordCount(); });
@@ -43,10 +50,10 @@ void RunQuery(const QString& query, suite::ListItems& rows) {
         QString info;
         data::Ran([&] { hwid = found->Value(QStringLiteral("hwid")).toString(); });
         data::Ran([&] { info = found->Value(QStringLiteral("info")).toString(); });
-        base::Yield();
-        AddMatches(hwid, info, rows);
+        base::Yield(letGo);
+        AddMatches(hwid, info, rows, hold);
         data::Ran([&] { found->MoveNext(); });
-        base::Yield();
+        base::Yield(letGo);
     }
 }
 

@@ -32,14 +32,24 @@ template <typename Dispatch> void Dispatched(Dispatch dispatch) {
     state.sinceDispatch.start();
 }
 
+bool DispatchIsDue() {
+    const YieldState& state = State();
+    return state.gateMilliseconds <= 0 || !state.sinceDispatch.isValid() ||
+           state.sinceDispatch.elapsed() >= state.gateMilliseconds;
+}
+
 } // namespace
 
 void Yield() {
-    const YieldState& state = State();
-    if (state.gateMilliseconds > 0 && state.sinceDispatch.isValid() &&
-        state.sinceDispatch.elapsed() < state.gateMilliseconds)
-        return;
-    Dispatched([] { QCoreApplication::processEvents(); });
+    if (DispatchIsDue())
+        Dispatched([] { QCoreApplication::processEvents(); });
+}
+
+void Yield(const std::function<void()>& letGo) {
+    if (DispatchIsDue()) {
+        letGo();
+        Dispatched([] { QCoreApplication::processEvents(); });
+    }
 }
 
 void YieldBlocking(int milliseconds) {

@@ -3,11 +3,17 @@
 // yield.
 #pragma once
 
+#include <functional>
+
 namespace base {
 
 // Dispatches pending events, unless the last dispatch ended less than the gate ago. Must not be called while a
 // NoYieldScope lives (asserted).
 void Yield();
+
+// The same; `letGo` is called first if events are going to be dispatched, and not otherwise: for what may be kept between
+// two steps but never while anything else runs.
+void Yield(const std::function<void()>& letGo);
 
 // For loops that wait for something outside: blocks until an event arrives, at most `milliseconds`, and dispatches it.
 void YieldBlocking(int milliseconds);

@@ -99,4 +99,21 @@ const std::shared_ptr<Session>& Connection::RequireSession() const {
     return session_;
 }
 
+void ReadHold::Hold(const ConnectionPtr& connection) {
+    const std::shared_ptr<Session> session = connection ? connection->session_ : nullptr;
+    if (session != session_) {
+        LetGo();
+    }
+    if (session && Ran([&] { session->Hold(); })) {
+        session_ = session;
+    }
+}
+
+void ReadHold::LetGo() {
+    if (session_) {
+        session_->LetGo();
+        session_.reset();
+    }
+}
+
 } // namespace data

@@ -44,6 +44,7 @@ class Connection {
 
   private:
     friend class Command;
+    friend class ReadHold;
     friend class Recordset;
     // Throws ErrorInvalidConnection while closed.
     const std::shared_ptr<Session>& RequireSession() const;
@@ -54,5 +55,22 @@ class Connection {
 };
 
 using ConnectionPtr = std::shared_ptr<Connection>;
+
+// Keeps the database as it is for several queries in a row, which then read one state of it and cost less. Writers wait
+// meanwhile: let go before events are dispatched.
+class ReadHold {
+  public:
+    ReadHold() = default;
+    ~ReadHold() { LetGo(); }
+    ReadHold(const ReadHold&) = delete;
+    ReadHold& operator=(const ReadHold&) = delete;
+
+    // Null, closed and held already are passed over.
+    void Hold(const ConnectionPtr& connection);
+    void LetGo();
+
+  private:
+    std::shared_ptr<Session> session_;
+};
 
 } // namespace data

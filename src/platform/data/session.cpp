@@ -90,7 +90,7 @@ bool ConfigureHandle(sqlite3* handle) {
 class Session::Run {
   public:
     Run(Session& session, const QByteArray& sql, const std::vector<QVariant>& values)
-        : session_(session), statement_(session.Prepare(sql)) {
+        : session_(session), prepared_(session.Prepare(sql)), statement_(prepared_.Statement) {
         int at = 0;
         for (const QVariant& value : values) {
             const int code = Bind(statement_, ++at, value);
@@ -116,9 +116,11 @@ class Session::Run {
     }
 
     sqlite3_stmt* Statement() const { return statement_; }
+    Prepared& Source() const { return prepared_; }
 
   private:
     Session& session_;
+    Prepared& prepared_;
     sqlite3_stmt* statement_;
 };
 
@@ -179,6 +181,7 @@ void Session::Close() {
     sqlite3_close(handle_);
     handle_ = nullptr;
     inTransaction_ = false;
+    held_ = false;
 }
 
 void Session::Fail(int code) const {
@@ -186,11 +189,11 @@ void Session::Fail(int code) const {
     throw Error(number, QString::fromUtf8(sqlite3_errmsg(handle_)));
 }
 
-sqlite3_stmt* Session::Prepare(const QByteArray& sql) {
+Session::Prepared& Session::Prepare(const QByteArray& sql) {
     for (auto prepared = statements_.begin(); prepared != statements_.end(); ++prepared) {
         if (prepared->Sql == sql) {
             statements_.splice(statements_.begin(), statements_, prepared);
-            return statements_.front().Statement;
+            return statements_.front();
         }
     }
     sqlite3_stmt* statement = nullptr;
@@ -199,18 +202,31 @@ sqlite3_stmt* Session::Prepare(const QByteArray& sql) {
     if (code != SQLITE_OK) {
         Fail(code);
     }
-    statements_.push_front({sql, statement});
+    statements_.push_front({sql, statement, {}, -1});
     if (statements_.size() > keptStatements) {
         sqlite3_finalize(statements_.back().Statement);
         statements_.pop_back();
     }
-    return statement;
+    return statements_.front();
+}
+
+void Session::ReadColumns(Prepared& prepared, int first) {
+    const int prepares = sqlite3_stmt_status(prepared.Statement, SQLITE_STMTSTATUS_REPREPARE, 0);
+    if (prepares == prepared.ColumnsPrepared) {
+        return;
+    }
+    prepared.ColumnsPrepared = prepares;
+    prepared.Columns.clear();
+    const int count = sqlite3_column_count(prepared.Statement);
+    for (int column = first; column < count; ++column) {
+        prepared.Columns.append(QString::fromUtf8(sqlite3_column_name(prepared.Statement, column)));
+    }
 }
 
 qint64 Session::LastIdentity() const { return handle_ == nullptr ? 0 : sqlite3_last_insert_rowid(handle_); }
 
 void Session::FollowFile() {
-    if (inTransaction_) {
+    if (inTransaction_ || held_) {
         return;
     }
     const FileIdentity now = IdentityOf(path_);
@@ -233,11 +249,10 @@ Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values,
     Table table;
     const int first = withRowId ? 1 : 0;
     bool more = run.Step();
-    // The names only now: the first step prepares anew where the tables have changed.
-    const int count = sqlite3_column_count(run.Statement());
-    for (int column = first; column < count; ++column) {
-        table.Columns.append(QString::fromUtf8(sqlite3_column_name(run.Statement(), column)));
-    }
+    // Only now: the first step prepares anew where the tables have changed.
+    ReadColumns(run.Source(), first);
+    table.Columns = run.Source().Columns;
+    const int count = first + int(table.Columns.size());
     for (; more; more = run.Step()) {
         if (withRowId) {
             table.RowIds.push_back(sqlite3_column_int64(run.Statement(), 0));
@@ -252,6 +267,7 @@ Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values,
 }
 
 int Session::Change(const QByteArray& sql, const std::vector<QVariant>& values) {
+    LetGo();
     FollowFile();
     // Between this look and the write the store itself looks once more and refuses a file that was moved.
     RequireWritableFile();
@@ -279,10 +295,26 @@ void Session::RunPlain(const char* sql) {
     }
 }
 
+void Session::Hold() {
+    if (!inTransaction_ && !held_) {
+        FollowFile();
+        RunPlain("BEGIN");
+        held_ = true;
+    }
+}
+
+void Session::LetGo() {
+    if (held_) {
+        held_ = false;
+        sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+    }
+}
+
 void Session::Begin() {
     if (inTransaction_) {
         throw Error(ErrorInvalidArgument);
     }
+    LetGo();
     FollowFile();
     RunPlain("BEGIN IMMEDIATE");
     inTransaction_ = true;

@@ -43,6 +43,12 @@ class Session {
     void Commit();
     void Rollback();
 
+    // Keeps the file as it is for reading, between calls, until LetGo: the calls between them read one state of one
+    // file and are spared its locking. Writers wait meanwhile, so it is never kept while events are dispatched. A write
+    // transaction ends it.
+    void Hold();
+    void LetGo();
+
     // The number that the last successful insert gave its row; kept when an insert fails or is taken back and when the
     // file is replaced.
     qint64 LastIdentity() const;
@@ -57,7 +63,9 @@ class Session {
   private:
     struct Prepared {
         QByteArray Sql;
-        sqlite3_stmt* Statement;
+        sqlite3_stmt* Statement = nullptr;
+        QStringList Columns;      // read at its first row
+        int ColumnsPrepared = -1; // how often the store had prepared it anew then: its columns may have changed since
     };
     struct FileIdentity {
         quint64 Device = 0;
@@ -70,7 +78,8 @@ class Session {
     static FileIdentity IdentityOf(const QString& path);
     void Open();
     void Close();
-    sqlite3_stmt* Prepare(const QByteArray& sql);
+    Prepared& Prepare(const QByteArray& sql);
+    static void ReadColumns(Prepared& prepared, int first);
     void RunPlain(const char* sql);
     void RequireWritableFile();
     [[noreturn]] void Fail(int code) const;
@@ -82,6 +91,7 @@ class Session {
     quint64 generation_ = 0;
     qint64 identityBefore_ = 0; // of the present transaction
     bool inTransaction_ = false;
+    bool held_ = false;
 };
 
 // What every handle of ours is set to: durable writes, a rollback journal, and nothing of the file's own code

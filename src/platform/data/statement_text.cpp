@@ -12,13 +12,13 @@ enum class TokenKind { Word, Bracketed, Text, Number, Parameter, Symbol };
 
 struct Token {
     TokenKind Kind = TokenKind::Symbol;
-    QString Spelling; // as it is emitted; for literals unused
-    QVariant Value;   // of Text and Number
+    QStringView Spelling; // as it is emitted; for literals unused
+    QVariant Value;       // of Text and Number
 
     bool IsWord(QLatin1String word) const {
         return Kind == TokenKind::Word && Spelling.compare(word, Qt::CaseInsensitive) == 0;
     }
-    bool IsSymbol(char16_t symbol) const { return Kind == TokenKind::Symbol && Spelling == QChar(symbol); }
+    bool IsSymbol(char16_t symbol) const { return Kind == TokenKind::Symbol && Spelling.front() == symbol; }
     bool IsName() const { return Kind == TokenKind::Word || Kind == TokenKind::Bracketed; }
     bool IsLiteral() const { return Kind == TokenKind::Text || Kind == TokenKind::Number; }
 };
@@ -42,6 +42,7 @@ class Tokeniser {
 
     Tokens Run() {
         Tokens tokens;
+        tokens.reserve(16);
         for (SkipBlanks(); at_ < text_.size(); SkipBlanks()) {
             tokens.push_back(Next());
         }
@@ -58,7 +59,7 @@ class Tokeniser {
     Token Next() {
         const QChar first = text_[at_];
         if (first == u'\'' || first == u'"') {
-            return {TokenKind::Text, QString(), Quoted(first)};
+            return {TokenKind::Text, {}, Quoted(first)};
         }
         if (first == u'[') {
             return Bracketed();
@@ -71,18 +72,21 @@ class Tokeniser {
             while (at_ < text_.size() && (IsLetter(text_[at_]) || IsDigit(text_[at_]))) {
                 ++at_;
             }
-            return {TokenKind::Word, text_.mid(start, at_ - start), QVariant()};
+            return {TokenKind::Word, Piece(start), QVariant()};
         }
         if (first == u'?') {
             ++at_;
-            return {TokenKind::Parameter, QString(), QVariant()};
+            return {TokenKind::Parameter, {}, QVariant()};
         }
         if (!QStringView(u"*,().=<>+-/&;").contains(first)) {
             FailInText(QStringLiteral("unexpected character"));
         }
         ++at_;
-        return {TokenKind::Symbol, QString(first), QVariant()};
+        return {TokenKind::Symbol, Piece(at_ - 1), QVariant()};
     }
+
+    // From `start` to where the tokeniser stands.
+    QStringView Piece(qsizetype start) const { return QStringView(text_).mid(start, at_ - start); }
 
     // A quote inside is doubled.
     QString Quoted(QChar quote) {
@@ -107,7 +111,7 @@ class Tokeniser {
         if (end < 0) {
             FailInText(QStringLiteral("a bracket is not closed"));
         }
-        const QString name = text_.mid(at_ + 1, end - at_ - 1);
+        const QStringView name = QStringView(text_).mid(at_ + 1, end - at_ - 1);
         for (const QChar character : name) {
             if (!IsLetter(character) && !IsDigit(character) && character != u' ') {
                 FailInText(QStringLiteral("a name in brackets"));
@@ -125,10 +129,10 @@ class Tokeniser {
         if (at_ < text_.size() && IsLetter(text_[at_])) {
             FailInText(QStringLiteral("a number runs into a word"));
         }
-        const QString digits = text_.mid(start, at_ - start);
+        const QStringView digits = Piece(start);
         bool whole = false;
         const qlonglong value = digits.toLongLong(&whole);
-        return {TokenKind::Number, QString(), whole ? QVariant(value) : QVariant(digits.toDouble())};
+        return {TokenKind::Number, QString(), whole ? QVariant(value) : QVariant(digits.toString().toDouble())};
     }
 
     const QString& text_;
@@ -140,9 +144,9 @@ QString ColumnName(const Tokens& tokens, size_t& at) {
     if (at >= tokens.size() || !tokens[at].IsName()) {
         return QString();
     }
-    QString name = QLatin1Char('[') + tokens[at++].Spelling + QLatin1Char(']');
+    QString name = QStringLiteral("[%1]").arg(tokens[at++].Spelling);
     if (at + 1 < tokens.size() && tokens[at].IsSymbol(u'.') && tokens[at + 1].IsName()) {
-        name += QStringLiteral(".[") + tokens[at + 1].Spelling + QLatin1Char(']');
+        name += QStringLiteral(".[%1]").arg(tokens[at + 1].Spelling);
         at += 2;
     }
     return name;
@@ -240,7 +244,7 @@ StatementText TranslateSelect(const Tokens& tokens) {
         EmitRest(tokens, 0, statement);
         return statement;
     }
-    statement.Table = tokens[3].Spelling;
+    statement.Table = tokens[3].Spelling.toString();
     statement.WholeTable = tokens.size() == 4;
     statement.Sql = "SELECT rowid, * FROM [" + statement.Table.toUtf8() + ']';
     EmitRest(tokens, 4, statement);
