@@ -3,11 +3,9 @@
 #include "suite/paint_tools.h"
 
 #include <QCheckBox>
-#include <QHelpEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPointer>
-#include <QToolTip>
 
 namespace suite {
 
@@ -45,16 +43,6 @@ class CheckFace : public QCheckBox {
             const QRect around(room.left() - Scaled(3), 0, width + Scaled(6), height());
             DrawFocusRing(painter, around.intersected(rect()), Mix(fore, back, 0.25));
         }
-    }
-
-    bool event(QEvent* event) override {
-        if (event->type() == QEvent::ToolTip && parentWidget()->toolTip().isEmpty()) {
-            const bool cut = fontMetrics().horizontalAdvance(ShownCaption(text())) > CaptionRect().width();
-            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), cut ? ShownCaption(text()) : QString(),
-                               this);
-            return true;
-        }
-        return QCheckBox::event(event);
     }
 
   private:
@@ -101,6 +89,10 @@ void CheckBox::SetCaption(const QString& caption) {
     box_->setText(caption);
     SetAccessibleLabel(ShownCaption(caption));
 }
+
+QString CheckBox::ShownText() const { return ShownCaption(caption_); }
+
+int CheckBox::TextRoom() const { return width() - Scaled(kBox + kGap + 1) - Scaled(2); }
 
 int CheckBox::Value() const { return box_->isChecked() ? 1 : 0; }
 

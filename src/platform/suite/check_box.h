@@ -21,6 +21,10 @@ class CheckBox : public HostedControl {
     int Value() const;
     void SetValue(int value);
 
+  protected:
+    QString ShownText() const override;
+    int TextRoom() const override;
+
   private:
     QCheckBox* box_;
     QString caption_;

@@ -4,12 +4,10 @@
 #include "suite/paint_tools.h"
 
 #include <QColorDialog>
-#include <QHelpEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QPushButton>
 #include <QSettings>
-#include <QToolTip>
 
 namespace suite {
 
@@ -54,17 +52,6 @@ class PickerFace : public QPushButton {
                          fontMetrics().elidedText(Label(), Qt::ElideRight, room.width()));
         if (hasFocus())
             DrawFocusRing(painter, rect(), Mix(ink, back, 0.25));
-    }
-
-    bool event(QEvent* event) override {
-        if (event->type() == QEvent::ToolTip && picker_->toolTip().isEmpty()) {
-            const bool cut = fontMetrics().horizontalAdvance(Label()) > CaptionRect().width();
-            const QString colour = ToQColor(picker_->Color()).name().toUpper();
-            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
-                               cut ? Label() + QStringLiteral(": ") + colour : colour, this);
-            return true;
-        }
-        return QPushButton::event(event);
     }
 
   private:
@@ -135,6 +122,17 @@ void ColorPicker::SetColor(base::Colour colour) {
 }
 
 void ColorPicker::Describe() { button_->setAccessibleDescription(ToQColor(colour_).name().toUpper()); }
+
+// The swatch alone does not tell its number.
+QString ColorPicker::TipText() const {
+    const QString cut = HostedControl::TipText();
+    const QString colour = ToQColor(colour_).name().toUpper();
+    return cut.isEmpty() ? colour : cut + QStringLiteral(": ") + colour;
+}
+
+QString ColorPicker::ShownText() const { return ShownCaption(caption_); }
+
+int ColorPicker::TextRoom() const { return width() - Scaled(kSwatchWidth + kGap + 3) - Scaled(2); }
 
 void ColorPicker::Pick() {
     // The dialog lets everything else of the program run, and must not open twice for one colour.

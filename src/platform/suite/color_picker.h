@@ -38,6 +38,11 @@ class ColorPicker : public HostedControl {
   Q_SIGNALS:
     void Change();
 
+  protected:
+    QString TipText() const override;
+    QString ShownText() const override;
+    int TextRoom() const override;
+
   private:
     void Describe();
 

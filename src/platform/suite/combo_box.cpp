@@ -12,7 +12,8 @@ namespace suite {
 
 namespace {
 
-constexpr double kArrowRoom = 22; // pixels at 96 dots per inch
+constexpr double kMargin = 6; // left of the text, pixels at 96 dots per inch
+constexpr double kArrowRoom = 22;
 
 class ComboFace : public QComboBox {
   public:
@@ -48,7 +49,7 @@ class ComboFace : public QComboBox {
         painter.setPen(QPen(fore, Scaled(1.5), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPath(path);
 
-        const QRect room = rect().adjusted(Scaled(6), 0, -Scaled(kArrowRoom), 0);
+        const QRect room = rect().adjusted(Scaled(kMargin), 0, -Scaled(kArrowRoom), 0);
         painter.setPen(fore);
         painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(currentText(), Qt::ElideRight, room.width()));
@@ -70,6 +71,10 @@ void ComboBox::ApplyColours() {
     box_->setPalette(palette);
     box_->view()->setPalette(palette);
 }
+
+QString ComboBox::ShownText() const { return Text(); }
+
+int ComboBox::TextRoom() const { return width() - Scaled(kMargin) - Scaled(kArrowRoom); }
 
 void ComboBox::AddItem(const QString& text) {
     box_->addItem(text);

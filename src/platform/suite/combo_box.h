@@ -38,6 +38,8 @@ class ComboBox : public HostedControl {
 
   protected:
     void ApplyColours() override;
+    QString ShownText() const override;
+    int TextRoom() const override;
 
   private:
     QComboBox* box_;

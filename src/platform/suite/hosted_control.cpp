@@ -3,10 +3,12 @@
 #include "suite/paint_tools.h"
 
 #include <QEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPointer>
+#include <QToolTip>
 
 namespace suite {
 
@@ -54,6 +56,11 @@ void HostedControl::Refresh() {
 
 QSize HostedControl::sizeHint() const { return inner_ ? inner_->sizeHint() : Control::sizeHint(); }
 
+QString HostedControl::TipText() const {
+    const QString text = ShownText();
+    return fontMetrics().horizontalAdvance(text) > TextRoom() ? text : QString();
+}
+
 bool HostedControl::eventFilter(QObject* watched, QEvent* event) {
     const QPointer<QObject> alive(this);
     switch (event->type()) {
@@ -74,6 +81,12 @@ bool HostedControl::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::FocusOut:
         if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
             Q_EMIT LostFocus();
+        break;
+    case QEvent::ToolTip:
+        if (watched == inner_ && toolTip().isEmpty()) {
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TipText(), inner_);
+            return true;
+        }
         break;
     default:
         break;

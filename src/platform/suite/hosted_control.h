@@ -32,6 +32,11 @@ class HostedControl : public forms::Control {
     void Host(QWidget* inner);
     // Brings the widget's colours in line with BackColor and ForeColor.
     virtual void ApplyColours();
+    // The tool tip where the program has set none: by default a text that is too long for its room, and else nothing.
+    virtual QString TipText() const;
+    // The text that the widget shows and the room it has for it in pixels; an empty text never gives a tip.
+    virtual QString ShownText() const { return {}; }
+    virtual int TextRoom() const { return width(); }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

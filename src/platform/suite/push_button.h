@@ -17,6 +17,10 @@ class PushButton : public HostedControl {
     QString Caption() const { return caption_; }
     void SetCaption(const QString& caption);
 
+  protected:
+    QString ShownText() const override;
+    int TextRoom() const override;
+
   private:
     QPushButton* button_;
     QString caption_;

@@ -12,9 +12,12 @@
 #include "suite/tab_control.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QComboBox>
+#include <QHelpEvent>
 #include <QScrollBar>
 #include <QTest>
+#include <QToolTip>
 #include <gtest/gtest.h>
 
 namespace {
@@ -197,6 +200,25 @@ TEST_F(SuiteControls, ListBoxKeepsTextsAsTheyStand) {
     EXPECT_EQ(list->List(5), QString());
     list->Clear();
     EXPECT_EQ(list->ListCount(), 0);
+}
+
+TEST_F(SuiteControls, TextsThatAreCutOffAreToolTips) {
+    auto* box = Make<suite::CheckBox>("CheckA");
+    box->Move(0, 0, 1200, 300);
+    const auto tip = [](QWidget* inner) {
+        QToolTip::hideText();
+        QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), inner->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(inner, &help);
+        return QToolTip::text();
+    };
+    box->SetCaption(QStringLiteral("Short"));
+    EXPECT_EQ(tip(box->Inner()), QString());
+    box->SetCaption(QStringLiteral("Search && find a long caption"));
+    EXPECT_EQ(tip(box->Inner()), QStringLiteral("Search & find a long caption"));
+    auto* picker = Make<suite::ColorPicker>("ColorPicker2");
+    picker->SetCaption(QStringLiteral("Text"));
+    picker->SetColor(Colour(0x0000FF));
+    EXPECT_EQ(tip(picker->Inner()), QStringLiteral("#FF0000"));
 }
 
 // What a skin sets on each kind of control must be there by its name.
