@@ -33,11 +33,13 @@ struct HlsFactors {
 
 // One pixel after the other through ToHls and FromHls.
 void ScaleHlsPlain(quint8* pixels, qsizetype count, const HlsFactors& factors);
-// The same from a table of what depends on a pixel's largest and smallest channel alone; worth its making for pictures.
+// The same, byte for byte, four pixels at a time in single precision; where a result comes too close to the middle between
+// two bytes the plain routine decides.
 void ScaleHls(quint8* pixels, qsizetype count, const HlsFactors& factors);
 
-// (1 - alpha / 255) * target + source * alpha / 255 for blue, green and red, rounded to nearest.
-void BlendBytes(quint8* target, const quint8* source, qsizetype pixels, int alpha);
+// (1 - alpha / 255) * target + source * alpha / 255 for blue, green and red, rounded to nearest; `alpha` 0 to 255. The
+// two must not overlap.
+void BlendPixels(quint32* target, const quint32* source, int pixels, int alpha);
 
 struct PixelRows {
     const quint8* first = nullptr;
@@ -46,7 +48,8 @@ struct PixelRows {
     const quint8* Row(int row) const { return first + qsizetype(row) * width * 4; }
 };
 
-// Bilinear, from `source` into `target` of newWidth by newHeight pixels. Neither may be empty.
+// Bilinear, from `source` into `target` of newWidth by newHeight pixels. Neither may be empty. A target pixel shows the
+// source at its position times (side - 1) / new side, so the far ends are not reached.
 void ResampleBilinear(const PixelRows& source, quint8* target, int newWidth, int newHeight);
 
 } // namespace controls

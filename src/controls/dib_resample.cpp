@@ -1,7 +1,10 @@
 // Bilinear resampling. Each source row that is needed is stretched once; a target row then blends two of those.
 #include "controls/dib_pixels.h"
+#include "controls/wide_code.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -22,18 +25,66 @@ SourcePlace PlaceOf(int position, float ratio, int length) {
     return {first, std::min(first + 1, length - 1), at - std::floor(at)};
 }
 
+using Byte4 = quint8 __attribute__((vector_size(4)));
+using Float4 = float __attribute__((vector_size(16)));
+
+[[gnu::always_inline]] inline Float4 PixelAt(const quint8* at) {
+    Byte4 bytes;
+    std::memcpy(&bytes, at, sizeof bytes);
+    return __builtin_convertvector(bytes, Float4);
+}
+
+[[gnu::always_inline]] inline void StretchRow(const quint8* from, const SourcePlace* places, float* to, int pixels) {
+    for (int x = 0; x < pixels; ++x) {
+        const Float4 first = PixelAt(from + places[x].first * 4);
+        const Float4 second = PixelAt(from + places[x].second * 4);
+        const Float4 result = first + (second - first) * places[x].part;
+        std::memcpy(to + x * 4, &result, sizeof result);
+    }
+}
+
 // Rounds to nearest, ties to even, for 0 to 255: adding 1.5 * 2^23 leaves the whole number in the low bits.
-quint8 RoundedByte(float value) {
-    const float shifted = value + 12582912.0F;
-    quint32 bits = 0;
-    std::memcpy(&bits, &shifted, sizeof bits);
-    return quint8(bits);
+[[gnu::always_inline]] inline void BlendRows(const float* __restrict first, const float* __restrict second, float part,
+                                             quint8* __restrict target, int bytes) {
+    for (int i = 0; i < bytes; ++i)
+        target[i] = quint8(std::bit_cast<quint32>(first[i] + (second[i] - first[i]) * part + 12582912.0F));
+}
+
+struct RowRoutines {
+    void (*stretch)(const quint8* from, const SourcePlace* places, float* to, int pixels);
+    void (*blend)(const float* first, const float* second, float part, quint8* target, int bytes);
+};
+
+void StretchAnywhere(const quint8* from, const SourcePlace* places, float* to, int pixels) {
+    StretchRow(from, places, to, pixels);
+}
+
+void BlendAnywhere(const float* first, const float* second, float part, quint8* target, int bytes) {
+    BlendRows(first, second, part, target, bytes);
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]]
+#endif
+void StretchWide(const quint8* from, const SourcePlace* places, float* to, int pixels) {
+    StretchRow(from, places, to, pixels);
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]]
+#endif
+void BlendWide(const float* first, const float* second, float part, quint8* target, int bytes) {
+    BlendRows(first, second, part, target, bytes);
+}
+
+RowRoutines Routines() {
+    return HasWideRegisters() ? RowRoutines{StretchWide, BlendWide} : RowRoutines{StretchAnywhere, BlendAnywhere};
 }
 
 class StretchedRows {
   public:
-    StretchedRows(const PixelRows& source, int newWidth)
-        : source_(source), newWidth_(newWidth),
+    StretchedRows(const PixelRows& source, int newWidth, decltype(RowRoutines::stretch) stretch)
+        : source_(source), newWidth_(newWidth), stretch_(stretch),
           places_(size_t(newWidth)), rows_{std::vector<float>(size_t(newWidth) * 4),
                                            std::vector<float>(size_t(newWidth) * 4)} {
         const float ratio = float(source.width - 1) / float(newWidth);
@@ -46,46 +97,32 @@ class StretchedRows {
         std::vector<float>& stretched = rows_[size_t(row & 1)];
         if (held_[size_t(row & 1)] != row) {
             held_[size_t(row & 1)] = row;
-            Stretch(source_.Row(row), stretched.data());
+            stretch_(source_.Row(row), places_.data(), stretched.data(), newWidth_);
         }
         return stretched.data();
     }
 
   private:
-    void Stretch(const quint8* from, float* to) const {
-        for (int x = 0; x < newWidth_; ++x) {
-            const SourcePlace& place = places_[size_t(x)];
-            const quint8* first = from + place.first * 4;
-            const quint8* second = from + place.second * 4;
-            for (int channel = 0; channel < 4; ++channel)
-                to[x * 4 + channel] =
-                    float(first[channel]) + float(int(second[channel]) - int(first[channel])) * place.part;
-        }
-    }
-
     PixelRows source_;
     int newWidth_;
+    decltype(RowRoutines::stretch) stretch_;
     std::vector<SourcePlace> places_;
     std::array<std::vector<float>, 2> rows_;
     std::array<int, 2> held_{-1, -1};
 };
 
-void BlendRows(const float* first, const float* second, float part, quint8* target, qsizetype bytes) {
-    for (qsizetype i = 0; i < bytes; ++i)
-        target[i] = RoundedByte(first[i] + (second[i] - first[i]) * part);
-}
-
 } // namespace
 
 void ResampleBilinear(const PixelRows& source, quint8* target, int newWidth, int newHeight) {
-    StretchedRows rows(source, newWidth);
+    const RowRoutines routines = Routines();
+    StretchedRows rows(source, newWidth, routines.stretch);
     const float ratio = float(source.height - 1) / float(newHeight);
-    const qsizetype bytes = qsizetype(newWidth) * 4;
+    const int bytes = newWidth * 4;
     for (int y = 0; y < newHeight; ++y) {
         const SourcePlace place = PlaceOf(y, ratio, source.height);
         const float* first = rows.Row(place.first);
         const float* second = rows.Row(place.second);
-        BlendRows(first, second, place.part, target + y * bytes, bytes);
+        routines.blend(first, second, place.part, target + qsizetype(y) * bytes, bytes);
     }
 }
 

@@ -48,11 +48,18 @@ bool pcDibSection::Create(int width, int height) {
 }
 
 bool pcDibSection::CreateDIB(int width, int height) {
+    const bool allocated = Allocate(width, height);
+    if (allocated)
+        Clear();
+    return allocated;
+}
+
+bool pcDibSection::Allocate(int width, int height) {
     if (!draw::IsDrawableSize(QSize(width, height)))
         return false;
     width_ = width;
     height_ = height;
-    bits_.assign(size_t(PixelCount()) * 4, 0);
+    bits_ = std::make_unique_for_overwrite<quint32[]>(size_t(PixelCount()));
     return true;
 }
 
@@ -68,23 +75,23 @@ bool pcDibSection::CreateFromPicture(const draw::Picture& picture) {
 }
 
 void pcDibSection::ClearUp() {
-    bits_ = {};
+    bits_.reset();
     width_ = 0;
     height_ = 0;
     useDrawDib_ = false;
 }
 
-void pcDibSection::Clear() { std::fill(bits_.begin(), bits_.end(), quint8(0)); }
+void pcDibSection::Clear() { std::fill_n(bits_.get(), PixelCount(), 0U); }
 
 QImage pcDibSection::hDib() const {
-    if (bits_.empty())
+    if (IsEmpty())
         return {};
     QImage image(width_, height_, QImage::Format_RGB32);
     for (int y = 0; y < height_; ++y) {
         QRgb* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        const quint8* bytes = Row(height_ - 1 - y);
+        const quint32* pixels = Row(height_ - 1 - y);
         for (int x = 0; x < width_; ++x)
-            line[x] = qRgb(bytes[x * 4 + 2], bytes[x * 4 + 1], bytes[x * 4]);
+            line[x] = 0xFF000000U | qFromLittleEndian(pixels[x]);
     }
     return image;
 }
@@ -94,18 +101,15 @@ draw::Surface pcDibSection::hdc() const { return draw::Surface(draw::Picture::Fr
 void pcDibSection::StoreImage(const QImage& image) {
     for (int y = 0; y < height_; ++y) {
         const QRgb* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        quint8* bytes = Row(height_ - 1 - y);
-        for (int x = 0; x < width_; ++x) {
-            bytes[x * 4] = quint8(qBlue(line[x]));
-            bytes[x * 4 + 1] = quint8(qGreen(line[x]));
-            bytes[x * 4 + 2] = quint8(qRed(line[x]));
-        }
+        quint32* pixels = Row(height_ - 1 - y);
+        for (int x = 0; x < width_; ++x)
+            pixels[x] = (pixels[x] & qToLittleEndian(0xFF000000U)) | qToLittleEndian(line[x] & 0x00FFFFFFU);
     }
 }
 
 void pcDibSection::LoadPictureBlt(const draw::Surface& source, int sourceLeft, int sourceTop, int width, int height,
                                   quint32 operation) {
-    if (bits_.empty())
+    if (IsEmpty())
         return;
     draw::Surface own = hdc();
     if (own.BitBlt(0, 0, width < 0 ? width_ : width, height < 0 ? height_ : height, source, sourceLeft, sourceTop,
@@ -117,7 +121,7 @@ void pcDibSection::LoadPictureBlt(const draw::Surface& source, int sourceLeft, i
 // here.
 void pcDibSection::PaintPicture(draw::Surface& context, int left, int top, int width, int height, int sourceLeft,
                                 int sourceTop, quint32 operation) const {
-    if (!bits_.empty())
+    if (!IsEmpty())
         context.BitBlt(left, top, width < 0 ? width_ : width, height < 0 ? height_ : height, hdc(), sourceLeft,
                        sourceTop, operation);
 }
@@ -141,21 +145,27 @@ void pcDibSection::CodeAlphaBlend(const pcDibSection& source, pcDibSection& targ
     const qint64 skipY = std::max({qint64(0), -qint64(targetY), -qint64(sourceY)});
     const qint64 endX = std::min({wantedWidth, qint64(target.width_) - targetX, qint64(source.width_) - sourceX});
     const qint64 endY = std::min({wantedHeight, qint64(target.height_) - targetY, qint64(source.height_) - sourceY});
+    if (&source == &target) {
+        const std::unique_ptr<pcDibSection> copy = source.Resample(source.height_, source.width_);
+        if (copy != nullptr)
+            CodeAlphaBlend(*copy, target, width, height, targetX, targetY, sourceX, sourceY, constantAlpha);
+        return;
+    }
     for (qint64 y = skipY; y < endY && skipX < endX; ++y)
-        BlendBytes(target.Row(int(targetY + y)) + (targetX + skipX) * 4,
-                   source.Row(int(sourceY + y)) + (sourceX + skipX) * 4, endX - skipX, constantAlpha);
+        BlendPixels(target.Row(int(targetY + y)) + targetX + skipX, source.Row(int(sourceY + y)) + sourceX + skipX,
+                    int(endX - skipX), constantAlpha);
 }
 
-void pcDibSection::Lighten(int percent) { ScaleHls(bits_.data(), PixelCount(), {1, 1 + percent / 100.0, 1}); }
+void pcDibSection::Lighten(int percent) { ScaleHls(DIBSectionBitsPtr(), PixelCount(), {1, 1 + percent / 100.0, 1}); }
 
 void pcDibSection::ModifyHLS(double hue, double lightness, double saturation) {
-    ScaleHls(bits_.data(), PixelCount(), {hue, lightness, saturation});
+    ScaleHls(DIBSectionBitsPtr(), PixelCount(), {hue, lightness, saturation});
 }
 
 void pcDibSection::RandomiseBits(bool gray) {
     QRandomGenerator random(quint32(QDateTime::currentMSecsSinceEpoch()));
     for (qsizetype i = 0; i < PixelCount(); ++i) {
-        quint8* pixel = bits_.data() + i * 4;
+        quint8* pixel = DIBSectionBitsPtr() + i * 4;
         double factor = random.generateDouble();
         for (int channel = 0; channel < 3; ++channel) {
             if (!gray && channel > 0)
@@ -167,23 +177,23 @@ void pcDibSection::RandomiseBits(bool gray) {
 
 std::unique_ptr<pcDibSection> pcDibSection::Resample(int newHeight, int newWidth) const {
     auto resized = std::make_unique<pcDibSection>();
-    if (bits_.empty() || !resized->Create(newWidth, newHeight))
+    if (IsEmpty() || !resized->Allocate(newWidth, newHeight))
         return nullptr;
     if (newWidth == width_ && newHeight == height_)
-        resized->bits_ = bits_;
+        std::copy_n(bits_.get(), PixelCount(), resized->bits_.get());
     else
-        ResampleBilinear({bits_.data(), width_, height_}, resized->bits_.data(), newWidth, newHeight);
+        ResampleBilinear({DIBSectionBitsPtr(), width_, height_}, resized->DIBSectionBitsPtr(), newWidth, newHeight);
     return resized;
 }
 
 bool pcDibSection::SavePicture(const QString& fileName) {
-    if (bits_.empty())
+    if (IsEmpty())
         return Fail(QStringLiteral("There is no picture to write."));
-    const QByteArray headers = FileHeaders(width_, height_, quint32(bits_.size()));
+    const qint64 imageSize = qint64(BytesPerScanLine()) * height_;
+    const QByteArray headers = FileHeaders(width_, height_, quint32(imageSize));
     QFile file(fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(headers) != headers.size() ||
-        file.write(reinterpret_cast<const char*>(bits_.data()), qint64(bits_.size())) != qint64(bits_.size()) ||
-        !file.flush())
+        file.write(reinterpret_cast<const char*>(bits_.get()), imageSize) != imageSize || !file.flush())
         return Fail(file.errorString());
     return true;
 }

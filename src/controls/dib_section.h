@@ -8,7 +8,6 @@
 
 #include <QString>
 #include <memory>
-#include <vector>
 
 namespace controls {
 
@@ -31,8 +30,8 @@ class pcDibSection {
     int Height() const { return height_; }
     int BytesPerScanLine() const { return width_ * 4; }
     // The bottom row's first pixel; null when empty.
-    quint8* DIBSectionBitsPtr() { return bits_.empty() ? nullptr : bits_.data(); }
-    const quint8* DIBSectionBitsPtr() const { return bits_.empty() ? nullptr : bits_.data(); }
+    quint8* DIBSectionBitsPtr() { return reinterpret_cast<quint8*>(bits_.get()); }
+    const quint8* DIBSectionBitsPtr() const { return reinterpret_cast<const quint8*>(bits_.get()); }
     // The bitmap as an image of its own, top row first; null when empty.
     QImage hDib() const;
     // A context to copy from, made of the pixels as they are now.
@@ -71,13 +70,17 @@ class pcDibSection {
     const SurfaceError& LastError() const { return lastError_; }
 
   private:
-    quint8* Row(int row) { return bits_.data() + qsizetype(row) * BytesPerScanLine(); }
-    const quint8* Row(int row) const { return bits_.data() + qsizetype(row) * BytesPerScanLine(); }
+    bool IsEmpty() const { return bits_ == nullptr; }
+    // Row 0 is the bottom row.
+    quint32* Row(int row) { return bits_.get() + qsizetype(row) * width_; }
+    const quint32* Row(int row) const { return bits_.get() + qsizetype(row) * width_; }
+    // Pixels of any value. False, and unchanged, for a size that cannot be had.
+    bool Allocate(int width, int height);
     qsizetype PixelCount() const { return qsizetype(width_) * height_; }
     bool Fail(const QString& description);
     void StoreImage(const QImage& image);
 
-    std::vector<quint8> bits_;
+    std::unique_ptr<quint32[]> bits_;
     int width_ = 0;
     int height_ = 0;
     bool useDrawDib_ = false;

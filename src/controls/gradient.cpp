@@ -77,21 +77,88 @@ QVector<QPoint> SweepPoints(const Sweep& sweep, const FloatPoint& p0, const Floa
     return points;
 }
 
-// A slanting sweep to the right or downwards begins inside the rectangle; the corner behind its first line takes the
-// first colour.
-void DrawLeadIn(draw::Surface& context, const Sweep& sweep, QPoint p0, QPoint p1, base::Colour colour) {
-    const QPoint step(sweep.stepX, sweep.stepY);
-    const Sweep back{0, 0, -sweep.stepX, -sweep.stepY};
-    if (sweep.stepX < 0 || sweep.stepY < 0)
-        return;
-    for (;;) {
-        p0 -= step;
-        p1 -= step;
-        if (HasLeft(back, p0, p1, context.Width(), context.Height()))
-            return;
-        context.Line(p0.x(), p0.y(), p1.x(), p1.y(), colour);
+// One line of the sweep stands where the first one stands, moved by as many steps. So a row (or a column) of pixels
+// shows the sweep's colours one after the other, beginning where the first line meets it; painting whole rows shows
+// what drawing the lines one by one would, without jumping from row to row for each pixel.
+class SweepPainter {
+  public:
+    // `first` holds the pixels of the first line. `colours` has a colour for each line.
+    SweepPainter(draw::Surface& target, const Sweep& sweep, const QVector<QPoint>& first,
+                 const QVector<base::Colour>& colours, qsizetype lines)
+        : target_(target), sweep_(sweep), first_(first), lead_(LeadIn(sweep, target.Size())) {
+        pixels_.reserve(lead_ + lines);
+        // A slanting sweep to the right or downwards begins inside the rectangle; the corner behind its first line
+        // takes the first colour.
+        pixels_.fill(draw::ToRgb(colours.first()), lead_);
+        for (qsizetype i = 0; i < lines; ++i)
+            pixels_.append(draw::ToRgb(colours[i]));
+        if (sweep.stepX < 0 || sweep.stepY < 0)
+            std::reverse(pixels_.begin(), pixels_.end());
     }
-}
+
+    void Paint() {
+        if (sweep_.stepX != 0)
+            PaintAlongRows();
+        else
+            PaintAlongColumns();
+    }
+
+  private:
+    static qsizetype LeadIn(const Sweep& sweep, QSize size) {
+        if (sweep.stepX < 0 || sweep.stepY < 0)
+            return 0;
+        // No first line begins further inside than the segment is long.
+        return qsizetype(2) * std::max(size.width(), size.height());
+    }
+
+    // Where the first of the pixels goes, given where the first line is.
+    int Origin(int firstLine, int step) const {
+        return step > 0 ? firstLine - int(lead_) : firstLine - int(pixels_.size()) + 1;
+    }
+
+    void PaintAlongRows() {
+        for (const QPoint& point : first_)
+            target_.SetDIBitsToDevice(Origin(point.x(), sweep_.stepX), point.y(), int(pixels_.size()), 1,
+                                      pixels_.constData());
+    }
+
+    void PaintAlongColumns() {
+        const auto [left, right] =
+            std::minmax_element(first_.begin(), first_.end(), [](QPoint a, QPoint b) { return a.x() < b.x(); });
+        const int from = std::max(left->x(), 0);
+        const int to = std::min(right->x() + 1, target_.Width());
+        if (from >= to)
+            return;
+        QVector<int> origins(to - from, 0);
+        for (const QPoint& point : first_)
+            if (point.x() >= from && point.x() < to)
+                origins[point.x() - from] = Origin(point.y(), sweep_.stepY);
+        if (std::count(origins.begin(), origins.end(), origins.first()) == origins.size()) {
+            PaintStraight(from, to, origins.first());
+            return;
+        }
+        QVector<QRgb> row(to - from);
+        const auto last = int(pixels_.size()) - 1;
+        for (int y = 0; y < target_.Height(); ++y) {
+            for (qsizetype x = 0; x < row.size(); ++x)
+                row[x] = pixels_[std::clamp(y - origins.at(x), 0, last)];
+            target_.SetDIBitsToDevice(from, y, int(row.size()), 1, row.constData());
+        }
+    }
+
+    // A sweep that is not slanted: each row has one colour.
+    void PaintStraight(int from, int to, int origin) {
+        const auto last = int(pixels_.size()) - 1;
+        for (int y = 0; y < target_.Height(); ++y)
+            target_.FillRect(QRect(from, y, to - from, 1), draw::FromRgb(pixels_[std::clamp(y - origin, 0, last)]));
+    }
+
+    draw::Surface& target_;
+    const Sweep& sweep_;
+    const QVector<QPoint>& first_;
+    qsizetype lead_;
+    QVector<QRgb> pixels_;
+};
 
 } // namespace
 
@@ -141,16 +208,9 @@ qint32 clsGradient::DrawGradientLines(draw::Surface& context, qint32 width, qint
     QVector<base::Colour> ramp;
     BlendColors(color1_, color2_, base::RoundToInt(double(points.size()) / 2), ramp);
 
-    DrawLeadIn(context, sweep, points[0], points[1], color1_);
-    const draw::Pen oldPen = context.CurrentPen();
-    qint32 k = 0;
-    for (; k < points.size() - 1; k += 2) {
-        context.MoveToEx(points[k].x(), points[k].y());
-        context.SelectPen({ramp[k / 2]});
-        context.LineTo(points[k + 1].x(), points[k + 1].y());
-        context.SelectPen(oldPen);
-    }
-    return k;
+    const qsizetype lines = points.size() / 2; // an odd point at the end is not used
+    SweepPainter(context, sweep, draw::LinePoints(points[0], points[1]), ramp, lines).Paint();
+    return qint32(2 * lines);
 }
 
 } // namespace controls

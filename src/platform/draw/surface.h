@@ -118,6 +118,9 @@ enum GradientFillMode : quint32 { GRADIENT_FILL_RECT_H = 0, GRADIENT_FILL_RECT_V
 // DrawStateA flags.
 enum DrawStateFlag : unsigned { DST_ICON = 3, DST_BITMAP = 4, DSS_NORMAL = 0, DSS_DISABLED = 0x20 };
 
+// The pixels that a line takes, in order, the end point left out. Whatever the surface's size.
+QVector<QPoint> LinePoints(QPoint from, QPoint to);
+
 class Surface {
   public:
     Surface() = default;
@@ -198,6 +201,8 @@ class Surface {
     // that is not served, or when a side is not drawable.
     bool BitBlt(int x, int y, int width, int height, const Surface& source, int sourceX, int sourceY,
                 quint32 operation = SRCCOPY);
+    // Copies rows of pixels in, `width` to a row, top row first; each pixel as draw::ToRgb makes it.
+    void SetDIBitsToDevice(int x, int y, int width, int height, const QRgb* pixels);
     // Nearest pixel, no smoothing; a negative width or height mirrors.
     bool StretchBlt(int x, int y, int width, int height, const Surface& source, int sourceX, int sourceY,
                     int sourceWidth, int sourceHeight, quint32 operation = SRCCOPY);

@@ -64,6 +64,17 @@ bool Surface::BitBlt(int x, int y, int width, int height, const Surface& source,
     return true;
 }
 
+void Surface::SetDIBitsToDevice(int x, int y, int width, int height, const QRgb* pixels) {
+    if (!IsDrawable() || width <= 0 || height <= 0 || !IsSaneCopy({x, y, width, height}))
+        return;
+    Detach();
+    ForEachClipped(QRect(x, y, width, height), [&](const QRect& part) {
+        for (int row = part.top(); row <= part.bottom(); ++row)
+            std::memcpy(Row(row) + part.left(), pixels + qsizetype(row - y) * width + part.left() - x,
+                        size_t(part.width()) * sizeof(QRgb));
+    });
+}
+
 bool Surface::StretchBlt(int x, int y, int width, int height, const Surface& source, int sourceX, int sourceY,
                          int sourceWidth, int sourceHeight, quint32 operation) {
     if (width == sourceWidth && height == sourceHeight && width >= 0 && height >= 0)

@@ -85,6 +85,25 @@ void Surface::DrawThinLine(QPoint from, QPoint to, QRgb pixel) {
     }
 }
 
+QVector<QPoint> LinePoints(QPoint from, QPoint to) {
+    from = Bounded(from);
+    to = Bounded(to);
+    const QPoint distance = to - from;
+    const QPoint sign(distance.x() < 0 ? -1 : 1, distance.y() < 0 ? -1 : 1);
+    const bool steep = std::abs(distance.y()) >= std::abs(distance.x());
+    const Steps steps{std::max(std::abs(distance.x()), std::abs(distance.y())),
+                      std::min(std::abs(distance.x()), std::abs(distance.y()))};
+    QVector<QPoint> points;
+    points.reserve(steps.length);
+    for (qint64 i = 0; i < steps.length; ++i) {
+        const int along = int(i);
+        const int across = int(steps.Across(i));
+        points << from + (steep ? QPoint(sign.x() * across, sign.y() * along)
+                                : QPoint(sign.x() * along, sign.y() * across));
+    }
+    return points;
+}
+
 // A wide pen is a square that is moved along the line, as one thin line for each of its pixels.
 void Surface::DrawThickLine(QPoint from, QPoint to) {
     const int width = std::min(pen_.width, widestPen);

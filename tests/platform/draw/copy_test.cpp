@@ -39,6 +39,16 @@ TEST(Copy, BitBltWithinOneSurfaceMayOverlap) {
     EXPECT_EQ(Art(surface), "X...\nX...\nXX..\nXXX.\n");
 }
 
+TEST(Copy, RowsOfPixelsAreCutOffAndClipped) {
+    const std::vector<QRgb> rows(6, draw::ToRgb(white));
+    draw::Surface surface(4, 3);
+    surface.SelectClipRgn(draw::CreateRectRgn(0, 0, 2, 3));
+    surface.SetDIBitsToDevice(-1, 1, 3, 2, rows.data());
+    surface.SetDIBitsToDevice(1, -1, 3, 2, rows.data());
+    surface.ResetClip();
+    EXPECT_EQ(Art(surface), ".X..\nXX..\nXX..\n");
+}
+
 TEST(Copy, RasterOperationsCombine) {
     const draw::Surface source = Stairs(2);
     const auto result = [&source](quint32 operation) {

@@ -83,6 +83,18 @@ TEST(Lines, SurviveCoordinatesFarBeyondTheSurface) {
     EXPECT_EQ(surface.GetPixel(0, 3), white);
 }
 
+TEST(Lines, LinePointsAreThePixelsThatALineTakes) {
+    for (const QPoint to :
+         {QPoint(19, 7), QPoint(3, 18), QPoint(0, 0), QPoint(10, 9), QPoint(18, 18), QPoint(10, 10)}) {
+        draw::Surface drawn(20, 20);
+        draw::Surface listed(20, 20);
+        drawn.Line(10, 10, to.x(), to.y(), white);
+        for (const QPoint point : draw::LinePoints(QPoint(10, 10), to))
+            EXPECT_TRUE(listed.SetPixel(point.x(), point.y(), white));
+        EXPECT_EQ(Art(drawn), Art(listed));
+    }
+}
+
 TEST(Lines, AWidePenIsCentredOnTheLine) {
     draw::Surface surface(5, 5);
     surface.SelectPen({white, 3});
