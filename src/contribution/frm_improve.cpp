@@ -14,21 +14,20 @@
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
 #include "database/additions.h"
+#include "database/contribution_line.h"
 #include "database/submission_scope.h"
-#include "forms/dialogs.h"
 #include "forms/forms.h"
 #include "forms/label.h"
 #include "forms/text_box.h"
 #include "forms/timer.h"
 #include "inventory/column_sizes.h"
-#include "inventory/frm_menu.h"
 #include "inventory/list_behaviour.h"
 #include "suite/list_box.h"
 #include "suite/list_view.h"
 #include "values/addresses.h"
 #include "values/program_values.h"
+#include "window/design.h"
 #include "window/form_icon.h"
-#include "window/icon_resource.h"
 #include "window/placement.h"
 
 #include <QFile>
@@ -37,12 +36,9 @@ namespace contribution {
 
 namespace {
 
-constexpr double leastHeight = 8715; // twips
-constexpr double leastWidth = 8520;
 constexpr double columnWidth = 1500;
 constexpr int bouncyStyle = 4;
 constexpr int ascending = 0;
-constexpr qint64 longestKeywordFile = 1024 * 1024; // bytes
 
 QString SubmissionPath() { return values::ProgramFolder() + QStringLiteral("\\new_hardware.txt"); }
 
@@ -53,13 +49,21 @@ QString UploadUrl() {
 }
 
 QString LineOf(const suite::ListItem& row) {
-    return ContributionLine(base::Trim(row.CellText(HardwareIdColumn)), base::Trim(row.Text()),
-                            base::Trim(row.CellText(ManufacturerColumn)));
+    return database::ContributionLine(base::Trim(row.CellText(HardwareIdColumn)), base::Trim(row.Text()),
+                                      base::Trim(row.CellText(ManufacturerColumn)));
+}
+
+// The row that stood at `index` before the yields: others may have gone meanwhile.
+void RemoveRow(suite::ListItems& rows, int index, const QString& key) {
+    if (const suite::ListItem* there = rows.Item(index); there != nullptr && there->Key() == key)
+        rows.Remove(index);
+    else if (const suite::ListItem* moved = rows.ItemByKey(key))
+        rows.Remove(moved->Index());
 }
 
 } // namespace
 
-FrmImprove::FrmImprove() : forms::Form(QStringLiteral("FrmImprove"), leastWidth, leastHeight) {
+FrmImprove::FrmImprove() : forms::Form(QStringLiteral("FrmImprove"), LeastWidth, LeastHeight) {
     SetCaption(QStringLiteral("Improve Database"));
     CreateControls();
     Connect();
@@ -70,11 +74,7 @@ void FrmImprove::Connect() {
     connect(CommandSaveSubmit, &controls::dcButton::Click, this, &FrmImprove::CommandSaveSubmit_Click);
     connect(Timer1, &forms::Timer::Tick, this, &FrmImprove::Timer1_Tick);
     connect(TimerStatus, &forms::Timer::Tick, this, &FrmImprove::TimerStatus_Tick);
-    connect(ListViewHardware, &suite::ListView::ColumnClick, this,
-            [this](int column) { inventory::ClickColumn(*ListViewHardware, column); });
-    connect(ListViewHardware, &suite::ListView::KeyDown, this,
-            [this](int keyCode) { inventory::DeleteKey(*ListViewHardware, keyCode); });
-    connect(ListViewHardware, &suite::ListView::MouseUp, this, &FrmImprove::List_MouseUp);
+    inventory::ConnectList(*ListViewHardware, QStringLiteral("MenuImprove"), this);
     connect(Anchor1, &controls::Anchor::AfterResize, this, [this] {
         window::CentreOver(*PanelProgress, *ListViewHardware);
         window::DrawFrame(*this);
@@ -87,18 +87,10 @@ void FrmImprove::Load() {
         Unload();
         return;
     }
-    Anchor1->SetMinHeight(int(leastHeight));
-    Anchor1->SetMinWidth(int(leastWidth));
-    SetHeight(leastHeight);
-    SetWidth(leastWidth);
-    window::CentreOnScreen(*this);
-    window::PlaceGrip(*this, *LabelResize);
-    window::SetFormIcon(*this, QStringLiteral("AAA"), true);
-    const int size = window::TitleIconSize();
-    TitelBar1->SetPicture(window::LoadIconFromRes(QStringLiteral("AAA"), size, size, 0, false));
-    TitelBar1->SetCaption(Caption());
-    TitelBar1->SetWidth(Width());
+    window::OpenAtLeastSize(*this, *Anchor1, *LabelResize, LeastWidth, LeastHeight);
     appearance::ApplyColorsToForm(this);
+    window::SetFormIcon(*this, QStringLiteral("AAA"), true);
+    window::SetUpTitle(*this, *TitelBar1);
     window::CentreOver(*PanelProgress, *ListViewHardware);
     suite::ListItems& items = ListViewHardware->ListItems();
     items.AddColumn(QStringLiteral("Name"), QStringLiteral("Name"), columnWidth);
@@ -116,23 +108,25 @@ void FrmImprove::ReadKeywords() {
     QFile file(base::NativePath(KeywordPath()));
     if (!file.open(QIODevice::ReadOnly))
         return;
-    const QString text = base::FromAnsi(file.read(longestKeywordFile));
-    for (QString line : base::Split(text, QStringLiteral("\n"))) {
-        if (line.endsWith(u'\r'))
-            line.chop(1);
+    QString text = base::FromAnsi(file.readAll());
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    for (const QString& line : base::Split(text, QStringLiteral("\n")))
         if (!line.isEmpty())
             List1->AddItem(line);
-    }
 }
 
-void FrmImprove::BeginWork(controls::dcButton* button) {
+// False if the button was clicked a second time before it could be disabled: that click has done the work.
+bool FrmImprove::BeginWork(controls::dcButton* button) {
     window::CentreOver(*PanelProgress, *ListViewHardware);
+    if (!button->Enabled())
+        return false;
     button->SetEnabled(false);
     LabelStatus->SetCaption(QStringLiteral("Status:"));
     PanelProgress->SetVisible(true);
     DB1->SetStyle(bouncyStyle);
     DB1->BeginDisplay();
     ListViewHardware->SetVisible(false);
+    return true;
 }
 
 void FrmImprove::EndWork() {
@@ -144,7 +138,8 @@ void FrmImprove::EndWork() {
 }
 
 void FrmImprove::CommandGetHardware_Click() {
-    BeginWork(CommandGetHardware);
+    if (!BeginWork(CommandGetHardware))
+        return;
     ListViewHardware->ListItems().Clear();
     base::Yield();
     ImproveScan(ListViewHardware->ListItems(), [this](const QString& caption) { LabelStatus->SetCaption(caption); });
@@ -167,12 +162,13 @@ void FrmImprove::RemoveKnownRows() {
         if (row == nullptr)
             continue;
         StatusText = QStringLiteral("Searching Database... ") + row->Text();
+        const QString key = row->Key();
         const QString line =
-            ContributionLine(row->CellText(HardwareIdColumn), row->Text(), row->CellText(ManufacturerColumn));
+            database::ContributionLine(row->CellText(HardwareIdColumn), row->Text(), row->CellText(ManufacturerColumn));
         base::Yield();
         base::Yield();
         if (ListHasKeyword(line, *List1) || database::IsDeviceInDatabase(line))
-            rows.Remove(index);
+            RemoveRow(rows, index, key);
         base::Yield();
         if (values::ProgramClosing())
             return;
@@ -181,7 +177,8 @@ void FrmImprove::RemoveKnownRows() {
 
 void FrmImprove::CommandSaveSubmit_Click() {
     const database::SubmissionScope submission;
-    BeginWork(CommandSaveSubmit);
+    if (!BeginWork(CommandSaveSubmit))
+        return;
     base::Yield();
     StatusText = QStringLiteral("Working...");
     if (!IsUnloaded())
@@ -212,6 +209,7 @@ void FrmImprove::SubmitRows() {
         if (row == nullptr)
             continue;
         StatusText = QStringLiteral("Adding To Database... ") + row->Text();
+        const QString key = row->Key();
         const QString line = LineOf(*row);
         base::Yield();
         base::Yield();
@@ -220,7 +218,7 @@ void FrmImprove::SubmitRows() {
         if (open)
             file.write(base::ToAnsi(line) + "\r\n");
         base::Yield();
-        rows.Remove(index);
+        RemoveRow(rows, index, key);
         base::Yield();
     }
     file.close();
@@ -238,21 +236,7 @@ void FrmImprove::TimerStatus_Tick() {
         TimerStatus->SetEnabled(false);
 }
 
-void FrmImprove::List_MouseUp(int button) {
-    if (button != forms::RightButton)
-        return;
-    if (ListViewHardware->ListItems().Count() != 0) {
-        inventory::SetActiveListForm(this);
-        inventory::PopupListMenu(QStringLiteral("MenuImprove"));
-    } else {
-        forms::MsgBox(QStringLiteral("The List Is Empty."));
-    }
-}
-
-void FrmImprove::Resize() {
-    TitelBar1->SetWidth(Width());
-    LabelResize->SetVisible(!TitelBar1->Maximised());
-}
+void FrmImprove::Resize() { window::FollowResize(*this, *TitelBar1, *LabelResize); }
 
 void RegisterImproveForm() {
     forms::Forms::Instance().RegisterMaker(QStringLiteral("FrmImprove"), [] { return std::make_unique<FrmImprove>(); });

@@ -30,6 +30,10 @@ class FrmImprove : public forms::Form {
     Q_OBJECT
 
   public:
+    // Twips.
+    static constexpr double LeastWidth = 8520;
+    static constexpr double LeastHeight = 8715;
+
     FrmImprove();
 
     controls::TitelBar* TitelBar1 = nullptr;
@@ -63,13 +67,12 @@ class FrmImprove : public forms::Form {
     void CreateControls();
     void Connect();
     void ReadKeywords();
-    void BeginWork(controls::dcButton* button);
+    bool BeginWork(controls::dcButton* button);
     void EndWork();
     void RemoveKnownRows();
     void SubmitRows();
     void Timer1_Tick();
     void TimerStatus_Tick();
-    void List_MouseUp(int button);
 };
 
 // Tells the collection of forms how the window is made.

@@ -123,9 +123,4 @@ void ImproveScan(suite::ListItems& list, const SetStatus& setStatus) {
     data::Ran([&] { rowset->Close(); });
 }
 
-QString ContributionLine(const QString& hardwareId, const QString& name, const QString& manufacturer) {
-    const QString separator = QStringLiteral("|||");
-    return hardwareId + separator + name + separator + manufacturer;
-}
-
 } // namespace contribution

@@ -18,7 +18,4 @@ inline constexpr int HardwareIdColumn = 2;
 // list is touched only when it is over. Yields many times; stops early only when the program closes.
 void ImproveScan(suite::ListItems& list, const std::function<void(const QString& caption)>& setStatus);
 
-// The contribution line of a row: hardware ID, name and manufacturer joined by "|||".
-QString ContributionLine(const QString& hardwareId, const QString& name, const QString& manufacturer);
-
 } // namespace contribution

@@ -54,10 +54,10 @@ class FrmLookup : public forms::Form {
   private:
     void CreateControls();
     void Connect();
+    void SortByLength();
     void TimerStart_Tick();
     void TimerStatus_Tick();
     void CommandSearchGoogleID_Click();
-    void List_MouseUp(int button);
 };
 
 // Tells the collection of forms how lookup windows are made.

@@ -1,13 +1,17 @@
 #include "inventory/frm_menu.h"
 
+#include "appearance/colour_table.h"
 #include "forms/forms.h"
 #include "forms/menu.h"
 #include "inventory/list_actions.h"
 #include "inventory/list_behaviour.h"
 #include "inventory/open_lookup.h"
 #include "suite/list_view.h"
+#include "suite/paint_tools.h"
 
-#include <QCursor>
+#include <QMenu>
+#include <QPalette>
+#include <QPointer>
 #include <array>
 #include <span>
 
@@ -125,6 +129,17 @@ bool CommonCommand(const QString& command, const Target& target, const ListColum
     return true;
 }
 
+// The popups belong to no window, so the skin does not reach them.
+QPalette PopupPalette() {
+    const QColor back = suite::ToQColor(appearance::ColorOf(appearance::ProgramBack));
+    const QColor fore = suite::ToQColor(appearance::ColorOf(appearance::ProgramText));
+    const QColor chosen = suite::ToQColor(appearance::ColorOf(appearance::TitleTopBack));
+    QPalette palette = suite::ControlPalette(back, suite::ReadableOn(back, fore));
+    palette.setColor(QPalette::Highlight, chosen);
+    palette.setColor(QPalette::HighlightedText, suite::ReadableOn(chosen, fore));
+    return palette;
+}
+
 } // namespace
 
 FrmMenu::FrmMenu() : forms::Form(QStringLiteral("FrmMenu"), 1500, 1500) {
@@ -134,6 +149,11 @@ FrmMenu::FrmMenu() : forms::Form(QStringLiteral("FrmMenu"), 1500, 1500) {
     connect(MenuMain, &forms::Menu::Click, this, &FrmMenu::MainCommand);
     connect(MenuLookup, &forms::Menu::Click, this, &FrmMenu::LookupCommand);
     connect(MenuImprove, &forms::Menu::Click, this, &FrmMenu::ImproveCommand);
+}
+
+void FrmMenu::Closing() {
+    for (const forms::Menu* menu : {MenuMain, MenuLookup, MenuImprove})
+        menu->Popup()->close();
 }
 
 void FrmMenu::MainCommand(const QString& entry) {
@@ -169,11 +189,13 @@ void FrmMenu::ImproveCommand(const QString& entry) {
 
 void SetActiveListForm(forms::Form* form) { ActiveListForm() = form; }
 
-void PopupListMenu(const QString& menuName) {
+void PopupListMenu(const QString& menuName, const QPoint& place) {
     forms::Form* holder = forms::Forms::Instance().Shared(QStringLiteral("FrmMenu"));
     auto* menu = holder == nullptr ? nullptr : holder->Find<forms::Menu>(menuName);
-    if (menu != nullptr)
-        menu->PopupMenu(QCursor::pos());
+    if (menu == nullptr)
+        return;
+    menu->Popup()->setPalette(PopupPalette());
+    menu->PopupMenu(place);
 }
 
 void RegisterMenuForm() {

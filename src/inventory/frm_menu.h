@@ -4,7 +4,8 @@
 
 #include "forms/form.h"
 
-#include <QPointer>
+#include <QPoint>
+#include <QString>
 
 namespace forms {
 class Menu;
@@ -26,6 +27,10 @@ class FrmMenu : public forms::Form {
     forms::Menu* MenuLookup = nullptr;
     forms::Menu* MenuImprove = nullptr;
 
+  protected:
+    // A popup that is still open would keep the process.
+    void Closing() override;
+
   private:
     void MainCommand(const QString& entry);
     void LookupCommand(const QString& entry);
@@ -35,8 +40,9 @@ class FrmMenu : public forms::Form {
 // The window whose list MenuLookup or MenuImprove works on; set by it right before its popup.
 void SetActiveListForm(forms::Form* form);
 
-// Shows one of the menus by its name at the pointer.
-void PopupListMenu(const QString& menuName);
+// Shows one of the menus by its name at a place of the screen (pixels), in the present colours of the scheme, and
+// returns when it has closed and its command has run.
+void PopupListMenu(const QString& menuName, const QPoint& place);
 
 // Tells the collection of forms how FrmMenu is made.
 void RegisterMenuForm();

@@ -1,5 +1,12 @@
-// What every list of the program does by itself: sorting by a clicked column and losing its selected row.
+// What every list of the program does by itself: sorting by a clicked column, losing its selected row, and opening its
+// popup menu.
 #pragma once
+
+#include <QString>
+
+namespace forms {
+class Form;
+}
 
 namespace suite {
 class ListView;
@@ -17,5 +24,9 @@ void RemoveSelected(suite::ListView& list);
 
 // A key that went down in the list: Delete (46) removes the selected row, whatever the shift state; others do nothing.
 void DeleteKey(suite::ListView& list, int keyCode);
+
+// Gives a list all of this. The right button and the menu key open `menu` of FrmMenu there; an empty list says so
+// instead. With an `owner` the menu's commands work on that window's list from then on.
+void ConnectList(suite::ListView& list, const QString& menu, forms::Form* owner = nullptr);
 
 } // namespace inventory

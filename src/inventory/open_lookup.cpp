@@ -8,8 +8,6 @@
 #include "forms/timer.h"
 #include "suite/list_items.h"
 
-#include <QPointer>
-
 namespace inventory {
 
 namespace {
@@ -22,25 +20,21 @@ void OpenLookup(const suite::ListItem& device) {
     // The row may go while the window loads, so its texts are taken first.
     const QString name = device.Text();
     QString ids = device.SubItems(hardwareIdsColumn).value_or(QString());
-    const QPointer<forms::Form> lookup = forms::Forms::Instance().New(QStringLiteral("FrmLookup"));
-    if (!lookup)
+    forms::Form* lookup = forms::Forms::Instance().New(QStringLiteral("FrmLookup"));
+    if (lookup == nullptr)
         return;
     lookup->Show();
-    if (!lookup || lookup->IsUnloaded())
-        return;
     lookup->SetCaption(name);
     if (auto* label = lookup->Find<forms::Label>(QStringLiteral("ImportantLabelName")))
         label->SetCaption(QStringLiteral("Device: ") + name);
     if (auto* text = lookup->Find<forms::TextBox>(QStringLiteral("TextID")))
         text->SetText(ids.replace(u'|', QStringLiteral("\r\n")));
     base::Yield();
-    if (!lookup)
-        return;
     lookup->SetFocus();
     base::Yield();
-    if (!lookup || lookup->IsUnloaded())
-        return;
-    if (auto* timer = lookup->Find<forms::Timer>(QStringLiteral("TimerStart")))
+    // A window that was closed meanwhile has nothing to search for.
+    auto* timer = lookup->Find<forms::Timer>(QStringLiteral("TimerStart"));
+    if (timer != nullptr && !lookup->IsUnloaded())
         timer->SetEnabled(true);
     base::Yield();
 }

@@ -9,14 +9,12 @@
 #include "controls/titel_bar.h"
 #include "database/store.h"
 #include "forms/desktop.h"
-#include "forms/dialogs.h"
 #include "forms/forms.h"
 #include "forms/label.h"
 #include "forms/timer.h"
 #include "inventory/column_sizes.h"
 #include "inventory/device_lists.h"
 #include "inventory/device_scan.h"
-#include "inventory/frm_menu.h"
 #include "inventory/open_lookup.h"
 #include "shell/close_programs.h"
 #include "suite/alpha_image.h"
@@ -24,6 +22,7 @@
 #include "suite/tab_control.h"
 #include "values/addresses.h"
 #include "values/program_values.h"
+#include "window/design.h"
 #include "window/placement.h"
 
 namespace shell {
@@ -148,24 +147,12 @@ void FrmMain::ImageLogo_Click(int index) {
         forms::ShellExecuteA(this, pages[size_t(index)]);
 }
 
-void FrmMain::List_MouseUp(suite::ListView* list, int button) {
-    if (button != forms::RightButton)
-        return;
-    if (list->ListItems().Count() != 0)
-        inventory::PopupListMenu(QStringLiteral("MenuMain"));
-    else
-        forms::MsgBox(QStringLiteral("The List Is Empty."));
-}
-
 void FrmMain::OpenLookup(suite::ListView* list) {
     if (const suite::ListItem* item = list->SelectedItem())
         inventory::OpenLookup(*item);
 }
 
-void FrmMain::Resize() {
-    TitelBar1->SetWidth(Width());
-    LabelResize->SetVisible(!TitelBar1->Maximised());
-}
+void FrmMain::Resize() { window::FollowResize(*this, *TitelBar1, *LabelResize); }
 
 void FrmMain::Anchor1_AfterResize() {
     window::CentreOver(*PanelProgress, *ListViewHardware);

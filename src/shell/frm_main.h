@@ -111,11 +111,9 @@ class FrmMain : public forms::Form {
     void CreateTabs();
     void Connect();
     void ConnectList(suite::ListView* list);
-    void List_MouseUp(suite::ListView* list, int button);
     void OpenLookup(suite::ListView* list);
     void Anchor1_AfterResize();
 
-    void SetUpTitle();
     void SetUpLists();
     void FitLists();
     void SetUpLogos();

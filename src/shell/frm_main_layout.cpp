@@ -2,9 +2,7 @@
 // per inch 15 twips are a pixel, and the window is 750 by 550 pixels.
 #include "base/text.h"
 #include "controls/anchor.h"
-#include "controls/animation_bar.h"
 #include "controls/dc_button.h"
-#include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
 #include "forms/label.h"
 #include "forms/picture_box.h"
@@ -17,36 +15,16 @@
 #include "suite/alpha_image.h"
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
+#include "window/design.h"
 #include "window/placement.h"
 
 namespace shell {
 
 namespace {
 
-constexpr base::Colour windowKey = base::Colour::FromRgb(0xF8, 0xB8, 0xF7);
-constexpr int wholeWindowCover = 32767; // twips: below every title bar, so that the second band stays empty
-
-// Anchor letters: left, top, right, bottom.
-constexpr auto followWidth = "TTTF*/";
-constexpr auto stretch = "TTTT*/";
-constexpr auto topRight = "FTTF*/";
-constexpr auto bottomLeft = "TFFT*/";
-constexpr auto bottomWide = "TFTT*/";
-constexpr auto bottomRight = "FFTT*/";
-
-template <typename Control>
-Control* Place(Control* control, double left, double top, double width, double height, const char* anchor = "") {
-    control->Move(left, top, width, height);
-    control->SetTag(QLatin1String(anchor));
-    return control;
-}
-
-controls::dcButton* Button(QWidget* container, const char* name, const char* caption) {
-    auto* button = new controls::dcButton(container, QLatin1String(name));
-    button->InitProperties();
-    button->SetCaption(QLatin1String(caption));
-    return button;
-}
+using window::MakeButton;
+using window::MakeLabel;
+using window::Place;
 
 // The bytes of the Windows-1252 characters that names of contributed devices may hold.
 QString AllowedCharacters() {
@@ -61,20 +39,16 @@ void FrmMain::CreateControls() {
     QWidget* client = Client();
     Anchor1 = new controls::Anchor(this, QStringLiteral("Anchor1"));
 
-    TitelBar1 = Place(new controls::TitelBar(client, QStringLiteral("TitelBar1")), 0, 0, 11250, 480);
-    TitelBar1->InitProperties();
-    TitelBar1->SetBackColor(windowKey);
-    TitelBar1->SetBackColorCover(wholeWindowCover);
-    TitelBar1->SetShowMaximized(true);
-    TitelBar1->SetShowMaximizedEnabled(true);
+    TitelBar1 = window::MakeTitelBar(client, 11250);
 
-    CommandGetHardware = Place(Button(client, "CommandGetHardware", "Refresh Hardware Lists"), 150, 615, 2700, 480);
-    CommandImproveHardware = Place(Button(client, "CommandImproveHardware", "Improve Database"), 2970, 615, 2100, 480);
-    CommandCheckForUpdates = Place(Button(client, "CommandCheckForUpdates", "Update"), 5190, 615, 1350, 480);
-    CommandColors = Place(Button(client, "CommandColors", "Program Colors"), 6660, 615, 1950, 480);
+    CommandGetHardware = Place(MakeButton(client, "CommandGetHardware", "Refresh Hardware Lists"), 150, 615, 2700, 480);
+    CommandImproveHardware =
+        Place(MakeButton(client, "CommandImproveHardware", "Improve Database"), 2970, 615, 2100, 480);
+    CommandCheckForUpdates = Place(MakeButton(client, "CommandCheckForUpdates", "Update"), 5190, 615, 1350, 480);
+    CommandColors = Place(MakeButton(client, "CommandColors", "Program Colors"), 6660, 615, 1950, 480);
 
     LogoPictureBox =
-        Place(new forms::PictureBox(client, QStringLiteral("LogoPictureBox")), 9285, 600, 1815, 510, topRight);
+        Place(new forms::PictureBox(client, QStringLiteral("LogoPictureBox")), 9285, 600, 1815, 510, window::TopRight);
     for (int i = 0; i < logoCount; ++i) {
         ImageLogo[size_t(i)] =
             Place(new suite::AlphaImgCtl(LogoPictureBox, QStringLiteral("ImageLogo")), 60 + 570 * i, 15, 540, 480);
@@ -82,26 +56,21 @@ void FrmMain::CreateControls() {
 
     CreateTabs();
 
-    dcButton1 = Place(Button(client, "dcButton1", "Lookup Selected Device"), 150, 7020, 2700, 450, bottomLeft);
-    InfoLabel3 = Place(
-        new forms::Label(client, QStringLiteral("InfoLabel3"), QStringLiteral("*Right Click On List For More Options")),
-        3000, 7110, 4200, 270, bottomWide);
-    ImportantLabelUpdateAvailable = Place(new forms::Label(client, QStringLiteral("ImportantLabelUpdateAvailable"),
-                                                           QStringLiteral("Database Update Available!")),
-                                          7350, 7110, 3750, 270, bottomRight);
+    dcButton1 =
+        Place(MakeButton(client, "dcButton1", "Lookup Selected Device"), 150, 7020, 2700, 450, window::BottomLeft);
+    InfoLabel3 = Place(MakeLabel(client, "InfoLabel3", "*Right Click On List For More Options"), 3000, 7110, 4200, 270,
+                       window::BottomWide);
+    ImportantLabelUpdateAvailable =
+        Place(MakeLabel(client, "ImportantLabelUpdateAvailable", "Database Update Available!"), 7350, 7110, 3750, 270,
+              window::BottomRight);
     ImportantLabelUpdateAvailable->SetAlignment(forms::Label::AlignRight);
     ImportantLabelUpdateAvailable->SetVisible(false);
-    LabelStatus = Place(new forms::Label(client, QStringLiteral("LabelStatus"), QStringLiteral("Status:")), 150, 7590,
-                        10950, 270, bottomWide);
+    LabelStatus = Place(MakeLabel(client, "LabelStatus", "Status:"), 150, 7590, 10950, 270, window::BottomWide);
     LabelDatabaseVersion =
-        Place(new forms::Label(client, QStringLiteral("LabelDatabaseVersion"), QStringLiteral("Database Version:")),
-              150, 7890, 4200, 270, bottomLeft);
-    LabelTotalDevices =
-        Place(new forms::Label(client, QStringLiteral("LabelTotalDevices"), QStringLiteral("Devices In Database:")),
-              4500, 7890, 5700, 270, bottomWide);
-    LabelResize = Place(new forms::Label(client, QStringLiteral("LabelResize"), QStringLiteral("o")), 10980, 7980, 270,
-                        270, bottomRight);
-    LabelResize->SetGrip(true);
+        Place(MakeLabel(client, "LabelDatabaseVersion", "Database Version:"), 150, 7890, 4200, 270, window::BottomLeft);
+    LabelTotalDevices = Place(MakeLabel(client, "LabelTotalDevices", "Devices In Database:"), 4500, 7890, 5700, 270,
+                              window::BottomWide);
+    LabelResize = window::MakeGrip(client, 11250, 8250);
 
     Picture1 = Place(new forms::PictureBox(client, QStringLiteral("Picture1")), 0, 0, 15, 15);
     Picture1->SetVisible(false);
@@ -121,7 +90,7 @@ void FrmMain::CreateControls() {
 
 void FrmMain::CreateTabs() {
     TabControl1 =
-        Place(new suite::TabControl(Client(), QStringLiteral("TabControl1")), 150, 1230, 10950, 5670, stretch);
+        Place(new suite::TabControl(Client(), QStringLiteral("TabControl1")), 150, 1230, 10950, 5670, window::Stretch);
     TabControlPage1 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage1"));
     TabControlPage2 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage2"));
     TabControlPage3 = new suite::TabControlPage(TabControl1, QStringLiteral("TabControlPage3"));
@@ -139,18 +108,11 @@ void FrmMain::CreateTabs() {
         item->SetTag(title);
         item->SetCaption(inventory::DeviceListCaption(title, 0));
         Lists()[i]->SetAccessibleLabel(title);
-        Lists()[i]->SetTag(QLatin1String(stretch));
+        Lists()[i]->SetTag(QLatin1String(window::Stretch));
     }
 
     // Stands on the tab control and not on a page, so that it shows over whichever list is selected.
-    PanelProgress = Place(new controls::PanelFx(TabControl1, QStringLiteral("PanelProgress")), 3000, 2000, 4500, 1050);
-    PanelProgress->InitProperties();
-    PanelProgress->SetTitleCaption(QStringLiteral("Please Wait..."));
-    PanelProgress->SetBackGroundStyle(1);
-    PanelProgress->SetTitleAlignment(1);
-    PanelProgress->SetTileHeight(int(qRound(360 / controls::TitelBar::TwipsPerPixelX())));
-    PanelProgress->SetVisible(false);
-    DB1 = Place(new controls::AnimationBar(PanelProgress, QStringLiteral("DB1")), 180, 540, 4140, 330);
+    PanelProgress = window::MakeProgressPanel(TabControl1, DB1);
 }
 
 void FrmMain::Connect() {
@@ -174,10 +136,8 @@ void FrmMain::Connect() {
 }
 
 void FrmMain::ConnectList(suite::ListView* list) {
-    connect(list, &suite::ListView::ColumnClick, this, [list](int column) { inventory::ClickColumn(*list, column); });
+    inventory::ConnectList(*list, QStringLiteral("MenuMain"));
     connect(list, &suite::ListView::DblClick, this, [this, list] { OpenLookup(list); });
-    connect(list, &suite::ListView::KeyDown, this, [list](int keyCode) { inventory::DeleteKey(*list, keyCode); });
-    connect(list, &suite::ListView::MouseUp, this, [this, list](int button) { List_MouseUp(list, button); });
 }
 
 } // namespace shell

@@ -20,8 +20,8 @@
 #include "suite/tab_control.h"
 #include "values/program_values.h"
 #include "values/settings.h"
+#include "window/design.h"
 #include "window/form_icon.h"
-#include "window/icon_resource.h"
 #include "window/measure_dpi.h"
 #include "window/placement.h"
 
@@ -71,7 +71,8 @@ void FrmMain::Load() {
     base::Yield();
     window::CentreOnScreen(*this);
     program.ProgramVersion = values::BuiltVersion();
-    SetUpTitle();
+    window::SetUpTitle(*this, *TitelBar1);
+    base::Yield();
     SetAutoRedraw(true);
     SetScaleMode(pixelScale);
     appearance::MakeWindowColorKeyed(this, TitelBar1->BackColor());
@@ -91,14 +92,6 @@ void FrmMain::Load() {
     base::Yield();
     if (!values::ProgramClosing())
         TimerStartup->SetEnabled(true);
-}
-
-void FrmMain::SetUpTitle() {
-    const int size = window::TitleIconSize();
-    TitelBar1->SetPicture(window::LoadIconFromRes(QStringLiteral("AAA"), size, size, 0, false));
-    TitelBar1->SetCaption(Caption());
-    TitelBar1->SetWidth(Width());
-    base::Yield();
 }
 
 void FrmMain::SetUpLists() {

@@ -1,6 +1,7 @@
 #include "window/placement.h"
 
 #include "base/yield.h"
+#include "controls/anchor.h"
 #include "forms/form.h"
 #include "forms/label.h"
 #include "forms/screen.h"
@@ -16,6 +17,15 @@ constexpr int frameTop = -50; // pixels; anything above the window does
 void CentreOnScreen(forms::Form& form) {
     form.SetLeft(forms::ScreenWidth() / 2 - form.Width() / 2);
     form.SetTop(forms::ScreenHeight() / 2 - form.Height() / 2);
+}
+
+void OpenAtLeastSize(forms::Form& form, controls::Anchor& anchor, forms::Label& grip, double width, double height) {
+    anchor.SetMinHeight(int(height));
+    anchor.SetMinWidth(int(width));
+    form.SetHeight(height);
+    form.SetWidth(width);
+    CentreOnScreen(form);
+    PlaceGrip(form, grip);
 }
 
 void CentreOver(forms::Control& panel, const forms::Control& list) {

@@ -1,6 +1,10 @@
 // What every window of the program does with places: centring, the grip in its corner, the frame around it.
 #pragma once
 
+namespace controls {
+class Anchor;
+}
+
 namespace forms {
 class Control;
 class Form;
@@ -11,6 +15,9 @@ namespace window {
 
 // In the middle of the primary screen.
 void CentreOnScreen(forms::Form& form);
+
+// The start of a sizable window's load: it takes its least size (twips), the middle of the screen, and its grip.
+void OpenAtLeastSize(forms::Form& form, controls::Anchor& anchor, forms::Label& grip, double width, double height);
 
 // `panel` in the middle of `list`, both in one container; yields after each coordinate.
 void CentreOver(forms::Control& panel, const forms::Control& list);
