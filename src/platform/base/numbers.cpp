@@ -31,14 +31,32 @@ template <typename Integer> Integer Clamped(double value) {
     return Integer(value);
 }
 
+// To a whole number, half away from zero. The exact expansion of a double seldom ends in a tie, so near a tie the first
+// 15 significant digits decide; elsewhere they cannot make a difference.
+double RoundHalfUp(double value) {
+    const double floor = std::floor(value);
+    const double rest = value - floor;
+    if (std::fabs(rest - 0.5) > 1e-12 + value * 1e-13)
+        return rest < 0.5 ? floor : floor + 1;
+    return std::floor(QString::number(value, 'g', 15).toDouble() + 0.5);
+}
+
 QString FixedDecimals(double value, int decimals) {
-    // The exact decimal expansion of a double seldom ends in a tie, so rounding is done on its 15 significant digits.
-    const double factor = std::pow(10.0, decimals);
-    const double scaled = QString::number(std::fabs(value) * factor, 'g', 15).toDouble();
-    const double rounded = std::copysign(std::floor(scaled + 0.5) / factor, value);
+    constexpr double exactWhole = 1e15;
+    const double factor = decimals == 0 ? 1.0 : std::pow(10.0, decimals);
+    const double scaled = RoundHalfUp(std::fabs(value) * factor);
     QLocale locale;
-    locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    return locale.toString(rounded == 0 ? 0.0 : rounded, 'f', decimals);
+    if (scaled >= exactWhole || locale.zeroDigit() != QLatin1String("0")) {
+        const double rounded = std::copysign(scaled / factor, value);
+        locale.setNumberOptions(QLocale::OmitGroupSeparator);
+        return locale.toString(rounded == 0 ? 0.0 : rounded, 'f', decimals);
+    }
+    QString text = QString::number(qint64(scaled));
+    if (decimals > 0) {
+        text = text.rightJustified(decimals + 1, u'0');
+        text.insert(text.size() - decimals, locale.decimalPoint());
+    }
+    return value < 0 && scaled != 0 ? locale.negativeSign() + text : text;
 }
 
 QString AtLeastDigits(double value, qsizetype digits) {

@@ -28,6 +28,13 @@ TEST(Numbers, Patterns) {
     EXPECT_EQ(base::FormatNumber(1.005, "0.00"), "1.01");
     EXPECT_EQ(base::FormatNumber(0.5, "0"), "1");
     EXPECT_EQ(base::FormatNumber(-0.2, "0"), "0");
+    EXPECT_EQ(base::FormatNumber(-1.005, "0.00"), "-1.01");
+    EXPECT_EQ(base::FormatNumber(0.004, "0.00"), "0.00");
+    EXPECT_EQ(base::FormatNumber(-1234567.891, "0.00"), "-1234567.89");
+    EXPECT_EQ(base::FormatNumber(1e18, "0.00"), "1000000000000000000.00");
+    EXPECT_EQ(base::FormatNumber(2.5, "0"), "3");
+    EXPECT_EQ(base::FormatNumber(1.4999999, "0"), "1");
+    EXPECT_EQ(base::FormatNumber(8.115, "0.00"), "8.12");
 }
 
 TEST(Numbers, WhatReadsAsANumber) {
