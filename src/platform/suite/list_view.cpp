@@ -37,7 +37,8 @@ ListView::ListView(QWidget* container, const QString& name)
 ListView::~ListView() {
     items_.SetObserver(nullptr);
     following_ = true;
-    // Before the rows that it shows.
+    // Before the rows that it shows. It loses the keyboard while it goes, and must not report that any more.
+    tree_->removeEventFilter(this);
     delete tree_;
 }
 
