@@ -65,10 +65,7 @@ void Recordset::OpenStatement(const StatementText& statement, const std::shared_
         kind_ = Kind::Paged;
     } else {
         Table table = session->Query(statement.Sql, statement.Values, !table_.isEmpty());
-        fields_.fields_.clear();
-        for (const QString& column : table.Columns) {
-            fields_.fields_.push_back({column, adLongVarChar, -1});
-        }
+        SetColumns(table.Columns);
         rows_ = std::move(table.Rows);
         rowIds_ = std::move(table.RowIds);
         kind_ = Kind::Fetched;
@@ -79,6 +76,14 @@ void Recordset::OpenStatement(const StatementText& statement, const std::shared_
     count_ = -1;
 }
 
+void Recordset::SetColumns(const QStringList& names) {
+    fields_.fields_.clear();
+    fields_.fields_.reserve(size_t(names.size()));
+    for (const QString& name : names) {
+        fields_.fields_.push_back({name, adLongVarChar, -1});
+    }
+}
+
 void Recordset::FetchPage(qint64 behind) {
     const std::shared_ptr<Session> session = RequireSession();
     const bool first = behind == std::numeric_limits<qint64>::min();
@@ -87,10 +92,7 @@ void Recordset::FetchPage(qint64 behind) {
     Table page = first ? session->Query(select + order, {}, true)
                        : session->Query(select + " WHERE rowid > ?" + order, {qlonglong(behind)}, true);
     if (first) {
-        fields_.fields_.clear();
-        for (const QString& column : page.Columns) {
-            fields_.fields_.push_back({column, adLongVarChar, -1});
-        }
+        SetColumns(page.Columns);
     } else if (session->Generation() != generation_) {
         // The rest of another file's table: not these rows.
         page = Table();

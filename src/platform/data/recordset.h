@@ -87,6 +87,7 @@ class Recordset {
     enum class Kind { Closed, Memory, Fetched, Paged };
 
     void OpenStatement(const StatementText& statement, const std::shared_ptr<Session>& session);
+    void SetColumns(const QStringList& names);
     void FetchPage(qint64 behind);
     void UpdateStore();
     void FinishPending();

@@ -289,10 +289,8 @@ int Session::Change(const QByteArray& sql, const std::vector<QVariant>& values) 
 }
 
 void Session::RunPlain(const char* sql) {
-    const int code = sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr);
-    if (code != SQLITE_OK) {
-        Fail(code);
-    }
+    Run run(*this, sql, {});
+    run.Step();
 }
 
 void Session::Hold() {
@@ -306,7 +304,7 @@ void Session::Hold() {
 void Session::LetGo() {
     if (held_) {
         held_ = false;
-        sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
+        Ran([this] { RunPlain("ROLLBACK"); });
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "data/error.h"
 
+#include <algorithm>
 #include <array>
 
 namespace data {
@@ -16,7 +17,8 @@ struct Token {
     QVariant Value;       // of Text and Number
 
     bool IsWord(QLatin1String word) const {
-        return Kind == TokenKind::Word && Spelling.compare(word, Qt::CaseInsensitive) == 0;
+        return Kind == TokenKind::Word && Spelling.size() == word.size() &&
+               Spelling.compare(word, Qt::CaseInsensitive) == 0;
     }
     bool IsSymbol(char16_t symbol) const { return Kind == TokenKind::Symbol && Spelling.front() == symbol; }
     bool IsName() const { return Kind == TokenKind::Word || Kind == TokenKind::Bracketed; }
@@ -139,76 +141,90 @@ class Tokeniser {
     qsizetype at_ = 0;
 };
 
-// "name" or "name.name" from `at` on, which is moved behind it; empty where there is none.
-QString ColumnName(const Tokens& tokens, size_t& at) {
+// How many tokens from `at` on spell a column, "name" or "table.name"; 0 where there is none.
+size_t ColumnTokens(const Tokens& tokens, size_t at) {
     if (at >= tokens.size() || !tokens[at].IsName()) {
-        return QString();
+        return 0;
     }
-    QString name = QStringLiteral("[%1]").arg(tokens[at++].Spelling);
-    if (at + 1 < tokens.size() && tokens[at].IsSymbol(u'.') && tokens[at + 1].IsName()) {
-        name += QStringLiteral(".[%1]").arg(tokens[at + 1].Spelling);
-        at += 2;
+    const bool qualified = at + 2 < tokens.size() && tokens[at + 1].IsSymbol(u'.') && tokens[at + 2].IsName();
+    return qualified ? 3 : 1;
+}
+
+bool SameSpelling(const Tokens& tokens, size_t left, size_t right, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        if (tokens[left + i].Spelling.compare(tokens[right + i].Spelling, Qt::CaseInsensitive) != 0) {
+            return false;
+        }
     }
-    return name;
+    return true;
 }
 
 // Where everything from `start` on is "column = literal OR column = literal ...", at least two of them and all of one
-// column: that column, with the literals in `values`.
-QString OrChain(const Tokens& tokens, size_t start, std::vector<QVariant>& values) {
-    QString column;
-    size_t at = start;
-    for (;;) {
-        const QString name = ColumnName(tokens, at);
-        if (name.isEmpty() || (!column.isEmpty() && name.compare(column, Qt::CaseInsensitive) != 0)) {
-            return QString();
-        }
-        column = name;
-        if (at + 1 >= tokens.size() || !tokens[at].IsSymbol(u'=') || !tokens[at + 1].IsLiteral()) {
-            return QString();
-        }
-        values.push_back(tokens[at + 1].Value);
-        at += 2;
-        if (at == tokens.size()) {
-            return values.size() > 1 ? column : QString();
-        }
-        if (!tokens[at++].IsWord(QLatin1String("OR"))) {
-            return QString();
-        }
+// column: the literals. Otherwise nothing.
+std::vector<QVariant> OrChain(const Tokens& tokens, size_t start) {
+    const size_t column = ColumnTokens(tokens, start);
+    const size_t term = column + 3; // with the OR behind it
+    const size_t length = tokens.size() - start + 1;
+    std::vector<QVariant> values;
+    if (column == 0 || length < 2 * term || length % term != 0) {
+        return {};
     }
+    for (size_t at = start; at < tokens.size(); at += term) {
+        const size_t literal = at + column + 1;
+        const bool fits = ColumnTokens(tokens, at) == column && SameSpelling(tokens, start, at, column) &&
+                          tokens[literal - 1].IsSymbol(u'=') && tokens[literal].IsLiteral() &&
+                          (literal + 1 == tokens.size() || tokens[literal + 1].IsWord(QLatin1String("OR")));
+        if (!fits) {
+            return {};
+        }
+        values.push_back(tokens[literal].Value);
+    }
+    return values;
 }
 
-QByteArray MarksFor(size_t count) {
-    QByteArray marks = QByteArrayLiteral("?");
-    marks.reserve(qsizetype(count) * 2);
-    for (size_t i = 1; i < count; ++i) {
-        marks += ",?";
-    }
-    return marks;
+// A blank, then the spelling between the two signs. Names and signs are ASCII, as the tokeniser lets through nothing
+// else.
+void AppendSpelling(QStringView spelling, QByteArrayView before, QByteArrayView behind, QByteArray& sql) {
+    const qsizetype start = sql.size();
+    sql.resize(start + before.size() + spelling.size() + behind.size());
+    char* to = std::copy(before.begin(), before.end(), sql.data() + start);
+    to =
+        std::transform(spelling.begin(), spelling.end(), to, [](QChar character) { return char(character.unicode()); });
+    std::copy(behind.begin(), behind.end(), to);
 }
 
 void Emit(const Token& token, StatementText& statement) {
-    if (!statement.Sql.isEmpty()) {
-        statement.Sql += ' ';
-    }
     switch (token.Kind) {
     case TokenKind::Text:
     case TokenKind::Number:
-        statement.Sql += '?';
+        statement.Sql += " ?";
         statement.Values.push_back(token.Value);
         break;
     case TokenKind::Parameter:
-        statement.Sql += '?';
+        statement.Sql += " ?";
         statement.Values.emplace_back();
         ++statement.ParameterCount;
         break;
     case TokenKind::Bracketed:
-        statement.Sql += '[' + token.Spelling.toUtf8() + ']';
+        AppendSpelling(token.Spelling, " [", "]", statement.Sql);
         break;
     case TokenKind::Word:
     case TokenKind::Symbol:
-        statement.Sql += token.Spelling.toUtf8();
+        AppendSpelling(token.Spelling, " ", "", statement.Sql);
         break;
     }
+}
+
+void EmitIn(const Tokens& tokens, size_t column, std::vector<QVariant>& values, StatementText& statement) {
+    for (size_t at = column; at < column + ColumnTokens(tokens, column); ++at) {
+        Emit(tokens[at], statement);
+    }
+    statement.Sql += " IN (?";
+    for (size_t i = 1; i < values.size(); ++i) {
+        statement.Sql += ",?";
+    }
+    statement.Sql += ')';
+    statement.Values.insert(statement.Values.end(), values.begin(), values.end());
 }
 
 // Everything from `start` on, with the condition's OR chain gathered.
@@ -218,11 +234,9 @@ void EmitRest(const Tokens& tokens, size_t start, StatementText& statement) {
         if (!tokens[at].IsWord(QLatin1String("WHERE"))) {
             continue;
         }
-        std::vector<QVariant> values;
-        const QString column = OrChain(tokens, at + 1, values);
-        if (!column.isEmpty()) {
-            statement.Sql += ' ' + column.toUtf8() + " IN (" + MarksFor(values.size()) + ')';
-            statement.Values.insert(statement.Values.end(), values.begin(), values.end());
+        std::vector<QVariant> values = OrChain(tokens, at + 1);
+        if (!values.empty()) {
+            EmitIn(tokens, at + 1, values, statement);
             return;
         }
     }
@@ -236,6 +250,7 @@ bool IsSelectAllFromOneTable(const Tokens& tokens) {
 
 StatementText TranslateSelect(const Tokens& tokens) {
     StatementText statement;
+    statement.Sql.reserve(128);
     if (tokens.size() == 2 && tokens[1].IsWord(QLatin1String("@@IDENTITY"))) {
         statement.Kind = StatementKind::Identity;
         return statement;
@@ -246,7 +261,7 @@ StatementText TranslateSelect(const Tokens& tokens) {
     }
     statement.Table = tokens[3].Spelling.toString();
     statement.WholeTable = tokens.size() == 4;
-    statement.Sql = "SELECT rowid, * FROM [" + statement.Table.toUtf8() + ']';
+    AppendSpelling(tokens[3].Spelling, "SELECT rowid, * FROM [", "]", statement.Sql);
     EmitRest(tokens, 4, statement);
     return statement;
 }

@@ -1,4 +1,7 @@
+#include "base/yield.h"
 #include "database_fixture.h"
+
+#include <QTimer>
 
 using namespace data;
 
@@ -57,6 +60,28 @@ TEST_F(RecordsetTest, OpenRowsLockNobodyOut) {
     const auto other = Connect(Path());
     Insert(other, QStringLiteral("from outside"), QString()); // would wait and fail if a statement were half-read
     EXPECT_EQ(Select(connection, QStringLiteral("SELECT * FROM hwids"))->RecordCount(), 601);
+}
+
+TEST_F(RecordsetTest, AHoldEndsBeforeEventsRunAndBeforeAWrite) {
+    const auto connection = Connect(Path());
+    const auto other = Connect(Path());
+    ReadHold hold;
+    hold.Hold(connection);
+    EXPECT_EQ(InfoOf(connection, QStringLiteral("a")), QStringLiteral("(none)"));
+    // Dispatched events are where another window, or this process' other work, writes. A hold that lasted would make it
+    // wait for the whole busy time-out and fail.
+    bool written = false;
+    QTimer::singleShot(0, [&] { written = Ran([&] { Insert(other, QStringLiteral("a"), QStringLiteral("1")); }); });
+    base::Yield([&] { hold.LetGo(); });
+    EXPECT_TRUE(written);
+
+    hold.Hold(connection);
+    EXPECT_EQ(InfoOf(connection, QStringLiteral("a")), QStringLiteral("1"));
+    Insert(connection, QStringLiteral("b"), QString());
+    Insert(other, QStringLiteral("c"), QString());
+    hold.Hold(nullptr);
+    connection->Close();
+    hold.Hold(connection);
 }
 
 TEST_F(RecordsetTest, AnswersEmptyClosedAndUnknownAsErrors) {

@@ -31,7 +31,7 @@ TEST(StatementText, LiftsEveryLiteral) {
 TEST(StatementText, GathersOneColumnsOrChain) {
     const auto statement = TranslateStatement(QStringLiteral(
         "SELECT * FROM hwids Where [hwids].[hwid] = 'a' OR [hwids].[hwid] = 'b' or [HWIDS].[hwid] = ''"));
-    EXPECT_TRUE(statement.Sql.endsWith("Where [HWIDS].[hwid] IN (?,?,?)")) << statement.Sql.toStdString();
+    EXPECT_TRUE(statement.Sql.endsWith("Where [hwids] . [hwid] IN (?,?,?)")) << statement.Sql.toStdString();
     EXPECT_THAT(statement.Values, ElementsAre(QVariant(QStringLiteral("a")), QVariant(QStringLiteral("b")),
                                               QVariant(QStringLiteral(""))));
 
