@@ -30,6 +30,11 @@ void ProgressTheme::DrawThemeBackground(draw::Surface& surface, Part part, const
     if (!surface.IsDrawable() || rect.isEmpty())
         return;
     const bool isChunk = part == PP_CHUNK || part == PP_CHUNKVERT;
+    const bool isTall = part == PP_BARVERT || part == PP_CHUNKVERT;
+    QPainter painter(&surface.Pixels());
+    painter.setClipRect(rect);
+    if (!isChunk)
+        painter.fillRect(rect, widget_->palette().window());
     QStyleOptionProgressBar option;
     option.initFrom(widget_);
     option.rect = rect;
@@ -37,11 +42,12 @@ void ProgressTheme::DrawThemeBackground(draw::Surface& surface, Part part, const
     option.maximum = 1;
     option.progress = 1;
     option.textVisible = false;
-    option.state.setFlag(QStyle::State_Horizontal, part == PP_BAR || part == PP_CHUNK);
-    QPainter painter(&surface.Pixels());
-    painter.setClipRect(rect);
-    if (!isChunk)
-        painter.fillRect(rect, widget_->palette().window());
+    option.state |= QStyle::State_Horizontal;
+    if (isTall) { // a wide bar stood on its left end, since not every style draws tall ones
+        painter.translate(rect.left(), rect.top() + rect.height());
+        painter.rotate(-90);
+        option.rect = QRect(0, 0, rect.height(), rect.width());
+    }
     style_->drawControl(isChunk ? QStyle::CE_ProgressBarContents : QStyle::CE_ProgressBarGroove, &option, &painter,
                         widget_);
 }

@@ -287,4 +287,7 @@ TEST_F(ProgressBar, PaintsAtAnySizeAndInTheVisualStyle) {
     control_.SetXpStyle(true);
     EXPECT_NE(At(10, 10), At(85, 10)) << "the style draws a bar";
     EXPECT_NE(At(85, 10), back) << "and its own background";
+    control_.resize(20, 90);
+    EXPECT_NE(At(10, 80), At(10, 5)) << "upward, when tall";
+    EXPECT_NE(At(10, 5), back);
 }
