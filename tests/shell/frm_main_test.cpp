@@ -1,0 +1,293 @@
+#include "shell/frm_main.h"
+
+#include "appearance/frm_colors.h"
+#include "base/paths.h"
+#include "base/yield.h"
+#include "controls/anchor.h"
+#include "controls/dc_button.h"
+#include "controls/panel_fx.h"
+#include "controls/titel_bar.h"
+#include "database/database_builder.h"
+#include "database/frm_lookup.h"
+#include "database/store.h"
+#include "device_fixture.h"
+#include "forms/dialogs.h"
+#include "forms/forms.h"
+#include "forms/label.h"
+#include "forms/screen.h"
+#include "forms/text_box.h"
+#include "forms/timer.h"
+#include "inventory/frm_menu.h"
+#include "suite/list_tree.h"
+#include "suite/list_view.h"
+#include "suite/tab_control.h"
+#include "values/program_values.h"
+#include "values/settings.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Two devices that work and one without a driver.
+constexpr char machine[] = R"(
+/devices/pci0000:00/0000:00:14.0/usb1/1-1 @ bus/usb
+  idVendor = 1234
+  idProduct = 0001
+  bDeviceClass = 09
+  product = Beta Hub
+  manufacturer = Maker
+  driver -> /bus/usb/drivers/usb
+/devices/pci0000:00/0000:00:14.0/usb1/1-2 @ bus/usb
+  idVendor = 1234
+  idProduct = 0002
+  bDeviceClass = 09
+  product = Alpha Hub
+  manufacturer = Maker
+  driver -> /bus/usb/drivers/usb
+/devices/pci0000:00/0000:00:03.0 @ bus/pci
+  vendor = 0x1234
+  device = 0x0003
+  class = 0xff0000
+)";
+
+class FrmMainTest : public testing::Test {
+  protected:
+    FrmMainTest() : devices_(machine) {
+        base::SetProgramFolder(folder_.path());
+        values::Program() = values::ProgramValues();
+        all_.SetAllGone([this] { ++allGone_; });
+        shell::RegisterMainWindow();
+        appearance::RegisterForms();
+        inventory::RegisterMenuForm();
+        database::RegisterLookupForm();
+        forms::SetMsgBoxRecorder([this](const QString& text, forms::MessageIcon) { messages_ << text; });
+        database::SetFatalHandlers([this](const QString& message) { fatal_ = message; }, [] {});
+    }
+
+    ~FrmMainTest() override {
+        all_.Clear();
+        database::CloseDeviceDatabase();
+        database::SetFatalHandlers(nullptr, nullptr);
+        forms::SetMsgBoxRecorder(nullptr);
+        values::Program() = values::ProgramValues();
+    }
+
+    void WriteDatabase() {
+        database::DatabaseBuilder builder;
+        builder.Add("USB\\VID_1234&PID_0001", "Known Hub", "Known Maker");
+        QString error;
+        ASSERT_TRUE(builder.Write(folder_.filePath("hwids.mdb"), "2.3.4", &error)) << error.toStdString();
+    }
+
+    shell::FrmMain* Start() {
+        auto* main = static_cast<shell::FrmMain*>(all_.Shared("FrmMain"));
+        main->Show();
+        return main;
+    }
+
+    shell::FrmMain* StartAndScan() {
+        WriteDatabase();
+        shell::FrmMain* main = Start();
+        EXPECT_TRUE(QTest::qWaitFor([main] { return main->LabelStatus->Caption() == "Status: Done"; }, 20000));
+        QTest::qWait(400);
+        return main;
+    }
+
+    static QStringList Names(suite::ListView* list) {
+        QStringList names;
+        for (int i = 1; i <= list->ListItems().Count(); ++i)
+            names << list->ListItems().Item(i)->Text();
+        return names;
+    }
+
+    QTemporaryDir folder_;
+    DeviceFixture devices_;
+    forms::Forms& all_ = forms::Forms::Instance();
+    QStringList messages_;
+    QString fatal_;
+    int allGone_ = 0;
+};
+
+} // namespace
+
+TEST_F(FrmMainTest, ShowsItsDevicesWithoutAClick) {
+    WriteDatabase();
+    shell::FrmMain* main = Start();
+    EXPECT_TRUE(main->isVisible());
+    EXPECT_EQ(main->WindowRect().size(), QSize(750, 550));
+    EXPECT_EQ(main->Caption(), "Brindlex - Quorvane v" + values::BuiltVersion());
+    EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (0)");
+    // What the window shows between the steps, seen from inside its yields.
+    QStringList captions;
+    bool buttonsOff = true;
+    bool panelShown = true;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        const QString caption = main->LabelStatus->Caption();
+        if (captions.isEmpty() || captions.last() != caption)
+            captions << caption;
+        if (!caption.startsWith("Status: Reading") && !caption.startsWith("Status: Getting"))
+            return;
+        buttonsOff = buttonsOff && !main->CommandGetHardware->Enabled() && !main->CommandImproveHardware->Enabled() &&
+                     !main->CommandCheckForUpdates->Enabled() && main->CommandColors->Enabled();
+        panelShown = panelShown && (main->PanelProgress->Visible() || caption.startsWith("Status: Reading"));
+    });
+    watch.start(0);
+    ASSERT_TRUE(QTest::qWaitFor([main] { return main->LabelStatus->Caption() == "Status: Done"; }, 20000));
+    ASSERT_TRUE(QTest::qWaitFor([main] { return main->TabControl1->Item(0)->Caption() == "All Hardware (3)"; }));
+    watch.stop();
+    EXPECT_TRUE(captions.contains("Status: Reading Database Version && Device Count From hwids.mdb"));
+    EXPECT_TRUE(captions.contains("Status: Getting Beta Hub"));
+    EXPECT_TRUE(buttonsOff);
+    EXPECT_TRUE(panelShown);
+    EXPECT_EQ(main->TabControl1->Item(1)->Caption(), "No Drivers Installed (1)");
+    EXPECT_EQ(main->TabControl1->Item(2)->Caption(), "Hardware With Problems (1)");
+    EXPECT_EQ(main->LabelDatabaseVersion->Caption(), "Database Version: 2.3.4");
+    EXPECT_EQ(main->LabelTotalDevices->Caption(), "Devices In Database: 1");
+    EXPECT_TRUE(main->CommandGetHardware->Enabled() && main->CommandImproveHardware->Enabled());
+    EXPECT_FALSE(main->PanelProgress->Visible());
+    EXPECT_EQ(Names(main->ListViewHardware).mid(0, 2), (QStringList{"Alpha Hub", "Beta Hub"}));
+    EXPECT_FALSE(main->ImportantLabelUpdateAvailable->Visible());
+    EXPECT_EQ(values::Program().SystemFolder, "C:\\Windows\\System32\\");
+}
+
+TEST_F(FrmMainTest, CaptionsStandAtZeroUntilTheNextTickAfterAScan) {
+    shell::FrmMain* main = StartAndScan();
+    EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (3)");
+    main->Timer1->SetInterval(100000);
+    main->CommandGetHardware_Click();
+    EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (0)");
+    EXPECT_EQ(main->ListViewHardware->ListItems().Count(), 3);
+    EXPECT_TRUE(main->Timer1->Enabled());
+    main->Timer1_Tick();
+    EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (3)");
+}
+
+TEST_F(FrmMainTest, AMissingOrForeignDatabaseIsTheFatalMessage) {
+    for (const QByteArray& content : {QByteArray(), QByteArray("This is no database at all.\n")}) {
+        fatal_.clear();
+        if (!content.isEmpty()) {
+            QFile file(folder_.filePath("hwids.mdb"));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        }
+        shell::FrmMain* main = Start();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !fatal_.isEmpty(); }));
+        const QStringList lines = fatal_.split("\r\n");
+        ASSERT_EQ(lines.size(), 7);
+        EXPECT_TRUE(lines[0].startsWith("ERROR: -"));
+        EXPECT_EQ(lines[3], "Looks like the program had trouble opening the database with ADO!");
+        EXPECT_TRUE(lines[4].endsWith("/forums/"));
+        EXPECT_EQ(lines[6], "The Program Will Now Close.");
+        main->Unload();
+        values::Program().ProgramClosing = false;
+    }
+}
+
+TEST_F(FrmMainTest, ColumnClicksSortAndTheDeleteKeyRemoves) {
+    shell::FrmMain* main = StartAndScan();
+    suite::ListView* list = main->ListViewHardware;
+    Q_EMIT list->ColumnClick(1);
+    EXPECT_EQ(list->SortOrder(), 1);
+    EXPECT_EQ(Names(list).at(1), "Beta Hub");
+    Q_EMIT list->ColumnClick(3);
+    EXPECT_EQ(list->SortOrder(), 0);
+    EXPECT_EQ(list->SortKey(), 2);
+    Q_EMIT list->ColumnClick(1);
+    EXPECT_EQ(Names(list).first(), "Alpha Hub");
+    list->ListItems().SetSelectedItem(list->ListItems().Item(1));
+    QTest::keyClick(list->Tree(), Qt::Key_Delete, Qt::ShiftModifier);
+    EXPECT_EQ(list->ListItems().Count(), 2);
+    ASSERT_NE(list->SelectedItem(), nullptr);
+    EXPECT_EQ(list->SelectedItem()->Text(), "Beta Hub");
+    EXPECT_EQ(main->ListViewNoSystemDevices->ListItems().Count(), 3); // the other lists keep it
+    QTest::qWait(350);
+    EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (2)");
+    list->ListItems().SetSelectedItem(nullptr);
+    QTest::keyClick(list->Tree(), Qt::Key_Delete);
+    EXPECT_EQ(list->ListItems().Count(), 2);
+}
+
+TEST_F(FrmMainTest, TheLookupButtonFollowsTheSelectedTab) {
+    shell::FrmMain* main = StartAndScan();
+    suite::ListView* noDrivers = main->ListViewNoDrivers;
+    main->TabControl1->Item(1)->SetSelected(true);
+    EXPECT_EQ(main->SelectedList(), noDrivers);
+    noDrivers->ListItems().SetSelectedItem(noDrivers->ListItems().Item(1));
+    main->dcButton1_Click();
+    auto* lookup = all_.Find("FrmLookup");
+    ASSERT_NE(lookup, nullptr);
+    EXPECT_EQ(lookup->Caption(), noDrivers->SelectedItem()->Text());
+    const QString ids = lookup->Find<forms::TextBox>("TextID")->Text();
+    EXPECT_TRUE(ids.startsWith("PCI\\VEN_1234&DEV_0003"));
+    EXPECT_TRUE(ids.endsWith("\r\n"));
+    noDrivers->ListItems().Clear();
+    main->dcButton1_Click();
+    EXPECT_EQ(all_.Loaded().size(), 3); // the main window, the hidden colours, one lookup
+}
+
+TEST_F(FrmMainTest, ARightClickOnAnEmptyListSaysSo) {
+    shell::FrmMain* main = StartAndScan();
+    main->ListViewProblems->ListItems().Clear();
+    Q_EMIT main->ListViewProblems->MouseUp(forms::RightButton, 0, 1, 1);
+    Q_EMIT main->ListViewProblems->MouseUp(forms::LeftButton, 0, 1, 1);
+    EXPECT_EQ(messages_, QStringList{"The List Is Empty."});
+}
+
+TEST_F(FrmMainTest, LaysOutAtAnySizeAndHidesTheGripWhileMaximised) {
+    shell::FrmMain* main = StartAndScan();
+    main->SetWidth(15000);
+    main->SetHeight(12000);
+    QTest::qWait(20);
+    EXPECT_EQ(main->TitelBar1->Width(), 15000);
+    EXPECT_EQ(main->TabControl1->Width(), 15000 - 300);
+    EXPECT_EQ(main->ListViewProblems->size(), main->TabControl1->PaneRect().size());
+    EXPECT_EQ(main->LabelResize->geometry().bottomRight(), main->Client()->rect().bottomRight());
+    main->SetWidth(1000);
+    QTest::qWait(20);
+    EXPECT_EQ(main->Width(), 11250);
+    main->TitelBar1->MaxminizeParent();
+    EXPECT_FALSE(main->LabelResize->Visible());
+    EXPECT_EQ(main->WindowRect(), forms::WorkArea());
+    main->TitelBar1->MaxminizeParent();
+    EXPECT_TRUE(main->LabelResize->Visible());
+}
+
+TEST_F(FrmMainTest, ClosingEndsEverythingAlsoInTheMiddleOfAScan) {
+    WriteDatabase();
+    shell::FrmMain* main = Start();
+    bool closed = false;
+    QObject::connect(main->Timer1, &forms::Timer::Tick, [] {});
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (!closed && main->LabelStatus->Caption().startsWith("Status: Getting")) {
+            closed = true;
+            EXPECT_TRUE(main->Unload());
+        }
+    });
+    watch.start(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return closed; }, 20000));
+    watch.stop();
+    EXPECT_TRUE(values::ProgramClosing());
+    EXPECT_TRUE(all_.Loaded().isEmpty());
+    EXPECT_EQ(database::DatabaseConnection(), nullptr);
+    QTest::qWait(60);
+    all_.Bury();
+    EXPECT_GE(allGone_, 1);
+}
+
+TEST_F(FrmMainTest, SettingsDecideShadowAndCheck) {
+    WriteDatabase();
+    for (const char* key : {"CheckDisableShadow", "CheckForUpdates"}) {
+        QString path = values::SettingsPath();
+        values::WriteSetting("main", key, "1", path);
+    }
+    Start();
+    EXPECT_TRUE(values::Program().ShadowDisabled);
+    EXPECT_FALSE(values::Program().ShadowEnabled);
+    EXPECT_TRUE(values::Program().CheckForUpdatesAtStart);
+    values::Program().CheckForUpdatesAtStart = false;
+}
