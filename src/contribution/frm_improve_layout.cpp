@@ -47,20 +47,20 @@ void FrmImprove::CreateControls() {
     Anchor1 = new controls::Anchor(this, QStringLiteral("Anchor1"));
     TitelBar1 = window::MakeTitelBar(client, LeastWidth);
     LabelText1 =
-        Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 600, 8220, 3060, window::FollowWidth);
+        Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 540, 8220, 3900, window::FollowWidth);
     LabelText1->SetLocked(true);
     LabelText1->SetText(Explanation());
     ImportantLabel1 = Place(MakeLabel(client, "ImportantLabel1",
                                       "*English Systems Only - PLEASE REMOVE ANY DEVICE THAT HAS NON ENGLISH WORDS!"),
-                            150, 3720, 8220, 285, window::FollowWidth);
-    CommandGetHardware = Place(MakeButton(client, "CommandGetHardware", "1. Scan Hardware"), 150, 4080, 2550, 450);
+                            150, 4485, 8220, 285, window::FollowWidth);
+    CommandGetHardware = Place(MakeButton(client, "CommandGetHardware", "1. Scan Hardware"), 150, 4815, 2550, 420);
     CommandSaveSubmit = Place(MakeButton(client, "CommandSaveSubmit", "2. Add to Database && Submit to Brindlex"), 2820,
-                              4080, 5550, 450, window::FollowWidth);
+                              4815, 5550, 420, window::FollowWidth);
     CommandSaveSubmit->SetEnabled(false);
     ListViewHardware =
-        Place(new suite::ListView(client, QStringLiteral("ListViewHardware")), 150, 4650, 8220, 2640, window::Stretch);
+        Place(new suite::ListView(client, QStringLiteral("ListViewHardware")), 150, 5340, 8220, 2010, window::Stretch);
     ListViewHardware->SetAccessibleLabel(QStringLiteral("Hardware not in the database"));
-    InfoLabelListTotal = Place(MakeLabel(client, "InfoLabelListTotal", "Total Hardware Not In Database: 0"), 150, 7365,
+    InfoLabelListTotal = Place(MakeLabel(client, "InfoLabelListTotal", "Total Hardware Not In Database: 0"), 150, 7410,
                                8220, 270, window::BottomWide);
     ImportantLabelSubmitStatus =
         Place(MakeLabel(client, "ImportantLabelSubmitStatus", ""), 150, 7650, 8220, 510, window::BottomWide);

@@ -51,14 +51,14 @@ void FrmLookup::CreateControls() {
         Place(MakeLabel(client, "ImportantLabelName", "Device:"), 150, 570, 8220, 285, window::FollowWidth);
     LabelHardwareID =
         Place(MakeLabel(client, "LabelHardwareID", "Hardware IDs:"), 150, 870, 8220, 270, window::FollowWidth);
-    TextID = Place(new forms::TextBox(client, QStringLiteral("TextID")), 150, 1140, 8220, 1080, window::FollowWidth);
+    TextID = Place(new forms::TextBox(client, QStringLiteral("TextID")), 150, 1125, 8220, 1170, window::FollowWidth);
     CommandSearchGoogleID =
         Place(window::MakeButton(client, "CommandSearchGoogleID", "Search Google For Drivers (By These Hardware IDs)"),
-              150, 2310, 5400, 420);
+              150, 2370, 5400, 420);
     LabelPossible =
-        Place(MakeLabel(client, "LabelPossible", "Possible Matches:"), 150, 2820, 8220, 270, window::FollowWidth);
-    LabelListViewHardware = Place(new suite::ListView(client, QStringLiteral("LabelListViewHardware")), 150, 3090, 8220,
-                                  1500, window::Stretch);
+        Place(MakeLabel(client, "LabelPossible", "Possible Matches:"), 150, 2850, 8220, 270, window::FollowWidth);
+    LabelListViewHardware = Place(new suite::ListView(client, QStringLiteral("LabelListViewHardware")), 150, 3105, 8220,
+                                  1485, window::Stretch);
     LabelListViewHardware->SetAccessibleLabel(QStringLiteral("Possible Matches"));
     ImportantPictureBestMacthColor =
         Place(new forms::PictureBox(client, QStringLiteral("ImportantPictureBestMacthColor")), 150, 4695, 210, 210,
