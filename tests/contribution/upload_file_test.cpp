@@ -1,6 +1,7 @@
 #include "contribution/upload_file.h"
 
 #include "support/scripted_server.h"
+#include "upload_request.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -23,18 +24,8 @@ class UploadFileTest : public testing::Test {
         return folder_.path() + QStringLiteral("\\new_hardware.txt");
     }
 
-    static QByteArray Body(const QByteArray& content) {
-        return "--3fbd04f5-b1ed-4060-99b9-fca7ff59c113\r\n"
-               "Content-Disposition: multipart/form-data; name=\"uploadfile\"; filename=\"new_hardware.txt\"\r\n"
-               "Content-Type: application/octet-stream\r\n\r\n" +
-               content + "\r\n--3fbd04f5-b1ed-4060-99b9-fca7ff59c113--";
-    }
-
     QByteArray Request(const QByteArray& path, const QByteArray& content) const {
-        return "POST " + path + " HTTP/1.0\r\nHost: 127.0.0.1:" + QByteArray::number(server_.Port()) +
-               "\r\nUser-Agent: Uploader\r\nContent-Type: multipart/form-data; "
-               "boundary=3fbd04f5-b1ed-4060-99b9-fca7ff59c113\r\nContent-Length: " +
-               QByteArray::number(Body(content).size()) + "\r\n\r\n" + Body(content);
+        return UploadRequest(server_.Port(), path, content);
     }
 
     ScriptedServer server_;
