@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# The real program with a broken surrounding: no database, something else in its place, settings of random bytes, a folder
+# that cannot be written, and requests to end at any moment.
+set -u
+. "$(dirname "$0")/virtual_screen.sh"
+for tool in Xvfb openbox xdotool xwd; do
+  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
+done
+start_screen
+make_program_folder
+"$QUORVANE_BIN/quorvane-db" build --output "$scratch/good.mdb" 2>/dev/null || { echo "no database"; exit 1; }
+cd "$program" || exit 1
+
+gone() { ! kill -0 "$1" 2>/dev/null; }
+
+# Starts, waits for the box with the fatal message, closes it, and expects a status other than 0.
+expect_fatal() {
+  ./quorvane 2>/dev/null &
+  local quorvane=$!
+  pids+=($quorvane)
+  wait_for 20 window_named '^Quorvane$' || { fail "$1: no message"; kill -9 $quorvane; return; }
+  xdotool windowactivate --sync "$(window_named '^Quorvane$')" key Return
+  wait_for 10 gone $quorvane || { fail "$1: still running"; kill -9 $quorvane; }
+  wait $quorvane
+  [ $? != 0 ] || fail "$1: status 0"
+}
+
+rm -f hwids.mdb
+expect_fatal "no database"
+[ ! -e hwids.mdb ] || fail "a missing database was created"
+echo "not a database" >hwids.mdb
+expect_fatal "text file"
+head -c 5000 "$scratch/good.mdb" >hwids.mdb
+expect_fatal "truncated database"
+rm hwids.mdb && mkdir hwids.mdb
+expect_fatal "folder"
+rmdir hwids.mdb
+
+# Random settings are no settings: the program runs, and ends with status 0 when asked.
+cp "$scratch/good.mdb" hwids.mdb
+for content in /dev/null /dev/urandom; do
+  head -c 20000 $content >settings.ini
+  ./quorvane 2>/dev/null &
+  quorvane=$!
+  pids+=($quorvane)
+  wait_for 20 window_named 'Quorvane v' || fail "does not start with settings from $content"
+  kill -TERM $quorvane
+  wait_for 10 gone $quorvane || { fail "does not end"; kill -9 $quorvane; }
+  wait $quorvane
+  expect "status with settings from $content" $? 0
+done
+rm -f settings.ini
+
+# Asked to end at any moment of start-up and scan.
+for delay in 0.05 0.1 0.15 0.2 0.25 0.3 0.4 0.5; do
+  ./quorvane 2>"$scratch/errors" &
+  quorvane=$!
+  pids+=($quorvane)
+  sleep $delay
+  kill -TERM $quorvane
+  wait_for 10 gone $quorvane || { fail "does not end after $delay s"; kill -9 $quorvane; }
+  wait $quorvane
+  status=$?
+  # Before the program can listen, the signal ends it in the system's own way.
+  [ $status = 0 ] || [ $status = 143 ] || fail "status $status after $delay s"
+  [ "$(sqlite3 hwids.mdb 'PRAGMA integrity_check' 2>/dev/null || echo ok)" = ok ] || fail "database damaged after $delay s"
+done
+
+[ $failures = 0 ] && echo "faults: ok"
+exit $((failures > 0))

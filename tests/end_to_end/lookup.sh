@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# The real program on this machine's own devices: it scans by itself, a double click looks a device up, the menus copy to the
+# clipboard and open the browser, the close button ends the process with status 0.
+set -u
+. "$(dirname "$0")/virtual_screen.sh"
+for tool in Xvfb openbox xdotool xclip xwd; do
+  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
+done
+start_screen
+make_program_folder
+"$QUORVANE_BIN/quorvane-db" build --output "$program/hwids.mdb" 2>/dev/null || { echo "no database"; exit 1; }
+cd "$program" || exit 1
+./quorvane 2>"$scratch/errors" &
+quorvane=$!
+pids+=($quorvane)
+
+wait_for 20 window_named 'Quorvane v' || fail "no main window"
+main=$(window_named 'Quorvane v')
+wait_until_still "$main" || fail "the first scan did not end"
+eval "$(xdotool getwindowgeometry --shell "$main")"
+left=$X top=$Y
+
+# The rows stand in the order of quorvane-list sorted by name, which is how the list comes up.
+"$QUORVANE_BIN/quorvane-list" >"$scratch/list"
+[ "$(wc -l <"$scratch/list")" -gt 1 ] || fail "this machine has no devices"
+
+# Select the first row, then copy the whole list through the popup menu.
+xdotool mousemove $((left + 200)) $((top + 140)) click 1
+sleep 0.3
+xdotool key shift+F10
+sleep 0.5
+for _ in 1 2 3 4; do xdotool key Down; sleep 0.05; done
+xdotool key Return
+sleep 0.5
+clipboard >"$scratch/clipboard"
+expect "rows on the clipboard" "$(sort "$scratch/clipboard" | tr -d '\r' | sed '/^$/d')" \
+  "$(sort "$scratch/list" | tr -d '\r' | sed '/^$/d')"
+
+# Search by hardware IDs: the browser gets the first ID, its "&" escaped once and its backslash as such.
+xdotool key shift+F10
+sleep 0.5
+for _ in 1 2 3; do xdotool key Down; sleep 0.05; done
+xdotool key Return
+wait_for 5 test -s "$scratch/opened" || fail "no browser was started"
+case $(cat "$scratch/opened" 2>/dev/null) in
+  https://*'/?q='*'%5C'*'%20Driver') ;;
+  *) fail "address: $(cat "$scratch/opened" 2>/dev/null)" ;;
+esac
+
+# A double click opens a window of its own on the device, and a second one another.
+xdotool mousemove $((left + 200)) $((top + 140)) click --repeat 2 --delay 60 1
+name=$(sed -n 2p "$scratch/list" | cut -d, -f1)
+lookups() { xdotool search --onlyvisible --name "^$name\$" | wc -l; }
+opened() { [ "$(lookups)" -ge 1 ]; }
+wait_for 5 opened || fail "no lookup window on '$name'"
+
+# Closing the main window closes everything and ends the process.
+xdotool windowactivate --sync "$main" 2>/dev/null
+xdotool mousemove $((left + 717)) $((top + 19)) click 1
+if wait_for 5 bash -c "! kill -0 $quorvane"; then
+  wait $quorvane
+  expect "status" $? 0
+else
+  kill -TERM $quorvane
+  wait_for 5 bash -c "! kill -0 $quorvane" || fail "the process does not end"
+fi
+[ ! -s "$scratch/errors" ] || { echo "standard error:"; cat "$scratch/errors"; }
+[ $failures = 0 ] && echo "end to end: ok"
+exit $((failures > 0))

@@ -1,0 +1,80 @@
+# Sourced by the end-to-end scripts: a virtual screen with a window manager, a folder of its own for the program, a browser
+# and a clipboard that can be read. Needs QUORVANE_BIN, the folder with the built programs.
+
+scratch=$(mktemp -d)
+pids=()
+failures=0
+
+finish() {
+  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null; done
+  wait 2>/dev/null
+  rm -rf "$scratch"
+}
+trap finish EXIT
+
+fail() {
+  echo "FAILED: $*" >&2
+  failures=$((failures + 1))
+}
+
+# expect WHAT ACTUAL EXPECTED
+expect() {
+  [ "$2" = "$3" ] || fail "$1: got '$2', expected '$3'"
+}
+
+start_screen() {
+  Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$scratch/display" >/dev/null 2>&1 &
+  pids+=($!)
+  for _ in $(seq 100); do
+    [ -s "$scratch/display" ] && break
+    sleep 0.1
+  done
+  DISPLAY=":$(cat "$scratch/display")"
+  export DISPLAY XDG_RUNTIME_DIR="$scratch" HOME="$scratch" QT_FONT_DPI=96 QT_QPA_PLATFORM=xcb
+  chmod 700 "$scratch"
+  openbox >/dev/null 2>&1 &
+  pids+=($!)
+}
+
+# A program folder with its own database; a browser that writes down what it is asked to open.
+make_program_folder() {
+  program=$scratch/program
+  mkdir -p "$program" "$scratch/path"
+  cp "$QUORVANE_BIN/quorvane" "$program/"
+  printf '#!/bin/sh\nprintf "%%s\\n" "$1" >>"%s/opened"\n' "$scratch" >"$scratch/path/xdg-open"
+  chmod +x "$scratch/path/xdg-open"
+  for name in www-browser x-www-browser firefox; do cp "$scratch/path/xdg-open" "$scratch/path/$name"; done
+  export PATH="$scratch/path:$PATH" BROWSER="$scratch/path/xdg-open"
+}
+
+# wait_for SECONDS COMMAND...: until the command succeeds.
+wait_for() {
+  local tries=$(($1 * 10))
+  shift
+  for _ in $(seq "$tries"); do
+    "$@" >/dev/null 2>&1 && return 0
+    sleep 0.1
+  done
+  return 1
+}
+
+window_named() {
+  local id
+  id=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1)
+  [ -n "$id" ] && echo "$id"
+}
+
+# A window that has stood still for a second: no animation runs, so no work does.
+wait_until_still() {
+  local before= now= still=0
+  for _ in $(seq 150); do
+    now=$(xwd -silent -id "$1" 2>/dev/null | cksum)
+    if [ "$now" = "$before" ]; then still=$((still + 1)); else still=0; fi
+    [ $still -ge 4 ] && return 0
+    before=$now
+    sleep 0.3
+  done
+  return 1
+}
+
+clipboard() { timeout 5 xclip -selection clipboard -o 2>/dev/null; }
