@@ -47,7 +47,7 @@ void FrmImprove::CreateControls() {
     Anchor1 = new controls::Anchor(this, QStringLiteral("Anchor1"));
     TitelBar1 = window::MakeTitelBar(client, LeastWidth);
     LabelText1 =
-        Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 540, 8220, 3900, window::FollowWidth);
+        Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 510, 8220, 3960, window::FollowWidth);
     LabelText1->SetLocked(true);
     LabelText1->SetText(Explanation());
     ImportantLabel1 = Place(MakeLabel(client, "ImportantLabel1",
