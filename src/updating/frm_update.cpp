@@ -72,6 +72,9 @@ QString DatabaseVersionCaption() {
     return label != nullptr ? label->Caption() : QString();
 }
 
+const QString& ShownValue(const QString& text) { return text; }
+QString ShownValue(qint32 number) { return QString::number(number); }
+
 QString ArchivePath() { return values::ProgramFolder() + QStringLiteral("\\hwids.7z"); }
 
 // A database takes the old one's place only if it is one: the program cannot start with anything else.
@@ -110,7 +113,7 @@ void FrmUpdate::Connect() {
 void FrmUpdate::ConnectDownload() {
     const auto show = [this](auto raised, forms::Label* label, const QString& prefix) {
         connect(DL1, raised, this, [label, prefix](const auto& value) {
-            label->SetCaption(prefix + QStringLiteral("%1").arg(value));
+            label->SetCaption(prefix + ShownValue(value));
             base::Yield();
         });
     };

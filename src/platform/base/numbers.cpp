@@ -3,6 +3,7 @@
 #include "base/text.h"
 
 #include <QLocale>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -41,12 +42,35 @@ double RoundHalfUp(double value) {
     return std::floor(QString::number(value, 'g', 15).toDouble() + 0.5);
 }
 
+// What the user's locale says of decimals, kept as long as it stays the same: each question to the system costs as much
+// as the rest of a number's text.
+struct DecimalSigns {
+    QLocale locale;
+    QString point;
+    QString minus;
+    bool plainDigits = false;
+};
+
+DecimalSigns SignsOf(const QLocale& locale) {
+    return {locale, locale.decimalPoint(), locale.negativeSign(), locale.zeroDigit() == QLatin1String("0")};
+}
+
+const DecimalSigns& PresentSigns() {
+    const QLocale locale;
+    static DecimalSigns signs = SignsOf(locale);
+    if (signs.locale != locale)
+        signs = SignsOf(locale);
+    return signs;
+}
+
 QString FixedDecimals(double value, int decimals) {
     constexpr double exactWhole = 1e15;
-    const double factor = decimals == 0 ? 1.0 : std::pow(10.0, decimals);
+    constexpr std::array<double, 3> factors = {1, 10, 100};
+    const double factor = size_t(decimals) < factors.size() ? factors[size_t(decimals)] : std::pow(10.0, decimals);
     const double scaled = RoundHalfUp(std::fabs(value) * factor);
-    QLocale locale;
-    if (scaled >= exactWhole || locale.zeroDigit() != QLatin1String("0")) {
+    const DecimalSigns& signs = PresentSigns();
+    if (scaled >= exactWhole || !signs.plainDigits) {
+        QLocale locale = signs.locale;
         const double rounded = std::copysign(scaled / factor, value);
         locale.setNumberOptions(QLocale::OmitGroupSeparator);
         return locale.toString(rounded == 0 ? 0.0 : rounded, 'f', decimals);
@@ -54,9 +78,9 @@ QString FixedDecimals(double value, int decimals) {
     QString text = QString::number(qint64(scaled));
     if (decimals > 0) {
         text = text.rightJustified(decimals + 1, u'0');
-        text.insert(text.size() - decimals, locale.decimalPoint());
+        text.insert(text.size() - decimals, signs.point);
     }
-    return value < 0 && scaled != 0 ? locale.negativeSign() + text : text;
+    return value < 0 && scaled != 0 ? signs.minus + text : text;
 }
 
 QString AtLeastDigits(double value, qsizetype digits) {

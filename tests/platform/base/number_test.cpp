@@ -2,6 +2,7 @@
 #include "base/numbers.h"
 #include "values/format_byte_size.h"
 
+#include <QLocale>
 #include <QTime>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -58,6 +59,14 @@ TEST(FormatByteSize, BordersOfTheRanges) {
     EXPECT_EQ(values::FormatByteSize(1024), "1.00 KB");
     EXPECT_EQ(values::FormatByteSize(1048576), "1024.00 KB");
     EXPECT_EQ(values::FormatByteSize(1048577), "1.00 MB");
+}
+
+TEST(Numbers, DecimalsFollowTheLocaleOfTheMoment) {
+    QLocale::setDefault(QLocale(QLocale::German));
+    EXPECT_EQ(base::FormatNumber(-1234.5, "0.00"), "-1234,50");
+    QLocale::setDefault(QLocale::c());
+    EXPECT_EQ(base::FormatNumber(-1234.5, "0.00"), "-1234.50");
+    QLocale::setDefault(QLocale::system());
 }
 
 TEST(ClockTest, CountsTheSecondsOfTheLocalDay) {
