@@ -57,6 +57,8 @@ ListTree::ListTree(const ListItems& items, ListModel* model, QWidget* parent)
 
 int ListTree::CellMargins() { return 2 * Scaled(kMargin); }
 
+int ListTree::IconGap() { return Scaled(1); }
+
 int ListTree::RowHeight() const {
     return std::max(fontMetrics().height() + Scaled(5), std::max(0, iconSize_) + Scaled(4));
 }
@@ -77,7 +79,7 @@ void ListTree::ForgetIcons() {
 QRect ListTree::TextRect(const QRect& cell, int column) const {
     QRect text = cell.adjusted(Scaled(kMargin), 0, -Scaled(kMargin), 0);
     if (column == 0 && iconSize_ > 0)
-        text.setLeft(text.left() + iconSize_ + Scaled(1));
+        text.setLeft(text.left() + iconSize_ + IconGap());
     return text;
 }
 

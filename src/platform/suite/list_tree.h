@@ -24,6 +24,8 @@ class ListTree : public QTreeView {
     int RowHeight() const;
     // Left and right of a cell's text together, pixels.
     static int CellMargins();
+    // Between a row's icon and its text, pixels.
+    static int IconGap();
 
   Q_SIGNALS:
     // Places are in pixels from the viewport's corner; buttons and modifiers as the toolkit has them.
