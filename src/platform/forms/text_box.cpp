@@ -55,8 +55,10 @@ void TextBox::SetForeColor(base::Colour colour) {
 }
 
 void TextBox::ApplyColours() {
-    QPalette palette = editor_->palette();
-    palette.setColor(QPalette::Base, Resolved(backColor_));
+    // The scroll bars take their shades from the same colour.
+    const QColor back = Resolved(backColor_);
+    QPalette palette(back, back);
+    palette.setColor(QPalette::Base, back);
     palette.setColor(QPalette::Text, Resolved(foreColor_));
     editor_->setPalette(palette);
 }
