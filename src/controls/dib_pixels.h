@@ -33,8 +33,8 @@ struct HlsFactors {
 
 // One pixel after the other through ToHls and FromHls.
 void ScaleHlsPlain(quint8* pixels, qsizetype count, const HlsFactors& factors);
-// The same, byte for byte, four pixels at a time in single precision; where a result comes too close to the middle between
-// two bytes the plain routine decides.
+// The same, byte for byte, four pixels at a time in single precision; where a result comes too close to the middle
+// between two bytes the plain routine decides.
 void ScaleHls(quint8* pixels, qsizetype count, const HlsFactors& factors);
 
 // (1 - alpha / 255) * target + source * alpha / 255 for blue, green and red, rounded to nearest; `alpha` 0 to 255. The

@@ -1,5 +1,5 @@
-// Whether the processor has the 256-bit registers that some pixel loops are compiled for a second time. Such a loop is an
-// always-inlined body with two callers, one of them for the wide registers; both compute the same.
+// Whether the processor has the 256-bit registers that some pixel loops are compiled for a second time. Such a loop is
+// an always-inlined body with two callers, one of them for the wide registers; both compute the same.
 #pragma once
 
 namespace controls {

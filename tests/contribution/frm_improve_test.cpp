@@ -27,6 +27,7 @@
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 
 using contribution::FrmImprove;
 using support::Answer;
@@ -235,6 +236,24 @@ TEST_F(FrmImproveTest, AFileThatCannotBeWrittenDoesNotKeepTheRowsFromTheDatabase
     EXPECT_TRUE(server_.Requests().isEmpty());
     window->Unload();
     EXPECT_TRUE(Rows(OpenAndScan()).isEmpty());
+}
+
+TEST_F(FrmImproveTest, AFullDiskEndsTheFileAndNothingElse) {
+    const QTemporaryDir place;
+    const QByteArray disk = place.path().toLocal8Bit();
+    if (mount("none", disk.constData(), "tmpfs", 0, "size=4096") != 0)
+        GTEST_SKIP() << "no right to mount";
+    QFile filler(place.filePath("filler"));
+    EXPECT_TRUE(filler.open(QIODevice::WriteOnly) && filler.write(QByteArray(4096, 'x')) == 4096);
+    filler.close();
+    EXPECT_TRUE(QFile::link(place.filePath("full.txt"), folder_.filePath("new_hardware.txt")));
+    FrmImprove* window = OpenAndScan();
+    ClickAndWait(window, window->CommandSaveSubmit);
+    EXPECT_EQ(Submitted(), "");
+    EXPECT_TRUE(Rows(window).isEmpty());
+    window->Unload();
+    EXPECT_TRUE(Rows(OpenAndScan()).isEmpty());
+    umount(disk.constData());
 }
 
 TEST_F(FrmImproveTest, RowsAllRemovedByHandSendAnEmptyFile) {

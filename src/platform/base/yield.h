@@ -11,8 +11,8 @@ namespace base {
 // NoYieldScope lives (asserted).
 void Yield();
 
-// The same; `letGo` is called first if events are going to be dispatched, and not otherwise: for what may be kept between
-// two steps but never while anything else runs.
+// The same; `letGo` is called first if events are going to be dispatched, and not otherwise: for what may be kept
+// between two steps but never while anything else runs.
 void Yield(const std::function<void()>& letGo);
 
 // For loops that wait for something outside: blocks until an event arrives, at most `milliseconds`, and dispatches it.
