@@ -3,7 +3,7 @@
 # clipboard and open the browser, the close button ends the process with status 0.
 set -u
 . "$(dirname "$0")/virtual_screen.sh"
-for tool in Xvfb openbox xdotool xclip xwd; do
+for tool in Xvfb openbox xdotool xclip xwd import sqlite3; do
   command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
 done
 start_screen
@@ -53,6 +53,39 @@ name=$(sed -n 2p "$scratch/list" | cut -d, -f1)
 lookups() { xdotool search --onlyvisible --name "^$name\$" | wc -l; }
 opened() { [ "$(lookups)" -ge 1 ]; }
 wait_for 5 opened || fail "no lookup window on '$name'"
+
+close_lookup() {
+  xdotool windowactivate --sync "$1" key alt+F4
+  for _ in $(seq 50); do
+    xdotool search --onlyvisible --name "$2" 2>/dev/null | grep -qx "$1" || return 0
+    sleep 0.1
+  done
+  return 1
+}
+for id in $(xdotool search --onlyvisible --name "^$name\$"); do close_lookup "$id" "^$name\$" || fail "a lookup stays open"; done
+
+# Every device opens its window; a PCI device finds its name, in the colour of best matches, in the list of matches.
+row=0
+while IFS= read -r line; do
+  name=${line%%,*}
+  xdotool windowactivate --sync "$main" mousemove $((left + 200)) $((top + 140 + 20 * row)) click --repeat 2 --delay 60 1
+  row=$((row + 1))
+  [ $row -le 14 ] || break
+  wait_for 5 opened || { fail "no lookup window on '$name'"; continue; }
+  lookup=$(window_named "^$name\$")
+  wait_until_still "$lookup"
+  case $line in
+    *,PCI\\VEN_*)
+      # A device that the ID files do not name has no match.
+      ids=${line##*,}
+      id=$(printf '%s' "$ids" | tr '|' '\n' | grep -xE 'PCI.VEN_....&DEV_....' | head -n 1)
+      known=$(sqlite3 "$program/hwids.mdb" "SELECT count(*) FROM hwids WHERE hwid = '$id'")
+      [ "$known" = 0 ] ||
+        import -window "$lookup" -crop 548x90+10+210 +repage txt:- | grep -q 'srgb(253,200,0)' ||
+        fail "no best match for '$name'" ;;
+  esac
+  close_lookup "$lookup" "^$name\$" || fail "the lookup on '$name' stays open"
+done < <(sed 1d "$scratch/list" | tr -d '\r' | sed '/^$/d')
 
 # Closing the main window closes everything and ends the process.
 xdotool windowactivate --sync "$main" 2>/dev/null
