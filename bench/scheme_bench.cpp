@@ -1,0 +1,54 @@
+// A scheme change with the main window and five lookup windows open: one colour picked, all windows coloured and
+// repainted, the 28 values saved.
+#include "appearance/colour_table.h"
+#include "appearance/frm_colors.h"
+#include "appearance/skin.h"
+#include "base/paths.h"
+#include "database/frm_lookup.h"
+#include "forms/form.h"
+#include "forms/forms.h"
+#include "inventory/frm_menu.h"
+#include "shell/frm_main.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+
+namespace {
+
+constexpr int lookupWindows = 5;
+
+void SchemeChange(benchmark::State& state) {
+    forms::Forms& all = forms::Forms::Instance();
+    shell::RegisterMainWindow();
+    appearance::RegisterForms();
+    inventory::RegisterMenuForm();
+    database::RegisterLookupForm();
+    all.Shared(QStringLiteral("FrmMain"))->Show();
+    for (int i = 0; i < lookupWindows; ++i)
+        all.New(QStringLiteral("FrmLookup"))->Show();
+    QCoreApplication::processEvents();
+    quint32 shade = 0;
+    for (auto _ : state) {
+        shade = (shade + 1) % 0x80;
+        appearance::SetColor(0, base::Colour(0x404040 + shade));
+        appearance::ApplyColorsToAllForms();
+        for (forms::Form* form : all.Loaded())
+            form->repaint();
+    }
+    all.Clear();
+}
+BENCHMARK(SchemeChange)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("QT_QPA_PLATFORM", "offscreen").toUtf8());
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QTemporaryDir folder;
+    base::SetProgramFolder(folder.path());
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
