@@ -90,8 +90,12 @@ void FrmMain::Load() {
     SetUpTabs();
     Show();
     base::Yield();
-    if (!values::ProgramClosing())
-        TimerStartup->SetEnabled(true);
+    // Closed in one of the yields: what the steps behind it have made must go too, or the process would stay.
+    if (values::ProgramClosing()) {
+        ClosePrograms();
+        return;
+    }
+    TimerStartup->SetEnabled(true);
 }
 
 void FrmMain::SetUpLists() {

@@ -279,6 +279,27 @@ TEST_F(FrmMainTest, ClosingEndsEverythingAlsoInTheMiddleOfAScan) {
     EXPECT_GE(allGone_, 1);
 }
 
+TEST_F(FrmMainTest, ClosedInTheMiddleOfItsLoadItLeavesNoWindowBehind) {
+    WriteDatabase();
+    for (int closeAt = 1; closeAt < 40; closeAt += 3) {
+        values::Program() = values::ProgramValues();
+        int dispatches = 0;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, [&] {
+            forms::Form* main = all_.Find("FrmMain");
+            if (++dispatches == closeAt && main != nullptr)
+                main->Unload();
+        });
+        watch.start(0);
+        Start();
+        watch.stop();
+        if (dispatches < closeAt)
+            break;
+        EXPECT_TRUE(all_.Loaded().isEmpty()) << closeAt;
+        all_.Bury();
+    }
+}
+
 TEST_F(FrmMainTest, SettingsDecideShadowAndCheck) {
     WriteDatabase();
     for (const char* key : {"CheckDisableShadow", "CheckForUpdates"}) {
