@@ -109,9 +109,9 @@ int ListView::ContentWidth(int column) const {
     int widest = 0;
     for (const QString& text : texts)
         widest = std::max(widest, metrics.horizontalAdvance(text));
-    // Advances are rounded; the pixel more keeps a text from being elided for a fraction. The first column also has a
-    // gap between icon and text.
-    const int gap = column == 0 && iconSize_ > 0 ? ListTree::IconGap() : 0;
+    // Advances are rounded; the pixel more keeps a text from being elided for a fraction. The first column also has
+    // room for a gap between icon and text, with or without icons: the icon alone must be the difference.
+    const int gap = column == 0 ? ListTree::IconGap() : 0;
     return widest > 0 ? widest + ListTree::CellMargins() + 1 + gap : 0;
 }
 
