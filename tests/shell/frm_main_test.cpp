@@ -260,7 +260,6 @@ TEST_F(FrmMainTest, ClosingEndsEverythingAlsoInTheMiddleOfAScan) {
     WriteDatabase();
     shell::FrmMain* main = Start();
     bool closed = false;
-    QObject::connect(main->Timer1, &forms::Timer::Tick, [] {});
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
         if (!closed && main->LabelStatus->Caption().startsWith("Status: Getting")) {
