@@ -23,12 +23,13 @@ endfunction()
 set(quorvane_leaks "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0")
 
 # quorvane_test(NAME SOURCES ... LIBRARIES ...): one GoogleTest executable, each test known to CTest by its own name.
-# Tests run under the offscreen platform with fixed dots per inch, in a locale with known separators.
+# Tests run under the offscreen platform with fixed dots per inch, in a locale with known separators. How long one may take
+# is the runner's to say: five minutes in the test presets, more for the long form.
 function(quorvane_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} quorvane_options GTest::gtest)
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 300
+  set_tests_properties(${name} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96;LC_ALL=C.UTF-8;QT_ENABLE_HIGHDPI_SCALING=0;${quorvane_leaks};${arg_ENVIRONMENT}")
 endfunction()
