@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
+#include <cmath>
 #include <gtest/gtest.h>
 
 using base::Colour;
@@ -240,6 +241,35 @@ TEST(DibSection, ResamplesBilinearlyFromItsFirstPixel) {
     const auto line = bitmap.Resample(1, 32767);
     ASSERT_NE(line, nullptr);
     EXPECT_EQ(blues(*line).back(), 100);
+}
+
+// Widths that are no multiple of what is computed at once, both ways, against the formula one channel at a time.
+TEST(DibSection, EveryResampledChannelFollowsTheFormula) {
+    pcDibSection bitmap;
+    ASSERT_TRUE(bitmap.Create(13, 7));
+    std::vector<quint8> source(size_t(13 * 7 * 4));
+    for (size_t i = 0; i < source.size(); ++i)
+        source[i] = quint8(i * i * 37 + i * 11);
+    Fill(bitmap, source);
+    for (const auto& [width, height] : {std::pair(26, 14), std::pair(17, 5), std::pair(5, 9), std::pair(1, 3)}) {
+        const auto resized = bitmap.Resample(height, width);
+        ASSERT_NE(resized, nullptr);
+        const float ratioX = 12.0F / float(width);
+        const float ratioY = 6.0F / float(height);
+        for (int at = 0; at < width * height * 4; ++at) {
+            const float x = float(at / 4 % width) * ratioX;
+            const float y = float(at / 4 / width) * ratioY;
+            const auto channel = [&](int column, int row) {
+                return float(source[size_t((std::min(row, 6) * 13 + std::min(column, 12)) * 4 + at % 4)]);
+            };
+            const auto along = [&](int row) {
+                const float first = channel(int(x), row);
+                return first + (channel(int(x) + 1, row) - first) * (x - std::floor(x));
+            };
+            const float expected = along(int(y)) + (along(int(y) + 1) - along(int(y))) * (y - std::floor(y));
+            ASSERT_NEAR(resized->DIBSectionBitsPtr()[at], expected, 0.501) << width << " by " << height << " at " << at;
+        }
+    }
 }
 
 TEST(DibSection, NoiseOnlyDarkensAndGrayNoiseKeepsGray) {
