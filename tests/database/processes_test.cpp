@@ -1,6 +1,7 @@
 // Several processes on one database, and processes that are killed: what had been said to be written is there.
 #include "database/additions.h"
 #include "store_fixture.h"
+#include "support/long_form.h"
 
 #include <csignal>
 #include <functional>
@@ -59,8 +60,14 @@ class ProcessesTest : public StoreFixture {
   protected:
     void SetUp() override {
         StoreFixture::SetUp();
+        // Names are numbered from 1001 then. Numbers of one length are no part of one another: "1,1" counts as present
+        // in a row that holds "11,1", and which of two processes writes first is chance.
+        DatabaseBuilder builder;
+        for (int i = 1; i <= 1000; ++i) {
+            builder.Add(QStringLiteral("OTHER"), QStringLiteral("Other %1").arg(i), QStringLiteral("Maker"));
+        }
         QString error;
-        ASSERT_TRUE(DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error)) << error.toStdString();
+        ASSERT_TRUE(builder.Write(Path(), QStringLiteral("1.0.0"), &error)) << error.toStdString();
     }
 };
 
@@ -84,7 +91,7 @@ TEST_F(ProcessesTest, TwoThatAddToOneRowLoseNothing) {
 
 TEST_F(ProcessesTest, AKilledOneKeepsEveryAdditionThatHadReturned) {
     std::minstd_rand random(7);
-    for (int round = 0; round < 12; ++round) {
+    for (int round = 0; round < support::Rounds(12, 200); ++round) {
         Child writer([&](const auto& stepDone) {
             OpenDeviceDatabase();
             for (int i = 0; i < 1000; ++i) {
@@ -108,10 +115,11 @@ TEST_F(ProcessesTest, AKilledReplacementLeavesOneWholeFile) {
     for (int i = 0; i < 2000; ++i) {
         large.Add(QStringLiteral("NEW\\%1").arg(i), QStringLiteral("Name %1").arg(i), QString());
     }
+    QString error;
+    ASSERT_TRUE(DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error));
     std::minstd_rand random(11);
-    for (int round = 0; round < 12; ++round) {
+    for (int round = 0; round < support::Rounds(12, 200); ++round) {
         Child writer([&](const auto& /*stepDone*/) {
-            QString error;
             for (bool odd = false;; odd = !odd) {
                 odd ? large.Write(Path(), QStringLiteral("2.0.0"), &error)
                     : DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error);

@@ -168,7 +168,7 @@ void ReadScsi(Context& context, const std::string& path, std::vector<Device>& de
     } else {
         const QString base = InstanceBase(QStringLiteral("USBSTOR\\"), *type, inquiry.vendor, inquiry.product) +
                              QStringLiteral("&Rev_") + PathText(inquiry.revision.left(4)) + QLatin1Char('\\');
-        const QString serial = SerialText(context.At(usb).Text("serial"));
+        const QString serial = SerialText(node.Ancestor(usb).Text("serial"));
         device.alternativePath = base + place;
         device.instancePath = serial.isEmpty() ? device.alternativePath
                                                : base + serial + QLatin1Char('&') + QString::number(address->unit);
@@ -214,7 +214,7 @@ void ReadNvme(Context& context, const std::string& path, std::vector<Device>& de
     device.manufacturer = QStringLiteral("(Standard disk drives)");
     device.classGuid = QString::fromUtf16(type.guid);
     // The controller's driver is the disk's as well.
-    context.TakeDriver(context.At(owner), device);
+    context.TakeDriver(node.Ancestor(owner), device);
     device.problemCode =
         node.Word("state") == "dead" ? problem::Reported : ProblemOf(context, node, {device.service, {}, false});
     devices.push_back(std::move(device));

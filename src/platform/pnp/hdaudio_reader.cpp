@@ -71,7 +71,7 @@ void ReadCodec(Context& context, const std::string& path, std::vector<Device>& d
     device.classGuid = QString::fromUtf16(class_guid::Media);
     // A codec of the sound class is driven by its controller's driver.
     const bool ownBus = path.find("/hwC") == std::string::npos;
-    context.TakeDriver(ownBus ? node : context.At(controller), device);
+    context.TakeDriver(ownBus ? node : node.Ancestor(controller), device);
     device.problemCode = ProblemOf(context, node, {device.service, alias, true});
     devices.push_back(std::move(device));
 }

@@ -212,7 +212,21 @@ std::optional<std::string> Node::Read(const std::string& name, std::size_t limit
 
 std::string Node::Name() const { return LastComponent(path_); }
 
-Node Node::Parent() const { return {*sysfs_, ParentPath(path_)}; }
+// Asked of the open folder: by its name, the folder above could be that of a device which took the place meanwhile.
+Node Node::Parent() const {
+    Node parent(*sysfs_, ParentPath(path_));
+    parent.opened_->tried = true;
+    if (Folder() >= 0 && !parent.path_.empty())
+        parent.opened_->folder = openat(Folder(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return parent;
+}
+
+Node Node::Ancestor(const std::string& path) const {
+    Node node = *this;
+    while (node.path_.size() > path.size())
+        node = node.Parent();
+    return node.path_ == path ? node : Node(*sysfs_, path);
+}
 
 Node Node::Child(const std::string& name) const {
     Node child(*sysfs_, path_ + "/" + name);

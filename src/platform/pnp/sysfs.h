@@ -45,7 +45,10 @@ class Node {
 
     const std::string& Path() const { return path_; }
     std::string Name() const;
+    // The folder above, also if another device has taken this one's place in the tree; nothing above the first.
     Node Parent() const;
+    // The folder of that path above this one; for a path elsewhere, whatever stands there.
+    Node Ancestor(const std::string& path) const;
     Node Child(const std::string& name) const;
     bool Exists() const { return Folder() >= 0; }
 

@@ -44,7 +44,7 @@ void ReadRootHub(Context& context, const Node& node, std::vector<Device>& device
     const QString kind = generation >= 3   ? QStringLiteral("USB\\ROOT_HUB30")
                          : generation == 2 ? QStringLiteral("USB\\ROOT_HUB20")
                                            : QStringLiteral("USB\\ROOT_HUB");
-    const Node controller = context.At(PciFolder(node.Path()));
+    const Node controller = node.Ancestor(PciFolder(node.Path()));
     const std::string parent = context.Stable(ParentPath(node.Path()));
     device.instancePath =
         kind + QLatin1Char('\\') + InstanceSuffix(TreeLevel(node.Path()), parent, QStringLiteral("0"));

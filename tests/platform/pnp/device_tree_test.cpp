@@ -2,6 +2,7 @@
 #include "pnp/class_table.h"
 #include "pnp/device_tree.h"
 #include "pnp/identity.h"
+#include "pnp/sysfs.h"
 
 #include <QSet>
 #include <gtest/gtest.h>
@@ -53,6 +54,21 @@ TEST(DeviceTree, PathsAreStableAndDriverKeysCount) {
         keys.insert(first[i].driverKey);
     }
     EXPECT_EQ(keys.size(), 3);
+}
+
+// A device that was pulled while its record is made, and another in the same place.
+TEST(DeviceTree, WhatStandsAboveAFolderIsTheSameDevices) {
+    DeviceFixture fixture("/devices/usb1/1-1\nproduct = First\n/devices/usb1/1-1/1-1:1.0\ninterface = Function\n");
+    const pnp::Sysfs files(fixture.Root());
+    const pnp::Node function(files, "/devices/usb1/1-1/1-1:1.0");
+    ASSERT_TRUE(function.Exists());
+    EXPECT_EQ(function.Parent().Text("product"), QStringLiteral("First"));
+    EXPECT_EQ(function.Ancestor("/devices/usb1/1-1").Text("product"), QStringLiteral("First"));
+    fixture.Remove(QStringLiteral("/devices/usb1/1-1"));
+    fixture.Add("/devices/usb1/1-1\nproduct = Second\n/devices/usb1/1-1/1-1:1.0\ninterface = Function\n");
+    EXPECT_EQ(function.Parent().Text("product"), QString());
+    EXPECT_EQ(function.Ancestor("/devices/usb1/1-1").Text("product"), QString());
+    EXPECT_EQ(pnp::Node(files, function.Path()).Parent().Text("product"), QStringLiteral("Second"));
 }
 
 TEST(DeviceTree, LevelsFollowTheTree) {
