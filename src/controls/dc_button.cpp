@@ -273,8 +273,7 @@ void dcButton::ApplyAccessKey() {
         return;
     shortcut_ = new QShortcut(QKeySequence(Qt::ALT | Qt::Key(key.toUpper().unicode())), this);
     shortcut_->setAutoRepeat(false);
-    connect(shortcut_, &QShortcut::activated, this, [this, key] {
-        const QPointer<dcButton> alive(this);
+    connect(shortcut_, &QShortcut::activated, this, [this, key, alive = QPointer<dcButton>(this)] {
         setFocus(Qt::ShortcutFocusReason);
         if (alive)
             AccessKeyPress(key.unicode());

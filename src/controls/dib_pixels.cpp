@@ -14,7 +14,7 @@ quint8 ToByte(double channel) {
         return 0;
     if (scaled >= 255)
         return 255;
-    const auto fixed = int(scaled * 256 + 0.5);
+    const auto fixed = int(scaled * 256 + 0.5); // NOLINT(bugprone-incorrect-roundings): of numbers up to 65,280
     return quint8((fixed + 127 + (fixed >> 8 & 1)) >> 8);
 }
 

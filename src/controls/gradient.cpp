@@ -194,7 +194,9 @@ bool clsGradient::Draw(draw::Surface& target) const {
 }
 
 qint32 clsGradient::DrawGradientLines(draw::Surface& context, qint32 width, qint32 height) const {
-    const FloatPoint centre{float(width / 2), float(height / 2)};
+    const qint32 middleColumn = width / 2;
+    const qint32 middleRow = height / 2;
+    const FloatPoint centre{float(middleColumn), float(middleRow)};
     const double longer = std::max(width, height);
     const float halfLength = float((std::sqrt(longer * longer + longer * longer) + 2) / 2);
     FloatPoint p0{centre.x - halfLength, centre.y};

@@ -220,14 +220,14 @@ void TitelBar::TurnSpinPoints(ButtonIndex index, double degrees) {
     const draw::Picture& picture = buttons_[index].image->Picture();
     const int w = picture.Width();
     const int h = picture.Height();
-    const double corners[3][2] = {{-w / 2.0, -h / 2.0}, {w / 2.0, -h / 2.0}, {-w / 2.0, h / 2.0}};
+    const std::array<QPointF, 3> corners{{{-w / 2.0, -h / 2.0}, {w / 2.0, -h / 2.0}, {-w / 2.0, h / 2.0}}};
     const double sine = std::sin(Radians(90));
     const double cosine = std::cos(Radians(90));
     const double xFactor = std::sin(Radians(degrees + 90)) * std::tan(Radians(45));
     const double yFactor = std::sin(Radians(90)) * std::tan(Radians(45));
-    for (size_t corner = 0; corner < spinPoints_.size(); ++corner) {
-        const int x = base::RoundToInt(corners[corner][0]);
-        const int y = base::RoundToInt(corners[corner][1]);
+    for (size_t corner = 0; corner < corners.size(); ++corner) {
+        const int x = base::RoundToInt(corners[corner].x());
+        const int y = base::RoundToInt(corners[corner].y());
         spinPoints_[corner] = {base::RoundToInt((x * sine + y * cosine) * xFactor) + w / 2,
                                base::RoundToInt((y * sine - x * cosine) * yFactor) + h / 2};
     }

@@ -169,7 +169,7 @@ QString TitelBar::ShownCaption() const {
     const int end = state_.style == slantedStyle ? SlantStart() : width();
     const int room = end - CaptionStart();
     const QFontMetrics metrics(font());
-    const QString text = state_.caption.left(longestCaption);
+    QString text = state_.caption.left(longestCaption);
     if (room > 0 && metrics.horizontalAdvance(text) <= room)
         return text;
     return room > 0 ? metrics.elidedText(text, Qt::ElideRight, room) : QString();
