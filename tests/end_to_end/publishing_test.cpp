@@ -1,21 +1,13 @@
-#include "base/paths.h"
 #include "data/replace_file.h"
-#include "net/vsz_lib.h"
-#include "updating/download.h"
-#include "updating/update_check.h"
-#include "values/addresses.h"
-#include "values/program_values.h"
-#include "web_server.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
-
-using end_to_end::WebServer;
 
 class PackTest : public testing::Test {
   protected:
@@ -77,45 +69,6 @@ TEST_F(PackTest, WhatClientsWouldNotTakeIsRefused) {
               1);
     EXPECT_EQ(Pack(out), 2);
     EXPECT_FALSE(QFile::exists(out + QStringLiteral("/hwids.7z")));
-}
-
-// The whole way of an update without windows: packed, published, found, fetched, unpacked in the old one's place.
-TEST_F(PackTest, APublishedDatabaseReachesTheProgram) {
-    const WebServer server(QStringLiteral(QUORVANE_SERVER_FOLDER));
-    if (server.Fault().contains(QStringLiteral("not installed"))) {
-        GTEST_SKIP() << qPrintable(server.Fault());
-    }
-    ASSERT_TRUE(server.Fault().isEmpty()) << qPrintable(server.Fault());
-    const values::Addresses before = values::ServerAddresses();
-    values::ServerAddresses().UpdateHost = server.Url();
-    MakeDatabase(QStringLiteral("new.mdb"), QStringLiteral("2.6.0"));
-    MakeDatabase(QStringLiteral("hwids.mdb"), QStringLiteral("2.5.0"));
-    ASSERT_EQ(
-        Pack(server.PublicFolder() + QStringLiteral("/files/updates/quorvane"), {Path(QStringLiteral("new.mdb"))}), 0)
-        << complaint_.constData();
-
-    net::Inet inet;
-    bool notice = false;
-    updating::CheckForDatabaseUpdateSilent(inet, QStringLiteral("Database Version: 2.5.0"),
-                                           [&notice](bool visible) { notice = visible; });
-    EXPECT_TRUE(notice);
-
-    updating::DownLoadControl download;
-    bool complete = false;
-    QObject::connect(&download, &updating::DownLoadControl::DLComplete, [&complete] { complete = true; });
-    download.SetURL(updating::DatabaseArchiveUrl());
-    download.SetSaveLocation(Path(QStringLiteral("hwids.7z")));
-    download.GetFileInformation();
-    download.DownLoad();
-    ASSERT_TRUE(complete);
-
-    net::VszLib zip;
-    bool loaded = false;
-    zip.LoadEngine(Path(QStringLiteral("7za.dll")), loaded);
-    zip.SetDatabaseReplacer([](const QString& from, const QString& to) { return data::ReplaceDatabaseFile(from, to); });
-    ASSERT_TRUE(loaded && zip.OpenArchive(Path(QStringLiteral("hwids.7z"))) && zip.ExtractAll(folder_.path()));
-    EXPECT_EQ(Read(Path(QStringLiteral("hwids.mdb"))), Read(Path(QStringLiteral("new.mdb"))));
-    values::ServerAddresses() = before;
 }
 
 } // namespace
