@@ -107,6 +107,16 @@ bool OpenDeviceDatabase() {
     return true;
 }
 
+QString MissingTable(const data::ConnectionPtr& connection) {
+    for (const char* table : {"hwids", "devicenames", "mfgs", "version"}) {
+        data::Recordset rows;
+        if (!data::Ran([&] { rows.Open(QStringLiteral("SELECT * FROM ") + QLatin1String(table), connection); })) {
+            return QLatin1String(table);
+        }
+    }
+    return QString();
+}
+
 void CloseDeviceDatabase() {
     for (const Slot slot : {Slot::Identity, Slot::Hwids, Slot::DeviceNames, Slot::Mfgs, Slot::Version}) {
         const data::RecordsetPtr rows = std::move(RecordsetSlot(slot));

@@ -11,6 +11,10 @@ namespace inventory {
 // In the order of the tabs.
 enum DeviceList { Hardware, NoDrivers, Problems, NoSystemDevices, DeviceListCount };
 
+// Columns behind the row text, which is the device's name.
+inline constexpr int ErrorCodeColumn = 2;
+inline constexpr int HardwareIdsColumn = 5;
+
 // The plain title of a tab.
 QString DeviceListTitle(DeviceList list);
 // The title with a count behind it: "All Hardware (0)".

@@ -1,7 +1,11 @@
 // The tool as its user runs it: a process of its own, with its statuses and its text.
+#include "database/database_builder.h"
 #include "device_fixture.h"
 
 #include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -66,6 +70,45 @@ TEST(QuorvaneList, PrintsTheListsOfATree) {
     EXPECT_EQ(hardware.errors, QString());
 }
 
+// The device is found under its third ID, by two names; the database knows the vendor's other device alone under a
+// longer one, which is not among the IDs.
+TEST(QuorvaneList, AddsTheBestMatches) {
+    const DeviceFixture fixture(Machine);
+    database::DatabaseBuilder builder;
+    for (const char* name : {"One", "Two"})
+        builder.Add(QStringLiteral("pci\\ven_fff0&dev_0002&cc_0300"), QString::fromLatin1(name),
+                    QStringLiteral("Maker"));
+    builder.Add(QStringLiteral("PCI\\VEN_FFF0&DEV_0002"), QStringLiteral("Less"), QStringLiteral("Maker"));
+    builder.Add(QStringLiteral("PCI\\VEN_FFF0&DEV_0003&SUBSYS_00000000"), QStringLiteral("Other"), QString());
+    const QString path = fixture.Beside(QStringLiteral("own.mdb"));
+    QString error;
+    ASSERT_TRUE(builder.Write(path, QStringLiteral("1.0.0"), &error)) << Plain(error);
+    const auto run = [&](const QStringList& more) {
+        return RunTool(QStringList{QStringLiteral("--root"), fixture.Root(), QStringLiteral("--db"), path} + more);
+    };
+    const Result json = run({QStringLiteral("--list=all"), QStringLiteral("--format=json")});
+    EXPECT_EQ(json.status, 0) << Plain(json.errors);
+    const QJsonObject lists = QJsonDocument::fromJson(json.output.toUtf8()).object();
+    EXPECT_EQ(lists.keys(), QStringList({QStringLiteral("hardware"), QStringLiteral("nodrivers"),
+                                         QStringLiteral("nosystem"), QStringLiteral("problems")}));
+    const QJsonArray hardware = lists.value(QStringLiteral("hardware")).toArray();
+    ASSERT_EQ(hardware.size(), 2);
+    EXPECT_TRUE(hardware[0].toObject().value(QStringLiteral("matches")).toArray().isEmpty());
+    QStringList names;
+    for (const QJsonValue match : hardware[1].toObject().value(QStringLiteral("matches")).toArray()) {
+        names += match.toObject().value(QStringLiteral("name")).toString();
+        EXPECT_EQ(match.toObject().value(QStringLiteral("hardware_id")).toString(),
+                  QStringLiteral("pci\\ven_fff0&dev_0002&cc_0300"));
+    }
+    EXPECT_EQ(names, QStringList({QStringLiteral("One"), QStringLiteral("Two")}));
+    const QString csv = run({QStringLiteral("--lookup"), QStringLiteral("--list"), QStringLiteral("problems")}).output;
+    EXPECT_TRUE(csv.endsWith(
+        Video.chopped(2) +
+        QStringLiteral(",One|Two|,Maker|Maker|,pci\\ven_fff0&dev_0002&cc_0300|pci\\ven_fff0&dev_0002&cc_0300|\r\n")))
+        << Plain(csv);
+    EXPECT_EQ(run({QStringLiteral("--format=table")}).output.count(QLatin1Char('\n')), 3);
+}
+
 TEST(QuorvaneList, TellsWhatItIs) {
     const Result help = RunTool({QStringLiteral("--help")});
     EXPECT_EQ(help.status, 0);
@@ -85,6 +128,11 @@ TEST(QuorvaneList, RefusesInOneLine) {
         {QStringLiteral("--root=")},
         {QStringLiteral("--root"), QStringLiteral("/nonexistent")},
         {QStringLiteral("--root"), QStringLiteral("/dev/null")},
+        {QStringLiteral("--format")},
+        {QStringLiteral("--format=xml")},
+        {QStringLiteral("--lookup=yes")},
+        {QStringLiteral("--db")},
+        {QStringLiteral("--db=")},
     };
     for (const QStringList& arguments : refused) {
         const Result result = RunTool(arguments);

@@ -1,156 +1,137 @@
 // quorvane-list: the program's device lists as text, from the same scan, without a window.
+#include "base/standard_streams.h"
+#include "database/store.h"
+#include "formats.h"
 #include "inventory/device_lists.h"
 #include "inventory/device_scan.h"
-#include "inventory/list_text.h"
+#include "matches.h"
+#include "options.h"
 #include "pnp/sources.h"
 #include "values/program_values.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <array>
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 namespace {
 
-constexpr int StatusDone = 0;
-constexpr int StatusNotWritten = 1;
-constexpr int StatusRefused = 2;
+using list_tool::Format;
+using list_tool::Matches;
+using list_tool::Options;
 
-constexpr char Help[] = "Usage: quorvane-list [--list hardware|nodrivers|problems|nosystem|all] [--root DIR]\n"
-                        "Prints the devices of this machine as comma-separated text with a header row.\n"
+enum Status {
+    Done = 0,
+    Failed = 1,  // the database cannot be used, or standard output did not take the text
+    Refused = 2, // bad options, or a folder that cannot be read
+};
+
+constexpr char Help[] = "Usage: quorvane-list [--list NAME] [--format csv|json|table] [--lookup] [--db FILE]\n"
+                        "                     [--root DIR]\n"
+                        "Prints the devices of this machine.\n"
                         "\n"
-                        "  --list NAME   the list to print: all hardware (the default), devices without\n"
-                        "                drivers, devices with problems, all except standard system\n"
-                        "                devices, or all four with their titles\n"
+                        "  --list NAME   hardware: all devices (the default); nodrivers: devices without\n"
+                        "                drivers; problems: devices with problems; nosystem: all except\n"
+                        "                standard system devices; all: the four of them\n"
+                        "  --format F    csv: comma-separated with a header row (the default); json; table:\n"
+                        "                for reading\n"
+                        "  --lookup      add the best matches that the database knows\n"
+                        "  --db FILE     look them up in this database; implies --lookup\n"
                         "  --root DIR    read a captured tree; DIR stands for /sys\n"
                         "  --help        print this text\n"
-                        "  --version     print the version\n";
+                        "  --version     print the version\n"
+                        "\n"
+                        "Status: 0 done, 1 failed, 2 bad usage or unreadable DIR.\n";
 
-struct ListName {
-    std::string_view name;
-    int list;
-};
-
-constexpr int AllLists = -1;
-
-constexpr ListName ListNames[] = {
-    {"hardware", inventory::Hardware},
-    {"nodrivers", inventory::NoDrivers},
-    {"problems", inventory::Problems},
-    {"nosystem", inventory::NoSystemDevices},
-    {"all", AllLists},
-};
-
-struct Options {
-    int list = inventory::Hardware;
-    std::string root;
-    bool help = false;
-    bool version = false;
-    // Why the options are refused; empty if they are good.
-    std::string complaint;
-};
-
-void TakeList(const std::string& name, Options& options) {
-    for (const ListName& row : ListNames) {
-        if (row.name == name) {
-            options.list = row.list;
-            return;
-        }
-    }
-    options.complaint = "there is no list \"" + name + "\"";
-}
-
-void TakeRoot(const std::string& folder, Options& options) {
-    options.root = folder;
-    if (folder.empty())
-        options.complaint = "--root needs a folder";
-}
-
-// The value behind "--name=" or in the next argument.
-bool TakeValue(int count, char** arguments, int& at, const std::string& name, std::string& value) {
-    const std::string argument = arguments[at];
-    if (argument.compare(0, name.size() + 1, name + "=") == 0) {
-        value = argument.substr(name.size() + 1);
-        return true;
-    }
-    if (argument != name || at + 1 >= count)
-        return false;
-    value = arguments[++at];
-    return true;
-}
-
-Options ReadOptions(int count, char** arguments) {
-    Options options;
-    for (int at = 1; at < count && options.complaint.empty(); ++at) {
-        const std::string argument = arguments[at];
-        std::string value;
-        if (argument == "--help")
-            options.help = true;
-        else if (argument == "--version")
-            options.version = true;
-        else if (TakeValue(count, arguments, at, "--list", value))
-            TakeList(value, options);
-        else if (TakeValue(count, arguments, at, "--root", value))
-            TakeRoot(value, options);
-        else
-            options.complaint = argument == "--list" || argument == "--root" ? argument + " needs a value"
-                                                                             : "unknown option \"" + argument + "\"";
-    }
-    return options;
-}
-
-int Refuse(const std::string& complaint) {
+int Complain(const std::string& complaint, Status status) {
     std::fprintf(stderr, "quorvane-list: %s\n", complaint.c_str());
-    return StatusRefused;
+    return status;
 }
 
 // Output that nobody could take is a failure of its own.
 int Print(const std::string& text) {
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    return written ? StatusDone : StatusNotWritten;
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return base::StandardOutputWritten() ? int(Done) : Complain("standard output cannot be written", Failed);
 }
 
-std::string ListText(const suite::ListItems& list) {
-    return inventory::WholeListText(list, inventory::ListTextScope::WholeRow).toStdString();
+QString FormatList(const suite::ListItems& list, const Options& options) {
+    std::vector<Matches> matches;
+    for (int row = 1; options.lookup && row <= list.Count(); ++row)
+        matches.push_back(list_tool::BestMatches(*list.Item(row)));
+    const list_tool::ListText text{list, options.lookup ? &matches : nullptr};
+    switch (options.format) {
+    case Format::Json:
+        return list_tool::JsonText(text);
+    case Format::Table:
+        return list_tool::TableText(text);
+    case Format::Csv:
+        break;
+    }
+    return list_tool::CsvText(text);
+}
+
+// A list among others: under its title, or its name as JSON has it.
+QString HeadedList(int at, const suite::ListItems& list, const Options& options) {
+    const QString text = FormatList(list, options);
+    if (options.format == Format::Json)
+        return (at == 0 ? QStringLiteral("{") : QStringLiteral(",\n")) +
+               list_tool::JsonString(QLatin1String(list_tool::ListName(at))) + QLatin1Char(':') + text +
+               (at + 1 == inventory::DeviceListCount ? QStringLiteral("}") : QString());
+    const QString lineBreak = options.format == Format::Csv ? QStringLiteral("\r\n") : QStringLiteral("\n");
+    return (at == 0 ? QString() : lineBreak) +
+           inventory::DeviceListCaption(inventory::DeviceListTitle(inventory::DeviceList(at)), list.Count()) +
+           lineBreak + text;
 }
 
 int Scan(const Options& options) {
-    if (!options.root.empty())
-        pnp::SetDeviceRoot(QString::fromLocal8Bit(options.root.c_str()));
-    if (!pnp::DeviceRootReadable())
-        return Refuse("the folder \"" + pnp::CurrentSources().deviceRoot.toStdString() + "\" cannot be read");
     values::Program().SystemFolder = QStringLiteral("C:\\Windows\\System32\\");
     std::array<suite::ListItems, inventory::DeviceListCount> lists;
     for (suite::ListItems& list : lists)
         inventory::AddDeviceColumns(list);
     inventory::DeviceScan(lists[inventory::Hardware], lists[inventory::NoDrivers], lists[inventory::Problems],
                           lists[inventory::NoSystemDevices], [](const QString&) {});
-    std::string text;
-    for (int i = 0; i < inventory::DeviceListCount; ++i) {
-        suite::ListItems& list = lists[std::size_t(i)];
-        if (options.list != i && options.list != AllLists)
-            continue;
+    QString text;
+    for (int at = 0; at < inventory::DeviceListCount; ++at) {
+        suite::ListItems& list = lists[std::size_t(at)];
         inventory::SortByName(list);
-        if (options.list == AllLists)
-            text += (i == 0 ? "" : "\r\n") +
-                    inventory::DeviceListCaption(inventory::DeviceListTitle(inventory::DeviceList(i)), list.Count())
-                        .toStdString() +
-                    "\r\n";
-        text += ListText(list);
+        if (options.list == list_tool::AllLists)
+            text += HeadedList(at, list, options);
+        else if (options.list == at)
+            text += FormatList(list, options);
     }
-    return Print(text);
+    if (options.format == Format::Json)
+        text += QLatin1Char('\n');
+    return Print(text.toStdString());
+}
+
+int Run(const Options& options) {
+    if (!options.complaint.empty())
+        return Complain(options.complaint, Refused);
+    if (options.help)
+        return Print(Help);
+    if (options.version)
+        return Print("quorvane-list " + values::BuiltVersion().toStdString() + "\n");
+    if (!options.root.empty())
+        pnp::SetDeviceRoot(QString::fromLocal8Bit(options.root.c_str()));
+    if (!pnp::DeviceRootReadable())
+        return Complain("the folder \"" + pnp::CurrentSources().deviceRoot.toStdString() + "\" cannot be read",
+                        Refused);
+    // Before the scan, so that a failure does not come after the work.
+    const std::string fault = options.lookup ? list_tool::OpenDatabase(options.database) : std::string();
+    if (!fault.empty())
+        return Complain(fault, Failed);
+    const int status = Scan(options);
+    database::CloseDeviceDatabase();
+    return status;
 }
 
 } // namespace
 
 int main(int count, char** arguments) {
-    const Options options = ReadOptions(count, arguments);
-    if (!options.complaint.empty())
-        return Refuse(options.complaint);
-    if (options.help)
-        return Print(Help);
-    if (options.version)
-        return Print("quorvane-list " + values::BuiltVersion().toStdString() + "\n");
-    return Scan(options);
+    base::PrepareStandardStreams();
+    const Options options = list_tool::ReadOptions(count, arguments);
+    // Knows where the programs stand, and with them the database.
+    const QCoreApplication application(count, arguments);
+    return Run(options);
 }

@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <array>
 #include <unistd.h>
 
 namespace base {
@@ -14,45 +17,72 @@ namespace {
 // Where an installation keeps the files that a user's own folder is filled from.
 constexpr auto installedDataFolder = "../share/quorvane";
 
+// What a user's own folder is filled with. Without the first there is nothing to start with.
+constexpr auto databaseName = "hwids.mdb";
+constexpr std::array<const char*, 2> otherNames = {"color_presets", "improve_database_keywords_to_skip.txt"};
+
 QString& FolderOverride() {
     static QString folder;
     return folder;
 }
 
-// Copies whole or not at all: a first start that is cut off must not leave half a database behind.
-void CopyWhole(const QString& from, const QString& to) {
-    const QString temporary = to + QStringLiteral(".part");
-    QFile::remove(temporary);
-    if (!QFile::copy(from, temporary))
-        return;
-    QFile::setPermissions(temporary, QFile::permissions(temporary) | QFile::WriteOwner);
-    if (!QFile::rename(temporary, to))
-        QFile::remove(temporary);
+QString ProgramsFolder() { return QCoreApplication::applicationDirPath(); }
+
+QDir InstalledFolder() { return QDir(QDir(ProgramsFolder()).filePath(QLatin1String(installedDataFolder))); }
+
+// Where a user's own folder is filled from: the installation, or a copied folder that cannot be written, on a disc for
+// instance.
+QDir Source() { return InstalledFolder().exists() ? InstalledFolder() : QDir(ProgramsFolder()); }
+
+// A file or a folder of files. False where it is not there whole: the disk is full, for instance.
+bool CopyWhole(const QFileInfo& from, const QString& to) {
+    if (!from.isDir())
+        return QFile::copy(from.filePath(), to) &&
+               QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner);
+    if (!QDir().mkpath(to))
+        return false;
+    const auto entries = QDir(from.filePath()).entryInfoList(QDir::Files);
+    return std::all_of(entries.begin(), entries.end(), [&to](const QFileInfo& entry) {
+        return CopyWhole(entry, to + QLatin1Char('/') + entry.fileName());
+    });
 }
 
-void FillFolder(const QDir& installed, const QDir& own) {
-    const auto entries = installed.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QFileInfo& entry : entries) {
-        const QString target = own.filePath(entry.fileName());
-        if (entry.isDir()) {
-            own.mkpath(entry.fileName());
-            FillFolder(QDir(entry.filePath()), QDir(target));
-        } else {
-            CopyWhole(entry.filePath(), target);
-        }
-    }
+bool FillFolder(const QDir& source, const QDir& folder) {
+    const auto copy = [&](const char* name) {
+        return CopyWhole(QFileInfo(source.filePath(QLatin1String(name))), folder.filePath(QLatin1String(name)));
+    };
+    return copy(databaseName) && std::all_of(otherNames.begin(), otherNames.end(), [&](const char* name) {
+               return !source.exists(QLatin1String(name)) || copy(name);
+           });
+}
+
+// Filled beside its place and moved there whole: a first start that is cut off must not leave half a folder behind,
+// which no later start would fill.
+void MakeOwnFolder(const QString& own) {
+    const QFileInfo place(own);
+    if (!QDir().mkpath(place.path()))
+        return;
+    const QTemporaryDir beside(place.path() + QStringLiteral("/.quorvane-XXXXXX"));
+    const QString filled = beside.filePath(QStringLiteral("filled"));
+    if (beside.isValid() && QDir().mkpath(filled) && FillFolder(Source(), QDir(filled)))
+        QDir().rename(filled, own);
+}
+
+// Whether the programs stand in a copied folder, which keeps its files beside them, rather than in an installation.
+bool IsCopiedFolder() {
+    return access(QFile::encodeName(ProgramsFolder()).constData(), W_OK) == 0 && !InstalledFolder().exists();
+}
+
+QString OwnFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/quorvane");
 }
 
 QString FindProgramFolder() {
-    const QString beside = QCoreApplication::applicationDirPath();
-    if (access(QFile::encodeName(beside).constData(), W_OK) == 0 &&
-        !QFileInfo::exists(QDir(beside).filePath(QLatin1String(installedDataFolder))))
-        return beside;
-    const QString own =
-        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/quorvane");
-    const QDir folder(own);
-    if (!folder.exists() && QDir().mkpath(own))
-        FillFolder(QDir(QDir(beside).filePath(QLatin1String(installedDataFolder))), folder);
+    if (IsCopiedFolder())
+        return ProgramsFolder();
+    const QString own = OwnFolder();
+    if (!QFileInfo::exists(own))
+        MakeOwnFolder(own);
     return own;
 }
 
@@ -94,6 +124,13 @@ QString ProgramFolder() {
     if (folder.isEmpty())
         folder = FindProgramFolder();
     return folder;
+}
+
+QString FindProgramFile(const QString& name) {
+    const QString own = OwnFolder();
+    const QDir folder = IsCopiedFolder() ? QDir(ProgramsFolder()) : QFileInfo::exists(own) ? QDir(own) : Source();
+    const QString file = folder.filePath(name);
+    return QFileInfo(file).isFile() ? file : QString();
 }
 
 void SetProgramFolder(const QString& folder) { FolderOverride() = folder; }

@@ -20,8 +20,13 @@ bool SHCreateDirectoryExW(const QString& path);
 
 // The program's folder, native, without a trailing slash. The executable's folder if the user may write there;
 // otherwise `quorvane` below the user's data folder (XDG data home), created and filled with the installed data files
-// the first time. The result is fixed for the process; tests set it.
+// the first time: whole or, where that fails, not at all. The result is fixed for the process; tests set it.
 QString ProgramFolder();
+
+// The file of this name that the program would open, native: the one in its folder or, before its first start, the one
+// that it would be filled with. Nothing is made. Empty where there is neither.
+QString FindProgramFile(const QString& name);
+
 void SetProgramFolder(const QString& folder);
 
 } // namespace base

@@ -1,0 +1,94 @@
+// What the formats make of texts that devices should not have, and of what was looked up.
+#include "inventory/device_lists.h"
+#include "quorvane-list/formats.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <gtest/gtest.h>
+
+namespace {
+
+using list_tool::Match;
+using list_tool::Matches;
+
+class ListFormatsTest : public testing::Test {
+  protected:
+    void SetUp() override { inventory::AddDeviceColumns(list_); }
+
+    void Add(const QString& name, const QString& errorCode = QStringLiteral("(0) OK"), const QString& ids = QString()) {
+        suite::ListItem* row = list_.Add(name);
+        row->SetSubItems(inventory::ErrorCodeColumn, errorCode);
+        row->SetSubItems(inventory::HardwareIdsColumn, ids);
+    }
+
+    QJsonArray Json(const std::vector<Matches>* matches = nullptr) const {
+        QJsonParseError error;
+        const QByteArray text = list_tool::JsonText({list_, matches}).toUtf8();
+        const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+        EXPECT_EQ(error.error, QJsonParseError::NoError) << text.constData();
+        return document.array();
+    }
+
+    suite::ListItems list_;
+};
+
+} // namespace
+
+TEST_F(ListFormatsTest, JsonStaysValidWhateverTheTextsHold) {
+    QString every;
+    for (int unit = 0; unit < 0x10000; ++unit)
+        if (!QChar::isSurrogate(char32_t(unit)))
+            every += QChar(unit);
+    Add(every);
+    Add(QStringLiteral("a\\\"b") + QChar(0xD800));
+    Add(QChar(0xDC00) + QStringLiteral("c") + QString::fromUcs4(U"\U0001F5A8"));
+    const QJsonArray rows = Json();
+    ASSERT_EQ(rows.size(), 3);
+    const auto name = [&rows](int row) { return rows[row].toObject().value(QStringLiteral("name")).toString(); };
+    EXPECT_TRUE(name(0) == every);
+    EXPECT_EQ(name(1).toStdString(), "a\\\"b\uFFFD");
+    EXPECT_EQ(name(2).toStdString(), "\uFFFDc\U0001F5A8");
+    // No terminal and no line-by-line reader trips over one.
+    const QString text = list_tool::JsonString(every);
+    for (int control = 0; control < 0x20; ++control)
+        EXPECT_FALSE(text.contains(QChar(control)));
+    EXPECT_FALSE(text.contains(QChar(0x9B)));
+}
+
+TEST_F(ListFormatsTest, JsonGivesNumbersAndArrays) {
+    Add(QStringLiteral("A"), QStringLiteral("(28) Drivers are not installed"), QStringLiteral("PCI\\X&Y|PCI\\X|"));
+    Add(QStringLiteral("B"), QStringLiteral("() Unknown Error"));
+    const std::vector<Matches> matches = {{{QStringLiteral("N, 1"), QStringLiteral("M"), QStringLiteral("PCI\\X")},
+                                           {QStringLiteral("N2"), QStringLiteral("M2"), QStringLiteral("PCI\\Z")}},
+                                          {}};
+    const QJsonArray rows = Json(&matches);
+    const QJsonObject first = rows[0].toObject();
+    EXPECT_EQ(first.value(QStringLiteral("problem_code")).toInt(), 28);
+    EXPECT_EQ(first.value(QStringLiteral("hardware_ids")).toArray(),
+              QJsonArray({QStringLiteral("PCI\\X&Y"), QStringLiteral("PCI\\X")}));
+    EXPECT_EQ(first.value(QStringLiteral("matches")).toArray().at(1).toObject(),
+              QJsonObject({{QStringLiteral("name"), QStringLiteral("N2")},
+                           {QStringLiteral("manufacturer"), QStringLiteral("M2")},
+                           {QStringLiteral("hardware_id"), QStringLiteral("PCI\\Z")}}));
+    EXPECT_TRUE(rows[1].toObject().value(QStringLiteral("problem_code")).isNull());
+    EXPECT_TRUE(rows[1].toObject().value(QStringLiteral("hardware_ids")).toArray().isEmpty());
+    EXPECT_FALSE(Json()[0].toObject().contains(QStringLiteral("matches")));
+
+    EXPECT_EQ(list_tool::CsvText({list_, &matches}).toStdString(),
+              "Name,Manufacturer,Error Code,Class,Driver Version,Hardware IDs,"
+              "Match Names,Match Manufacturers,Match Hardware IDs\r\n"
+              "A,,(28) Drivers are not installed,,,PCI\\X&Y|PCI\\X|,N, 1|N2|,M|M2|,PCI\\X|PCI\\Z|\r\n"
+              "B,,() Unknown Error,,,,,,\r\n");
+    list_.Clear();
+    EXPECT_TRUE(Json().isEmpty());
+}
+
+TEST_F(ListFormatsTest, ATableStandsInColumnsAndMovesNoCursor) {
+    Add(QStringLiteral("a\x1b[2J\r\n\u202E"), QStringLiteral("(0) OK"), QStringLiteral("X|Y|"));
+    Add(QString::fromUcs4(U"\U0001F5A8"));
+    EXPECT_EQ(list_tool::TableText({list_}).toStdString(),
+              "Name      Manufacturer  Error Code  Class  Driver Version  Hardware ID\n"
+              "a\uFFFD[2J\uFFFD\uFFFD\uFFFD                (0) OK                             X\n"
+              "\U0001F5A8                       (0) OK\n");
+}
