@@ -6,3 +6,5 @@ set(QUORVANE_SEARCH_SITE "https://duckduckgo.com" CACHE STRING "Search site that
 set(QUORVANE_SOCIAL_PAGE_1 "http://quorvane.example/social/1" CACHE STRING "First social page")
 set(QUORVANE_SOCIAL_PAGE_2 "http://quorvane.example/social/2" CACHE STRING "Second social page")
 set(QUORVANE_MAIL "maintainers@quorvane.example" CACHE STRING "Maintainers' e-mail address")
+# The component under which software centres know the program.
+set(QUORVANE_COMPONENT_ID "example.quorvane.quorvane" CACHE STRING "Component id, a reversed domain name")

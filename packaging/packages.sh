@@ -4,7 +4,10 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev lib
   libgl-dev hwdata fonts-dejavu-core)
 run_packages=(p7zip-full)
 display_packages=(xvfb openbox xdotool x11-apps imagemagick)
+# To build the Debian package.
+package_packages=(dpkg-dev gzip)
 test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3)
+bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
 
 # install_packages NAME...: returns 1 with a message where something is missing and cannot be installed.
 install_packages() {
