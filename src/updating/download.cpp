@@ -339,11 +339,14 @@ DownLoadControl::LoopEnd DownLoadControl::TransferLoop(qint32 offset) {
             // A wait that the window's end cut short was cancelled, not broken.
             return cCancel_ && Stopped() ? LoopEnd::Cancelled : LoopEnd::Failed;
         }
-        if (file_.write(*chunk) != chunk->size()) {
+        total += chunk->size();
+        // More than was promised is a body without end, which the disk need not hold. Promised nothing, the first
+        // report fails.
+        const bool endless = fileSize_ > 0 && offset + total > fileSize_;
+        if (endless || file_.write(*chunk) != chunk->size()) {
             return LoopEnd::Failed;
         }
-        total += chunk->size();
-        if (offset + total > std::numeric_limits<qint32>::max() || !ReportChunk(static_cast<qint32>(total), offset)) {
+        if (!ReportChunk(static_cast<qint32>(total), offset)) {
             return LoopEnd::Failed;
         }
         WaitWhilePaused();

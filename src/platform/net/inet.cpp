@@ -4,6 +4,7 @@
 #include "base/yield.h"
 #include "net/transfer.h"
 
+#include <QElapsedTimer>
 #include <algorithm>
 
 namespace net {
@@ -11,6 +12,7 @@ namespace net {
 namespace {
 
 constexpr qsizetype openUrlLimit = 1024 * 1024;
+constexpr qsizetype pieceLimit = 64 * 1024;
 // One turn of a wait; a stop is noticed at the latest then.
 constexpr int waitTurn = 50;
 
@@ -36,14 +38,18 @@ QString Inet::OpenURL(const QString& url) {
         return {};
     }
     QByteArray body;
+    QElapsedTimer sinceStart;
+    sinceStart.start();
+    const auto late = [this, &sinceStart] { return sinceStart.hasExpired(stallLimit_); };
     bool ended = false;
     while (!ended) {
-        if (!WaitWhile([this] { return !transfer_->Ended() && transfer_->Unread() == 0; })) {
+        if (!WaitWhile([this, &late] { return !transfer_->Ended() && transfer_->Unread() == 0 && !late(); })) {
             return {};
         }
         ended = transfer_->Ended();
         body += transfer_->Take(transfer_->Unread());
-        if (body.size() > openUrlLimit) {
+        // A body that trickles in for ever would hold up the program's start.
+        if (body.size() > openUrlLimit || (!ended && late())) {
             Cancel();
             return {};
         }
@@ -83,14 +89,22 @@ std::optional<QByteArray> Inet::GetChunk(qint32 size) {
     if (!transfer_ || size < 0) {
         return std::nullopt;
     }
-    if (!WaitWhile([this, size] { return !transfer_->Ended() && transfer_->Unread() < size; })) {
-        return std::nullopt;
+    QByteArray chunk;
+    bool ended = false;
+    while (!ended && chunk.size() < size) {
+        // In pieces, as a transfer holds its sender back before a chunk of any size could lie unread.
+        const qsizetype wanted = std::min<qsizetype>(size - chunk.size(), pieceLimit);
+        if (!WaitWhile([this, wanted] { return !transfer_->Ended() && transfer_->Unread() < wanted; })) {
+            return std::nullopt;
+        }
+        ended = transfer_->Ended() && transfer_->Unread() < wanted;
+        chunk += transfer_->Take(wanted);
     }
     // A short rest of a broken transfer would look like its end.
-    if (transfer_->Failed() && transfer_->Unread() < size) {
+    if (ended && transfer_->Failed()) {
         return std::nullopt;
     }
-    return transfer_->Take(size);
+    return chunk;
 }
 
 void Inet::Cancel() {

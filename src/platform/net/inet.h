@@ -28,7 +28,8 @@ class Inet : public QObject {
     void SetURL(const QString& url) { url_ = url; }
 
     // The whole body as text, one character a byte (Windows-1252), whatever the status is. Empty after a failed or cut
-    // transfer, and for a body above 1 MiB, which no caller wants.
+    // transfer, for one that takes longer than the stall limit in all, and for a body above 1 MiB, which no caller
+    // wants.
     QString OpenURL(const QString& url);
 
     // Starts a request and returns at once. Only "GET" is served, and no request body. `headers` are lines joined by
@@ -53,7 +54,8 @@ class Inet : public QObject {
 
     // Asked in every wait; true ends it. By default waits end with the transfer alone.
     void SetStop(std::function<bool()> stop) { stop_ = std::move(stop); }
-    // Milliseconds without progress after which a request fails; 60,000 by default, for requests begun later.
+    // Milliseconds without progress, or until the headers are whole, after which a request fails; 60,000 by default,
+    // for requests begun later.
     void SetStallLimit(int milliseconds) { stallLimit_ = milliseconds; }
 
   private:

@@ -24,6 +24,7 @@ Transfer::Transfer(const QByteArray& url, const QList<QByteArray>& headers, int 
     timer_.setSingleShot(true);
     connect(&timer_, &QTimer::timeout, this, [this] { Act(CURL_SOCKET_TIMEOUT, 0); });
     connect(&stallTimer_, &QTimer::timeout, this, [this] { CheckForStall(); });
+    sinceStart_.start();
     sinceProgress_.start();
     multi_ = curl_multi_init();
     easy_ = curl_easy_init();
@@ -145,8 +146,9 @@ void Transfer::Unwatch(curl_socket_t socket) {
 }
 
 void Transfer::CheckForStall() {
-    // A transfer that waits for its reader has no progress to make.
-    if (!paused_ && !ended_ && sinceProgress_.hasExpired(stallLimit_)) {
+    // A transfer that waits for its reader has no progress to make. Headers that trickle in are none either.
+    const bool late = !headersComplete_ && sinceStart_.hasExpired(stallLimit_);
+    if (!paused_ && !ended_ && (late || sinceProgress_.hasExpired(stallLimit_))) {
         End(CURLE_OPERATION_TIMEDOUT);
     }
 }

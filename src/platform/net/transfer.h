@@ -1,6 +1,6 @@
 // One HTTP GET over libcurl, driven by the event loop: socket notifications and a timer do all the work, nothing
 // blocks. Owned by Inet. It pauses while more than 256 KiB lie unread, follows no redirect, speaks http alone, and ends
-// by itself when nothing has moved for the stall limit.
+// by itself when nothing has moved for the stall limit or the headers are not whole by then.
 #pragma once
 
 #include <QByteArray>
@@ -58,6 +58,7 @@ class Transfer : public QObject {
     QHash<curl_socket_t, Notifiers> notifiers_;
     QTimer timer_;
     QTimer stallTimer_;
+    QElapsedTimer sinceStart_;
     QElapsedTimer sinceProgress_;
     int stallLimit_ = 0;
     QByteArray headers_;

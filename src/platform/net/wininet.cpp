@@ -18,7 +18,7 @@ namespace net {
 namespace {
 
 constexpr qsizetype answerLimit = 64 * 1024;
-// However slowly the answer trickles in, the caller is not held longer.
+// However slowly the peer takes the body, the caller is not held longer.
 constexpr long wholeLimit = 15 * 60 * 1000;
 
 struct Session {
@@ -98,7 +98,7 @@ struct Exchange {
     qint64 bodySize = 0;
     int stallLimit = 0;
     QElapsedTimer sinceProgress;
-    curl_off_t moved = -1;
+    curl_off_t out = -1;
     qsizetype answered = 0;
     bool statusSeen = false;
 
@@ -129,11 +129,11 @@ size_t OnBody(char*, size_t size, size_t count, void* self) {
     return exchange->statusSeen && exchange->BodySent() ? 0 : size * count;
 }
 
-int OnProgress(void* self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) {
+// Only what went out counts: an answer that trickles in is no reason to wait on.
+int OnProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
     auto* exchange = static_cast<Exchange*>(self);
-    const curl_off_t moved = received + sent + exchange->answered;
-    if (moved != exchange->moved) {
-        exchange->moved = moved;
+    if (sent != exchange->out) {
+        exchange->out = sent;
         exchange->sinceProgress.restart();
     }
     const bool finished = exchange->statusSeen && exchange->BodySent();

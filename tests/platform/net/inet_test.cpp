@@ -128,6 +128,14 @@ TEST_F(InetTest, ChunksAreFullWhileMoreIsToCome) {
     EXPECT_EQ(inet_.GetChunk(4), std::nullopt);
 }
 
+TEST_F(InetTest, AChunkMayBeLargerThanWhatLiesUnreadAtMost) {
+    const qint64 total = 3 << 20;
+    Begin(Promise(200, total).Repeat(QByteArray(4096, 'x'), total));
+    EXPECT_EQ(inet_.GetChunk(2 << 20)->size(), 2 << 20);
+    EXPECT_EQ(inet_.GetChunk(2 << 20)->size(), 1 << 20);
+    EXPECT_EQ(inet_.GetChunk(2 << 20), QByteArray());
+}
+
 TEST_F(InetTest, ABrokenBodyIsNoEnd) {
     Begin(Promise(200, 10).Send("01234").Reset());
     EXPECT_EQ(inet_.GetChunk(4), QByteArray("0123"));
