@@ -22,8 +22,9 @@ expect() {
   [ "$2" = "$3" ] || fail "$1: got '$2', expected '$3'"
 }
 
+# start_screen [SIZE]
 start_screen() {
-  Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$scratch/display" >/dev/null 2>&1 &
+  Xvfb -displayfd 3 -screen 0 "${1:-1280x900}x24" -nolisten tcp 3>"$scratch/display" >/dev/null 2>&1 &
   pids+=($!)
   for _ in $(seq 100); do
     [ -s "$scratch/display" ] && break
