@@ -1,74 +1,22 @@
-// The whole scan of a made-up machine, all four lists filled, by the number of its devices. "per_device" is the time of
-// one device; "longest_stall" is the longest time for which no event was served.
+// The whole scan of a made-up machine, all four lists filled, by the number of its devices. "longest_stall_ms" is the
+// longest time for which no event was served.
 #include "inventory/device_lists.h"
 #include "inventory/device_scan.h"
 #include "inventory/list_text.h"
 #include "pnp/device_tree.h"
 #include "pnp/sources.h"
+#include "support/made_up_machine.h"
+#include "support/settings.h"
 #include "values/program_values.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <array>
 #include <benchmark/benchmark.h>
-#include <map>
-#include <memory>
+#include <malloc.h>
 
 namespace {
-
-constexpr int FunctionsPerDomain = 256;
-
-void Write(const QString& path, const QByteArray& text) {
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write(text);
-}
-
-void AddFunction(const QString& root, int number) {
-    const QString domain = QString::number(number / FunctionsPerDomain, 16).rightJustified(4, QLatin1Char('0'));
-    const int place = number % FunctionsPerDomain;
-    const QString address = QStringLiteral("%1:00:%2.%3")
-                                .arg(domain, QString::number(place / 8, 16).rightJustified(2, QLatin1Char('0')))
-                                .arg(place % 8);
-    const QString relative = QStringLiteral("/devices/pci%1:00/%2").arg(domain, address);
-    const QString folder = root + relative;
-    QDir().mkpath(folder);
-    const QByteArray device = QByteArray::number(0x1000 + number % 4000, 16).rightJustified(4, '0');
-    Write(folder + QStringLiteral("/vendor"), "0x8086\n");
-    Write(folder + QStringLiteral("/device"), "0x" + device + "\n");
-    Write(folder + QStringLiteral("/subsystem_vendor"), "0x17aa\n");
-    Write(folder + QStringLiteral("/subsystem_device"), "0x2001\n");
-    Write(folder + QStringLiteral("/revision"), "0x02\n");
-    Write(folder + QStringLiteral("/class"), "0x020000\n");
-    Write(folder + QStringLiteral("/modalias"),
-          "pci:v00008086d0000" + device.toUpper() + "sv000017AAsd00002001bc02sc00i00\n");
-    // Every second one without a driver, so that it stands in all four lists.
-    if (number % 2 != 0)
-        QFile::link(QStringLiteral("../../../bus/pci/drivers/e1000e"), folder + QStringLiteral("/driver"));
-    QFile::link(QStringLiteral("../../..") + relative, root + QStringLiteral("/bus/pci/devices/") + address);
-}
-
-// Made once for each size, in memory where there is such a folder.
-const QString& Machine(int devices) {
-    static std::map<int, std::unique_ptr<QTemporaryDir>> machines;
-    static std::map<int, QString> roots;
-    if (!machines.contains(devices)) {
-        const QString memory = QStringLiteral("/dev/shm");
-        const QString base = QDir(memory).exists() ? memory : QDir::tempPath();
-        auto folder = std::make_unique<QTemporaryDir>(base + QStringLiteral("/scan-XXXXXX"));
-        QDir().mkpath(folder->filePath(QStringLiteral("bus/pci/devices")));
-        QDir().mkpath(folder->filePath(QStringLiteral("bus/pci/drivers/e1000e")));
-        for (int i = 0; i < devices; ++i)
-            AddFunction(folder->path(), i);
-        roots[devices] = folder->path();
-        machines[devices] = std::move(folder);
-    }
-    return roots[devices];
-}
 
 void Scan(std::array<suite::ListItems, inventory::DeviceListCount>& lists) {
     for (suite::ListItems& list : lists) {
@@ -83,7 +31,7 @@ void Scan(std::array<suite::ListItems, inventory::DeviceListCount>& lists) {
 
 void WholeScan(benchmark::State& state) {
     const int devices = int(state.range(0));
-    pnp::SetDeviceRoot(Machine(devices));
+    pnp::SetDeviceRoot(bench::MadeUpMachine(devices));
     values::Program().SystemFolder = QStringLiteral("C:\\Windows\\System32\\");
     std::array<suite::ListItems, inventory::DeviceListCount> lists;
     for (suite::ListItems& list : lists)
@@ -98,20 +46,35 @@ void WholeScan(benchmark::State& state) {
         sinceServed.start();
         Scan(lists);
     }
-    state.counters["per_device"] = benchmark::Counter(double(devices), benchmark::Counter::kIsIterationInvariantRate |
-                                                                           benchmark::Counter::kInvert);
-    state.counters["longest_stall"] = double(longest) / 1e9;
+    state.counters["longest_stall_ms"] = double(longest) / 1e6;
     state.counters["rows"] = lists[inventory::Hardware].Count();
 }
 
+// What 100 scans leave behind of the memory in use, after the first few have filled what is kept.
+void HundredScans(benchmark::State& state) {
+    pnp::SetDeviceRoot(bench::MadeUpMachine(200));
+    std::array<suite::ListItems, inventory::DeviceListCount> lists;
+    for (suite::ListItems& list : lists)
+        inventory::AddDeviceColumns(list);
+    const auto scan = [&lists](int times) {
+        for (int i = 0; i < times; ++i)
+            Scan(lists);
+        return double(mallinfo2().uordblks) / 1024;
+    };
+    for (auto _ : state) {
+        const double before = scan(5);
+        state.counters["more_KiB"] = scan(bench::Size(100, 2)) - before;
+    }
+}
+
 void Bind(benchmark::State& state) {
-    pnp::SetDeviceRoot(Machine(int(state.range(0))));
+    pnp::SetDeviceRoot(bench::MadeUpMachine(int(state.range(0))));
     for (auto _ : state)
         pnp::BindTree();
 }
 
 void WholeListText(benchmark::State& state) {
-    pnp::SetDeviceRoot(Machine(int(state.range(0))));
+    pnp::SetDeviceRoot(bench::MadeUpMachine(int(state.range(0))));
     std::array<suite::ListItems, inventory::DeviceListCount> lists;
     for (suite::ListItems& list : lists)
         inventory::AddDeviceColumns(list);
@@ -123,6 +86,7 @@ void WholeListText(benchmark::State& state) {
 } // namespace
 
 BENCHMARK(WholeScan)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(HundredScans)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(Bind)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(WholeListText)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
