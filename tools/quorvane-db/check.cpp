@@ -2,7 +2,7 @@
 #include "command.h"
 #include "contribution_file.h"
 #include "database/additions.h"
-#include "database/store.h"
+#include "database_file.h"
 #include "options.h"
 
 #include <QSet>
@@ -56,9 +56,9 @@ int Check(const QStringList& arguments) {
         return RefuseUsage(wrong.isEmpty() ? QStringLiteral("check needs a FILE") : wrong);
     }
     const bool ask = options.Has(QStringLiteral("db"));
-    data::Error failure;
-    if (ask && !database::OpenDatabaseFile(options.Value(QStringLiteral("db")), &failure)) {
-        return Fail(failure.Description());
+    const QString fault = ask ? OpenForProgram(options.Value(QStringLiteral("db"))) : QString();
+    if (!fault.isEmpty()) {
+        return Fail(fault);
     }
     QSet<QString> seen;
     Counts counts;

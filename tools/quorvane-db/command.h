@@ -21,6 +21,9 @@ struct SubCommand {
     int (*Run)(const QStringList& arguments);
 };
 
+// The line for a standard output that is closed or full.
+extern const QString unwritable;
+
 // Prints the one line and returns the status.
 int Fail(const QString& line);
 int RefuseUsage(const QString& line);
@@ -29,6 +32,8 @@ void Note(const QString& line);
 
 // Prints a line of the result as UTF-8. False once standard output is closed or full.
 bool Print(const QString& line);
+// Whether everything printed so far reached standard output; for those that stop rather than change a file unseen.
+bool Printed();
 // Ends the results: Done, or Failed where they did not reach standard output whole.
 int Finish(int status = Done);
 
@@ -41,7 +46,6 @@ int Export(const QStringList& arguments);
 int ImportJet(const QStringList& arguments);
 int Info(const QStringList& arguments);
 int Merge(const QStringList& arguments);
-int Pack(const QStringList& arguments);
 int Pack(const QStringList& arguments);
 
 } // namespace tool

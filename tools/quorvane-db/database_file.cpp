@@ -1,10 +1,21 @@
 #include "database_file.h"
 
 #include "data/error.h"
+#include "database/store.h"
 
 #include <QFileInfo>
 
 namespace tool {
+
+namespace {
+
+// Empty, or the line that tells that the file is a database of something else.
+QString Incomplete(const QString& path, const data::ConnectionPtr& connection) {
+    const QString missing = database::MissingTable(connection);
+    return missing.isEmpty() ? QString() : QStringLiteral("%1: not a device database (no table %2)").arg(path, missing);
+}
+
+} // namespace
 
 data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
     auto connection = std::make_shared<data::Connection>();
@@ -16,17 +27,15 @@ data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
             connection->Open();
         },
         &failure);
-    for (const char* table : {"hwids", "devicenames", "mfgs", "version"}) {
-        if (opened && CountRows(connection, QLatin1String(table)) < 0) {
-            error = QStringLiteral("%1: not a device database (no table %2)").arg(path, QLatin1String(table));
-            return nullptr;
-        }
-    }
-    if (!opened) {
-        error = failure.Description();
-        return nullptr;
-    }
-    return connection;
+    error = opened ? Incomplete(path, connection) : failure.Description();
+    return error.isEmpty() ? connection : nullptr;
+}
+
+QString OpenForProgram(const QString& path) {
+    data::Error failure;
+    return database::OpenDatabaseFile(QFileInfo(path).absoluteFilePath(), &failure)
+               ? Incomplete(path, database::DatabaseConnection())
+               : failure.Description();
 }
 
 qint64 CountRows(const data::ConnectionPtr& connection, const QString& table) {

@@ -12,6 +12,9 @@ namespace tool {
 // Null where it cannot be opened; `error` then holds the line to print.
 data::ConnectionPtr OpenDatabase(const QString& path, QString& error);
 
+// Opens it as the program's own database, for its routines. Empty, or the line to print.
+QString OpenForProgram(const QString& path);
+
 // The number of rows of a table; -1 where it has no such table.
 qint64 CountRows(const data::ConnectionPtr& connection, const QString& table);
 

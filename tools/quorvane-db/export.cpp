@@ -7,8 +7,12 @@
 #include "database_file.h"
 #include "options.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 
 namespace tool {
 
@@ -38,7 +42,6 @@ bool ReadLines(const data::ConnectionPtr& connection, std::vector<QByteArray>& l
 
 // Empty, or what failed. An empty path is standard output.
 QString WriteLines(const std::vector<QByteArray>& lines, const QString& path) {
-    QSaveFile file(path);
     if (path.isEmpty()) {
         for (const QByteArray& line : lines) {
             if (!Print(QString::fromUtf8(line.chopped(1)))) {
@@ -47,11 +50,24 @@ QString WriteLines(const std::vector<QByteArray>& lines, const QString& path) {
         }
         return QString();
     }
+    // A device or a pipe is written to; only a file is replaced.
+    const QFileInfo info(path);
+    QSaveFile saved(path);
+    QFile direct(path);
+    const bool special = info.exists() && !info.isFile() && !info.isDir();
+    QFileDevice& file = special ? static_cast<QFileDevice&>(direct) : saved;
     bool written = file.open(QIODevice::WriteOnly);
     for (const QByteArray& line : lines) {
         written = written && file.write(line) == line.size();
     }
-    return written && file.commit() ? QString() : QStringLiteral("%1: %2").arg(path, file.errorString());
+    // Written out first: committing a file whose last bytes found no room would succeed.
+    errno = 0;
+    written = written && file.flush();
+    const int reason = errno;
+    written = written && (special || saved.commit());
+    return written ? QString()
+                   : QStringLiteral("%1: %2").arg(path, reason == 0 ? file.errorString()
+                                                                    : QString::fromLocal8Bit(std::strerror(reason)));
 }
 
 } // namespace
@@ -66,6 +82,10 @@ int Export(const QStringList& arguments) {
     if (!connection) {
         return Fail(error);
     }
+    const QString output = options.Value(QStringLiteral("output"));
+    if (QFileInfo(output) == QFileInfo(options.Arguments().first())) {
+        return RefuseUsage(QStringLiteral("export would write over its database"));
+    }
     std::vector<QByteArray> lines;
     data::Error failure;
     if (!ReadLines(connection, lines, failure)) {
@@ -73,7 +93,7 @@ int Export(const QStringList& arguments) {
     }
     std::sort(lines.begin(), lines.end());
     lines.insert(lines.begin(), "version|||" + Legible(ReadVersion(connection)).toUtf8() + '\n');
-    error = WriteLines(lines, options.Value(QStringLiteral("output")));
+    error = WriteLines(lines, output);
     return error.isEmpty() ? Finish() : Fail(error);
 }
 

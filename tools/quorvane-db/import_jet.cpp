@@ -131,6 +131,9 @@ int ImportJet(const QStringList& arguments) {
     if (!QFileInfo(path).isFile()) {
         return Fail(QStringLiteral("%1: no such file").arg(path));
     }
+    if (QFileInfo(output) == QFileInfo(path)) {
+        return RefuseUsage(QStringLiteral("import-jet would write over its file"));
+    }
     JetFile file;
     error = ReadJetFile(path, file);
     if (!error.isEmpty()) {

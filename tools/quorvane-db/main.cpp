@@ -1,8 +1,8 @@
 // quorvane-db: builds, shows, checks and merges device databases. One sub-command, one file.
+#include "base/standard_streams.h"
 #include "command.h"
 
 #include <QCoreApplication>
-#include <csignal>
 
 namespace {
 
@@ -55,8 +55,7 @@ int RunSubCommand(const QStringList& arguments) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // A reader that went away is an error of the writing, not the end of the process in the middle of something.
-    std::signal(SIGPIPE, SIG_IGN);
+    base::PrepareStandardStreams();
     const QCoreApplication application(argc, argv);
     return RunSubCommand(QCoreApplication::arguments().mid(1));
 }

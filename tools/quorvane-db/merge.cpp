@@ -116,14 +116,34 @@ QString ReadAll(const QStringList& paths, std::vector<JudgedLine>& lines) {
 }
 
 int DryRun(const QString& path, const std::vector<JudgedLine>& lines, Merger& merger) {
-    data::Error failure;
-    if (!database::OpenDatabaseFile(path, &failure)) {
-        return Fail(failure.Description());
+    const QString error = OpenForProgram(path);
+    if (!error.isEmpty()) {
+        return Fail(error);
     }
     for (const JudgedLine& line : lines) {
         merger.Take(line);
     }
     return merger.Summarise();
+}
+
+// Empty, or why the copy must not take the database's place: a disk that is full costs lines that the additions pass
+// over, and a report that nobody got is none.
+QString AddTo(const QString& copy, const std::vector<JudgedLine>& lines, const QString& version, Merger& merger) {
+    QString error = OpenForProgram(copy);
+    if (!error.isEmpty()) {
+        return error;
+    }
+    for (const JudgedLine& line : lines) {
+        merger.Take(line);
+    }
+    data::Error failure;
+    if (!version.isEmpty()) {
+        data::Ran([&] { SetVersion(version); }, &failure);
+    }
+    const QString fault = database::DatabaseConnection()->StorageFault();
+    database::CloseDeviceDatabase();
+    error = fault.isEmpty() ? failure.Description() : fault;
+    return !error.isEmpty() ? QStringLiteral("%1: %2").arg(copy, error) : Printed() ? QString() : unwritable;
 }
 
 // Empty, or what failed; the copy is then gone.
@@ -133,23 +153,15 @@ QString MergeInto(const QString& path, const std::vector<JudgedLine>& lines, con
     if (!error.isEmpty()) {
         return error;
     }
-    data::Error failure;
-    if (database::OpenDatabaseFile(copy, &failure)) {
-        for (const JudgedLine& line : lines) {
-            merger.Take(line);
-        }
-        if (!version.isEmpty()) {
-            data::Ran([&] { SetVersion(version); }, &failure);
-        }
-        database::CloseDeviceDatabase();
+    error = AddTo(copy, lines, version, merger);
+    if (error.isEmpty() && !data::ReplaceDatabaseFile(copy, path, &error)) {
+        error = QStringLiteral("%1: %2").arg(path, error);
     }
-    error = failure.Description();
-    if (!error.isEmpty() || !data::ReplaceDatabaseFile(copy, path, &error)) {
+    if (!error.isEmpty()) {
         QFile::remove(copy);
         QFile::remove(copy + QStringLiteral("-journal"));
-        return QStringLiteral("%1: %2").arg(path, error);
     }
-    return QString();
+    return error;
 }
 
 } // namespace

@@ -1,8 +1,12 @@
 #include "command.h"
 
+#include "base/standard_streams.h"
+
 #include <cstdio>
 
 namespace tool {
+
+const QString unwritable = QStringLiteral("standard output cannot be written");
 
 int Fail(const QString& line) {
     Note(line);
@@ -25,10 +29,9 @@ bool Print(const QString& line) {
     return std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout) == size_t(bytes.size());
 }
 
-int Finish(int status) {
-    const bool flushed = std::fflush(stdout) == 0;
-    return flushed && std::ferror(stdout) == 0 ? status : Fail(QStringLiteral("standard output cannot be written"));
-}
+bool Printed() { return base::StandardOutputWritten(); }
+
+int Finish(int status) { return Printed() ? status : Fail(unwritable); }
 
 QString Legible(const QString& text) {
     QString legible;

@@ -7,11 +7,13 @@
 #include "values/program_values.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSaveFile>
 #include <QTemporaryDir>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace tool {
 
@@ -28,9 +30,35 @@ bool IsVersion(const QString& version, qsizetype limit) {
 }
 
 bool WriteFile(const QString& path, const QString& text) {
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) == text.size() && file.commit();
+    QFile file(path);
+    const QByteArray bytes = text.toUtf8();
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
 }
+
+bool Move(const QString& from, const QString& to) {
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+// The folders that are made for the output go again if nothing comes to stand in them.
+class NewFolders {
+  public:
+    explicit NewFolders(const QString& folder) {
+        for (QFileInfo info(folder); !info.exists(); info = QFileInfo(info.absolutePath())) {
+            made_.append(info.absoluteFilePath());
+        }
+        QDir().mkpath(folder);
+    }
+    ~NewFolders() {
+        for (const QString& folder : made_) {
+            QDir().rmdir(folder);
+        }
+    }
+    NewFolders(const NewFolders&) = delete;
+    NewFolders& operator=(const NewFolders&) = delete;
+
+  private:
+    QStringList made_;
+};
 
 // The archive holds the file under the name that the program reads, whatever it is called here: a copy in the work
 // folder bears it. (What comes from the engine's standard input can be marked as a pipe, which clients refuse.)
@@ -49,21 +77,25 @@ bool MakeArchive(const QString& databaseFile, const QString& workFolder, const Q
 }
 
 // Writes the three files; the version of the database comes last, so that a client that sees it finds the new archive.
-// Nothing is replaced where the archive cannot be made. Empty, or what went wrong.
+// All are whole before the first takes its place. Empty, or what went wrong.
 QString Publish(const QString& databaseFile, const QString& folder, const QString& version,
                 const QString& programVersion) {
-    // On the file system of the target, so that the archive moves there in one step.
-    QDir().mkpath(folder);
+    const NewFolders made(folder);
+    // On the file system of the target, so that the files move there in one step.
     const QTemporaryDir work(folder + QStringLiteral("/.pack-XXXXXX"));
-    const QString packed = work.filePath(QString::fromUtf16(archiveName));
-    const QString archive = folder + QChar(u'/') + QString::fromUtf16(archiveName);
-    if (!work.isValid() || !MakeArchive(databaseFile, work.path(), packed)) {
-        return QStringLiteral("the archive could not be made in %1").arg(folder);
+    if (!work.isValid()) {
+        return QStringLiteral("%1: %2").arg(folder, work.errorString());
     }
-    if (std::rename(QFile::encodeName(packed).constData(), QFile::encodeName(archive).constData()) != 0 ||
-        !WriteFile(folder + QStringLiteral("/update.htm"), programVersion) ||
-        !WriteFile(folder + QStringLiteral("/database_v1.htm"), version)) {
-        return QStringLiteral("%1 cannot be written").arg(folder);
+    const QStringList names = {QString::fromUtf16(archiveName), QStringLiteral("update.htm"),
+                               QStringLiteral("database_v1.htm")};
+    if (!MakeArchive(databaseFile, work.path(), work.filePath(names[0])) ||
+        !WriteFile(work.filePath(names[1]), programVersion) || !WriteFile(work.filePath(names[2]), version)) {
+        return QStringLiteral("%1: the files could not be made").arg(folder);
+    }
+    for (const QString& name : names) {
+        if (!Move(work.filePath(name), folder + QLatin1Char('/') + name)) {
+            return QStringLiteral("%1/%2: %3").arg(folder, name, QString::fromLocal8Bit(std::strerror(errno)));
+        }
     }
     return {};
 }

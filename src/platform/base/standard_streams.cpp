@@ -16,6 +16,8 @@ void PrepareStandardStreams() {
         }
     }
     std::signal(SIGPIPE, SIG_IGN);
+    // A file beyond the limit that the shell sets is a failed write too.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool StandardOutputWritten() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }

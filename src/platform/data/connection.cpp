@@ -92,6 +92,8 @@ quint64 Connection::Generation() const {
     return session_->Generation();
 }
 
+QString Connection::StorageFault() const { return session_ ? session_->StorageFault() : QString(); }
+
 const std::shared_ptr<Session>& Connection::RequireSession() const {
     if (!session_) {
         throw Error(ErrorInvalidConnection);

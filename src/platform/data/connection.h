@@ -42,6 +42,10 @@ class Connection {
     // Looks at the file first, so two equal answers mean that what was read between them belongs together.
     quint64 Generation() const;
 
+    // Why a call could not write, where that lies with the disk: it is full, for instance. Empty where none failed so,
+    // also while closed. For callers that pass over single failures and must not take a full disk for one of them.
+    QString StorageFault() const;
+
   private:
     friend class Command;
     friend class ReadHold;

@@ -184,8 +184,12 @@ void Session::Close() {
     held_ = false;
 }
 
-void Session::Fail(int code) const {
-    const auto number = (code & 0xFF) == SQLITE_ERROR ? ErrorInCommand : ErrorUnspecified;
+void Session::Fail(int code) {
+    const int primary = code & 0xFF;
+    if (storageFault_.isEmpty() && (primary == SQLITE_FULL || primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN)) {
+        storageFault_ = QString::fromUtf8(sqlite3_errmsg(handle_));
+    }
+    const auto number = primary == SQLITE_ERROR ? ErrorInCommand : ErrorUnspecified;
     throw Error(number, QString::fromUtf8(sqlite3_errmsg(handle_)));
 }
 

@@ -57,6 +57,10 @@ class Session {
     // nothing under another.
     quint64 Generation() const { return generation_; }
 
+    // What the store said when it first failed for the disk's sake (full, or an error of the device) rather than for
+    // the statement's; empty where it never did.
+    const QString& StorageFault() const { return storageFault_; }
+
     // Looks whether the file was replaced, and opens the new one; done by every call outside a transaction.
     void FollowFile();
 
@@ -82,7 +86,7 @@ class Session {
     static void ReadColumns(Prepared& prepared, int first);
     void RunPlain(const char* sql);
     void RequireWritableFile();
-    [[noreturn]] void Fail(int code) const;
+    [[noreturn]] void Fail(int code);
 
     QString path_;
     sqlite3* handle_ = nullptr;
@@ -90,6 +94,7 @@ class Session {
     FileIdentity file_;
     quint64 generation_ = 0;
     qint64 identityBefore_ = 0; // of the present transaction
+    QString storageFault_;
     bool inTransaction_ = false;
     bool held_ = false;
 };
