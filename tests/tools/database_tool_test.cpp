@@ -176,7 +176,7 @@ TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
     ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
     Write("new_hardware.txt", "USB\\VID_1234&PID_5678|||Adapter \x99|||Maker\r\n"
                               "USB\\VID_1234&PID_5678|||adapter \x99|||maker\r\n"
-                              "PCI\\VEN_1000&DEV_0001|||B|||A\r\n"
+                              "PCI\\VEN_1000&DEV_0001||| B |||A\r\n"
                               "only two|||fields\r\n"
                               "PCI\\CC_0604|||Bridge|||Maker\r\n"
                               "PCI\\VEN_1&DEV_2|||<script>|||Maker\r\n"

@@ -39,7 +39,7 @@ void CheckLine(const QString& path, const JudgedLine& line, bool ask, QSet<QStri
     if (line.Judgement == Verdict::Suspicious) {
         ++counts.Suspicious;
         Report(path, line, QStringLiteral("suspicious, ") + line.Reason);
-    } else if (ask && database::IsDeviceInDatabase(line.Text)) {
+    } else if (ask && database::IsDeviceInDatabase(StoredLine(line.Device))) {
         ++counts.Known;
         Report(path, line, QStringLiteral("already known"));
     } else {

@@ -143,9 +143,11 @@ std::vector<JudgedLine> ReadContributions(const QString& path, QString& error) {
     return lines;
 }
 
-QString DeviceKey(const database::Contribution& device) {
-    return base::LowerCase(database::ContributionLine(device.HardwareId, inventory::CleanText(device.Name),
-                                                      inventory::CleanText(device.Manufacturer)));
+QString StoredLine(const database::Contribution& device) {
+    return database::ContributionLine(device.HardwareId, inventory::CleanText(device.Name),
+                                      inventory::CleanText(device.Manufacturer));
 }
+
+QString DeviceKey(const database::Contribution& device) { return base::LowerCase(StoredLine(device)); }
 
 } // namespace tool

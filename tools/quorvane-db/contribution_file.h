@@ -30,6 +30,9 @@ std::vector<JudgedLine> ReadContributions(const QString& path, QString& error);
 // Judges one line without its line end.
 JudgedLine Judge(const QString& text);
 
+// The device as a line in the form in which an addition stores it.
+QString StoredLine(const database::Contribution& device);
+
 // Lines that mean the same device have the same key.
 QString DeviceKey(const database::Contribution& device);
 

@@ -7,7 +7,6 @@
 #include "database/additions.h"
 #include "database/store.h"
 #include "database_file.h"
-#include "inventory/clean_text.h"
 #include "options.h"
 
 #include <QCoreApplication>
@@ -25,7 +24,7 @@ class Merger {
     void Take(const JudgedLine& line) {
         const bool wanted =
             line.Judgement == Verdict::Good || (line.Judgement == Verdict::Suspicious && suspiciousToo_);
-        const QString clean = Cleaned(line.Device);
+        const QString clean = StoredLine(line.Device);
         if (!wanted) {
             ++leftOut_;
             Report("-", line, line.Reason);
@@ -51,12 +50,6 @@ class Merger {
     }
 
   private:
-    // As an addition stores it.
-    static QString Cleaned(const database::Contribution& device) {
-        return database::ContributionLine(device.HardwareId, inventory::CleanText(device.Name),
-                                          inventory::CleanText(device.Manufacturer));
-    }
-
     static bool Add(const QString& clean) {
         database::AddDeviceToDatabase(clean);
         return database::IsDeviceInDatabase(clean);
