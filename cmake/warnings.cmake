@@ -2,7 +2,7 @@
 add_library(quorvane_options INTERFACE)
 target_compile_options(quorvane_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror
-  -fstack-protector-strong -Wno-restrict)
+  -fstack-protector-strong $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 target_compile_definitions(quorvane_options INTERFACE
   QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
   QUORVANE_VERSION="${PROJECT_VERSION}")

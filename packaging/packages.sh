@@ -9,6 +9,9 @@ package_packages=(dpkg-dev gzip)
 test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3)
 bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
 
+# For the sanitizer build with the fuzzers.
+fuzz_packages=(clang lld llvm libclang-rt-14-dev)
+
 # install_packages NAME...: returns 1 with a message where something is missing and cannot be installed.
 install_packages() {
   local missing=() name

@@ -103,16 +103,12 @@ void FrmImprove::Load() {
     appearance::MakeWindowColorKeyed(this, TitelBar1->BackColor());
 }
 
-// A line of blanks is a keyword like any other; an empty one is none.
 void FrmImprove::ReadKeywords() {
     QFile file(base::NativePath(KeywordPath()));
     if (!file.open(QIODevice::ReadOnly))
         return;
-    QString text = base::FromAnsi(file.readAll());
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
-    for (const QString& line : base::Split(text, QStringLiteral("\n")))
-        if (!line.isEmpty())
-            List1->AddItem(line);
+    for (const QString& keyword : KeywordsOf(file.readAll()))
+        List1->AddItem(keyword);
 }
 
 // False if the button was clicked a second time before it could be disabled: that click has done the work.

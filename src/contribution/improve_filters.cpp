@@ -61,6 +61,14 @@ bool IsPlainText(const QString& text) {
     return rest.isEmpty();
 }
 
+QStringList KeywordsOf(const QByteArray& file) {
+    QString text = base::FromAnsi(file);
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    QStringList keywords = base::Split(text, QStringLiteral("\n"));
+    keywords.removeAll(QString());
+    return keywords;
+}
+
 bool ListHasKeyword(const QString& text, const suite::ListBox& keywords) {
     const QString lowered = base::LowerCase(text);
     for (int i = 0; i < keywords.ListCount(); ++i) {

@@ -163,7 +163,8 @@ void pcDibSection::ModifyHLS(double hue, double lightness, double saturation) {
 }
 
 void pcDibSection::RandomiseBits(bool gray) {
-    QRandomGenerator random{quint32(QDateTime::currentMSecsSinceEpoch())};
+    const auto seed = static_cast<quint32>(QDateTime::currentMSecsSinceEpoch());
+    QRandomGenerator random(seed);
     for (qsizetype i = 0; i < PixelCount(); ++i) {
         quint8* pixel = DIBSectionBitsPtr() + i * 4;
         double factor = random.generateDouble();

@@ -122,7 +122,7 @@ std::vector<JudgedLine> ReadContributions(const QString& path, QString& error) {
         error = QStringLiteral("%1: %2").arg(path, file.errorString());
         return {};
     }
-    const QByteArray bytes = file.read(largestFile + 1);
+    const QByteArray bytes = file.read(qMin(file.size(), largestFile) + 1);
     if (file.error() != QFileDevice::NoError) {
         error = QStringLiteral("%1: %2").arg(path, file.errorString());
     } else if (bytes.size() > largestFile || bytes.contains('\0')) {

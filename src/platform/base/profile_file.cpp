@@ -26,7 +26,7 @@ std::optional<ProfileText> Load(const QString& path) {
     QFile file(NativePath(path));
     if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
         return std::nullopt;
-    const QByteArray bytes = file.read(largestFile + 1);
+    const QByteArray bytes = file.read(qMin(file.size(), largestFile) + 1);
     if (bytes.size() > largestFile)
         return std::nullopt;
     if (!bytes.startsWith(unicodeMark))

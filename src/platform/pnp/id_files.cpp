@@ -16,7 +16,8 @@ QByteArray ReadWhole(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.isSequential())
         return {};
-    QByteArray text = file.read(LargestFile + 1);
+    // No more is asked for than there is, since room is made for as much.
+    QByteArray text = file.read(qMin(file.size(), LargestFile) + 1);
     return text.size() <= LargestFile ? text : QByteArray();
 }
 
