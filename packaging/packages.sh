@@ -6,7 +6,9 @@ run_packages=(p7zip-full)
 display_packages=(xvfb openbox xdotool x11-apps imagemagick)
 # To build the Debian package.
 package_packages=(dpkg-dev gzip)
-test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3)
+# To test it.
+package_test_packages=(lintian desktop-file-utils appstream debootstrap)
+test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 mdbtools)
 bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
 
 # For the sanitizer build with the fuzzers.

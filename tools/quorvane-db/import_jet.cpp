@@ -9,12 +9,18 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
+#include <optional>
 
 namespace tool {
 
 namespace {
 
 constexpr int exportTimeout = 600000; // milliseconds for one table
+
+struct MdbTools {
+    QString Export;
+    QString Count;
+};
 
 struct JetTable {
     std::vector<QStringList> Rows; // without the row of names
@@ -29,22 +35,41 @@ struct JetTable {
     QStringList Names;
 };
 
-// Empty, or what failed.
-QString ReadTable(const QString& program, const QString& path, const QString& name, const QStringList& columns,
-                  JetTable& table) {
+// What one of mdbtools' programs prints about a table; nothing where it fails.
+std::optional<QByteArray> Ask(const QString& program, const QString& path, const QString& table) {
     QProcess process;
     process.setProcessChannelMode(QProcess::SeparateChannels);
     process.setStandardInputFile(QProcess::nullDevice());
-    process.start(program, {QFileInfo(path).absoluteFilePath(), name});
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"MDBICONV", "MDBOPTS", "MDB_JET3_CHARSET"}) {
+        environment.remove(QLatin1String(name));
+    }
+    process.setProcessEnvironment(environment);
+    process.start(program, {QFileInfo(path).absoluteFilePath(), table});
     if (!process.waitForFinished(exportTimeout)) {
         process.kill();
         process.waitForFinished();
-        return QStringLiteral("mdb-export: %1").arg(process.errorString());
+        return std::nullopt;
     }
+    const bool done = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    return done ? std::optional(process.readAllStandardOutput()) : std::nullopt;
+}
+
+// Empty, or what failed.
+QString ReadTable(const MdbTools& tools, const QString& path, const QString& name, const QStringList& columns,
+                  JetTable& table) {
+    const std::optional<QByteArray> text = Ask(tools.Export, path, name);
     std::vector<QStringList> rows;
-    const bool whole = ParseCsv(process.readAllStandardOutput(), rows);
-    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0 || rows.empty() || !whole) {
+    if (!text || !ParseCsv(*text, rows) || rows.empty()) {
         return QStringLiteral("%1: no Jet database with a table %2").arg(path, name);
+    }
+    // Of a damaged file the export gives what can be read, and calls that a success.
+    const std::optional<QByteArray> count = Ask(tools.Count, path, name);
+    if (!count || count->trimmed().toULongLong() != rows.size() - 1) {
+        return QStringLiteral("%1: damaged, only %2 of the %3 rows of table %4 can be read")
+            .arg(path)
+            .arg(rows.size() - 1)
+            .arg(QString::fromLatin1(count.value_or(QByteArray()).trimmed()), name);
     }
     table.Names = rows.front();
     table.Rows.assign(rows.begin() + 1, rows.end());
@@ -74,8 +99,9 @@ struct JetFile {
 };
 
 QString ReadJetFile(const QString& path, JetFile& file) {
-    const QString program = QStandardPaths::findExecutable(QStringLiteral("mdb-export"));
-    if (program.isEmpty()) {
+    const MdbTools tools{QStandardPaths::findExecutable(QStringLiteral("mdb-export")),
+                         QStandardPaths::findExecutable(QStringLiteral("mdb-count"))};
+    if (tools.Export.isEmpty() || tools.Count.isEmpty()) {
         return QStringLiteral("mdb-export is not installed (package mdbtools)");
     }
     const struct {
@@ -89,7 +115,7 @@ QString ReadJetFile(const QString& path, JetFile& file) {
         {"version", {QStringLiteral("dbversion")}, file.Version},
     };
     for (const auto& [name, columns, table] : tables) {
-        const QString error = ReadTable(program, path, QLatin1String(name), columns, table);
+        const QString error = ReadTable(tools, path, QLatin1String(name), columns, table);
         if (!error.isEmpty()) {
             return error;
         }
