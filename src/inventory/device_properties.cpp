@@ -44,7 +44,7 @@ std::shared_ptr<RegistryRoutines> Fresh(std::shared_ptr<RegistryRoutines>& slot,
 std::shared_ptr<RegistryRoutines> Fresh(const QString& subkey) { return Fresh(Shared().first, subkey); }
 
 QString ReadText(const RegistryRoutines& registry, const QString& name, bool expand = false) {
-    const QString text = registry.GetRegistryValue(name, QString(), nullptr, expand).toString();
+    QString text = registry.GetRegistryValue(name, QString(), nullptr, expand).toString();
     base::Yield();
     return text;
 }

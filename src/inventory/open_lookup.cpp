@@ -18,7 +18,7 @@ constexpr int hardwareIdsColumn = 5;
 
 void OpenLookup(const suite::ListItem& device) {
     // The row may go while the window loads, so its texts are taken first.
-    const QString name = device.Text();
+    const QString name = device.Text(); // NOLINT(performance-unnecessary-copy-initialization)
     QString ids = device.SubItems(hardwareIdsColumn).value_or(QString());
     forms::Form* lookup = forms::Forms::Instance().New(QStringLiteral("FrmLookup"));
     if (lookup == nullptr)

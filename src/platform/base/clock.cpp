@@ -37,7 +37,8 @@ float SecondsSinceMidnight() {
     std::timespec now{};
     std::timespec_get(&now, TIME_UTC);
     const std::time_t second = (now.tv_sec + LocalOffset(now.tv_sec)) % secondsInDay;
-    return float(double(second) + double(now.tv_nsec / 1'000'000) / 1000.0);
+    const long wholeMilliseconds = now.tv_nsec / 1'000'000;
+    return float(double(second) + double(wholeMilliseconds) / 1000.0);
 }
 
 void SetClock(std::function<QDateTime()> clock) { Clock() = std::move(clock); }

@@ -80,7 +80,7 @@ QString OwnFolder() {
 QString FindProgramFolder() {
     if (IsCopiedFolder())
         return ProgramsFolder();
-    const QString own = OwnFolder();
+    QString own = OwnFolder();
     if (!QFileInfo::exists(own))
         MakeOwnFolder(own);
     return own;

@@ -166,7 +166,7 @@ void Surface::DrawPicture(const Picture& picture, int x, int y) {
 void Surface::DrawPicture(const Picture& picture, int x, int y, int width, int height) {
     if (picture.IsEmpty() || !IsDrawable() || width <= 0 || height <= 0 || !IsSaneCopy({x, y, width, height}))
         return;
-    const QImage image = picture.Image();
+    const QImage& image = picture.Image();
     const bool stretched = QSize(width, height) != image.size();
     Detach();
     ForEachClipped(QRect(x, y, width, height), [&](const QRect& part) {
