@@ -105,6 +105,7 @@ constexpr char jetExport[] = "#!/bin/sh\n"
                              "mfgs) printf 'ID,mfg\\n3,\"Maker\"\\n';;\n"
                              "version) printf 'dbversion\\n\"3.2.1\"\\n';;\n"
                              "esac\n";
+constexpr char jetCount[] = "#!/bin/sh\necho 1\n"; // of each table
 
 Role RoleOf(const QString& word) {
     const auto* found = std::find_if(std::begin(roles), std::end(roles),
@@ -130,7 +131,9 @@ class FaultsTest : public testing::Test {
         ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("sys/devices")));
         ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("bin")));
         Write("bin/mdb-export", jetExport);
-        QFile::setPermissions(Path("bin/mdb-export"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        Write("bin/mdb-count", jetCount);
+        for (const char* program : {"bin/mdb-export", "bin/mdb-count"})
+            QFile::setPermissions(Path(program), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         ASSERT_EQ(Run("quorvane-db build --output hwids.mdb --pci-ids pci.ids --usb-ids pci.ids").Status, 0);
         ASSERT_EQ(Run("sqlite3 other.db 'create table hwids (hwid, info)'").Status, 0);
         ASSERT_EQ(Run("head -c 5000 hwids.mdb >cut.mdb").Status, 0);
