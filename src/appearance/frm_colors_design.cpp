@@ -9,6 +9,7 @@
 #include "draw/picture.h"
 #include "forms/label.h"
 #include "forms/picture_box.h"
+#include "forms/screen.h"
 #include "suite/alpha_image.h"
 #include "suite/check_box.h"
 #include "suite/color_picker.h"
@@ -58,9 +59,12 @@ constexpr GroupDesign groups[] = {
 };
 // clang-format on
 
+// Each edge is rounded for itself, so that neighbours that touch in the design touch at every density.
 void Place(forms::Control* control, const QRect& pixels) {
-    control->Move(pixels.x() * twipsPerDesignPixel, pixels.y() * twipsPerDesignPixel,
-                  pixels.width() * twipsPerDesignPixel, pixels.height() * twipsPerDesignPixel);
+    const auto edge = [](int designPixels) { return forms::ToPixels(designPixels * twipsPerDesignPixel); };
+    const QPoint corner(edge(pixels.x()), edge(pixels.y()));
+    const QPoint end(edge(pixels.x() + pixels.width()), edge(pixels.y() + pixels.height()));
+    control->setGeometry(QRect(corner, end - QPoint(1, 1)));
 }
 
 } // namespace
@@ -104,6 +108,8 @@ void FrmColors::CreateBars(suite::GroupBox* group, int top, const QString& kind,
     smooth->SetCaption(QStringLiteral("Use Bar Segments"));
     Place(smooth, {groupMargin, top, width, 18});
     scroll = new suite::HScroll(group, QStringLiteral("HScroll") + kind.first(2) + QStringLiteral("Example"));
+    scroll->SetAccessibleLabel(QStringLiteral("Value Of The Example"));
+    scroll->SetToolTipText(QStringLiteral("Moves the example bar below"));
     scroll->SetMax(100);
     scroll->SetValue(50);
     Place(scroll, {groupMargin, top + 20, width, 14});
@@ -120,6 +126,7 @@ void FrmColors::CreatePresets() {
     auto* const label = new forms::Label(Client(), QStringLiteral("Label1"), QStringLiteral("Color Presets:"));
     Place(label, {8, 274, 92, 20});
     presets_ = new suite::ComboBox(Client(), QStringLiteral("Combo2"));
+    presets_->SetAccessibleLabel(QStringLiteral("Color Presets"));
     Place(presets_, {102, 272, 219, 22});
     save_ = new controls::dcButton(Client(), QStringLiteral("Command2"));
     save_->SetCaption(QStringLiteral("Save Current Colors As Preset"));

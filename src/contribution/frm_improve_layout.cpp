@@ -48,6 +48,7 @@ void FrmImprove::CreateControls() {
     TitelBar1 = window::MakeTitelBar(client, LeastWidth);
     LabelText1 =
         Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 510, 8220, 3960, window::FollowWidth);
+    LabelText1->SetAccessibleLabel(QStringLiteral("How To Improve The Database"));
     LabelText1->SetLocked(true);
     LabelText1->SetText(Explanation());
     ImportantLabel1 = Place(MakeLabel(client, "ImportantLabel1",
@@ -60,7 +61,7 @@ void FrmImprove::CreateControls() {
     ListViewHardware =
         Place(new suite::ListView(client, QStringLiteral("ListViewHardware")), 150, 5340, 8220, 2010, window::Stretch);
     ListViewHardware->SetAccessibleLabel(QStringLiteral("Hardware not in the database"));
-    InfoLabelListTotal = Place(MakeLabel(client, "InfoLabelListTotal", "Total Hardware Not In Database: 0"), 150, 7410,
+    InfoLabelListTotal = Place(MakeLabel(client, "InfoLabelListTotal", "Total Hardware Not In Database: 0"), 150, 7380,
                                8220, 270, window::BottomWide);
     ImportantLabelSubmitStatus =
         Place(MakeLabel(client, "ImportantLabelSubmitStatus", ""), 150, 7650, 8220, 510, window::BottomWide);

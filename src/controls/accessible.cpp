@@ -1,11 +1,14 @@
 #include "controls/accessible.h"
 
 #include "controls/animation_bar.h"
+#include "controls/brindlex_pb.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <algorithm>
+#include <cmath>
 
 namespace controls {
 
@@ -57,14 +60,72 @@ class ButtonAccessible : public QAccessibleWidget {
     dcButton* Button() const { return static_cast<dcButton*>(widget()); }
 };
 
+class BusyAccessible : public QAccessibleWidget {
+  public:
+    explicit BusyAccessible(AnimationBar* bar) : QAccessibleWidget(bar, QAccessible::Animation) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.busy = static_cast<AnimationBar*>(widget())->IsRunning();
+        state.animated = state.busy;
+        return state;
+    }
+};
+
+class PanelAccessible : public QAccessibleWidget {
+  public:
+    explicit PanelAccessible(PanelFx* panel) : QAccessibleWidget(panel, QAccessible::Grouping) {}
+
+    QAccessible::State state() const override {
+        const auto* panel = static_cast<PanelFx*>(widget());
+        QAccessible::State state = QAccessibleWidget::state();
+        state.expandable = panel->CanCollapse();
+        state.expanded = panel->CanCollapse() && !panel->Collapse();
+        state.collapsed = panel->CanCollapse() && panel->Collapse();
+        return state;
+    }
+};
+
+// What is shown is heard: a value outside the range reads as the end that the bar stands at.
+class ProgressAccessible : public QAccessibleWidget, public QAccessibleValueInterface {
+  public:
+    explicit ProgressAccessible(BrindlexPB* bar) : QAccessibleWidget(bar, QAccessible::ProgressBar) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+
+    QString text(QAccessible::Text which) const override {
+        if (which == QAccessible::Value)
+            return QString::number(std::lround(Bar()->Percent())) + u'%';
+        if (which == QAccessible::Name && Bar()->accessibleName().isEmpty())
+            return Bar()->Text();
+        return QAccessibleWidget::text(which);
+    }
+
+    QVariant currentValue() const override { return std::max(Bar()->Min(), std::min(Bar()->Value(), Bar()->Max())); }
+    QVariant minimumValue() const override { return Bar()->Min(); }
+    QVariant maximumValue() const override { return Bar()->Max(); }
+    QVariant minimumStepSize() const override { return {}; }
+    // Progress is the program's to tell.
+    void setCurrentValue(const QVariant&) override {}
+
+  private:
+    BrindlexPB* Bar() const { return static_cast<BrindlexPB*>(widget()); }
+};
+
 QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
     Q_UNUSED(className)
     if (auto* button = qobject_cast<dcButton*>(object))
         return new ButtonAccessible(button);
     if (auto* bar = qobject_cast<AnimationBar*>(object))
-        return new QAccessibleWidget(bar, QAccessible::Animation);
+        return new BusyAccessible(bar);
     if (auto* panel = qobject_cast<PanelFx*>(object))
-        return new QAccessibleWidget(panel, QAccessible::Grouping);
+        return new PanelAccessible(panel);
+    if (auto* bar = qobject_cast<BrindlexPB*>(object))
+        return new ProgressAccessible(bar);
     return nullptr;
 }
 
@@ -91,6 +152,26 @@ QString AccessibleText(const QString& caption) {
 
 void AccessibleNameChanged(QWidget* control) {
     QAccessibleEvent event(control, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
+}
+
+void AccessibleValueChanged(QWidget* control, int value) {
+    QAccessibleValueChangeEvent event(control, value);
+    QAccessible::updateAccessibility(&event);
+}
+
+void AccessibleBusyChanged(QWidget* control) {
+    QAccessible::State changed;
+    changed.busy = true;
+    QAccessibleStateChangeEvent event(control, changed);
+    QAccessible::updateAccessibility(&event);
+}
+
+void AccessibleExpandChanged(QWidget* control) {
+    QAccessible::State changed;
+    changed.expanded = true;
+    changed.collapsed = true;
+    QAccessibleStateChangeEvent event(control, changed);
     QAccessible::updateAccessibility(&event);
 }
 

@@ -15,6 +15,12 @@ void InstallAccessibility();
 QString AccessibleText(const QString& caption);
 
 void AccessibleNameChanged(QWidget* control);
+// A progress bar moved.
+void AccessibleValueChanged(QWidget* control, int value);
+// A bar that shows work started or stopped.
+void AccessibleBusyChanged(QWidget* control);
+// A panel collapsed to its title or came back.
+void AccessibleExpandChanged(QWidget* control);
 // A check button was checked or unchecked.
 void AccessibleCheckChanged(QWidget* control);
 

@@ -37,6 +37,7 @@ AnimationBar::AnimationBar(QWidget* container, const QString& name)
     AllowColoursAsText();
     InstallAccessibility();
     setFocusPolicy(Qt::NoFocus);
+    setAccessibleName(QStringLiteral("Working"));
     connect(&timer_, &forms::Timer::Tick, this, &AnimationBar::Tick);
 }
 
@@ -53,7 +54,12 @@ void AnimationBar::Reset() {
     MarkDirty();
 }
 
-void AnimationBar::EndDisplay() { Reset(); }
+void AnimationBar::EndDisplay() {
+    const bool wasRunning = IsRunning();
+    Reset();
+    if (wasRunning)
+        AccessibleBusyChanged(this);
+}
 
 void AnimationBar::BeginDisplay() {
     Reset();
@@ -70,6 +76,7 @@ void AnimationBar::BeginDisplay() {
         return;
     timer_.SetInterval(timing_);
     timer_.SetEnabled(true);
+    AccessibleBusyChanged(this);
 }
 
 void AnimationBar::FillInDefaults() {

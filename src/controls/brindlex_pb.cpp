@@ -1,5 +1,6 @@
 #include "controls/brindlex_pb.h"
 
+#include "controls/accessible.h"
 #include "controls/dib_section.h"
 #include "draw/system_colours.h"
 #include "forms/form.h"
@@ -8,6 +9,7 @@
 
 #include <QApplication>
 #include <algorithm>
+#include <cmath>
 
 namespace controls {
 namespace {
@@ -42,6 +44,15 @@ double DpiScaleOf(double dotsPerInch) {
 BrindlexPB::BrindlexPB(QWidget* container, const QString& name)
     : DrawnControl(container, name), dpiScale_(DpiScaleOf(forms::DotsPerInch())) {
     setFocusPolicy(Qt::NoFocus);
+    InstallAccessibility();
+}
+
+void BrindlexPB::SetValue(int value) {
+    const double before = Percent();
+    Store("Value", values_.value, value);
+    // A download moves the bar hundreds of times a second; who listens is told of whole steps.
+    if (std::lround(before) != std::lround(Percent()))
+        AccessibleValueChanged(this, value);
 }
 
 template <typename Visitor> void BrindlexPB::ForEachValue(Visitor visit) {

@@ -79,7 +79,7 @@ class BrindlexPB : public forms::DrawnControl {
     int Max() const { return values_.max; }
     void SetMax(int value) { Store("Max", values_.max, value); }
     int Value() const { return values_.value; }
-    void SetValue(int value) { Store("Value", values_.value, value); }
+    void SetValue(int value);
     bool ShowText() const { return values_.showText; }
     void SetShowText(bool show) { Store("ShowText", values_.showText, show); }
     // 0 left or top, 1 centre, 2 right or bottom.

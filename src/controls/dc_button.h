@@ -157,7 +157,7 @@ class dcButton : public forms::DrawnControl {
     void About();
 
     // The access key was pressed, or Return (13) or Escape (27) for a default or cancel button.
-    void AccessKeyPress(int key);
+    void AccessKeyPress(int key) override;
 
     // What the next paint shows, for tests: 0 normal, 1 hot, 2 down, 3 disabled.
     int CurrentState() const { return currentState_; }

@@ -102,6 +102,7 @@ void PanelFx::SetCollapse(bool collapse) {
     collapse_ = collapse;
     if (!values_.canCollapse)
         return;
+    AccessibleExpandChanged(this);
     const double titleHeight = values_.tileHeight * forms::TwipsPerPixel();
     if (collapse) {
         if (Height() == titleHeight)

@@ -51,19 +51,21 @@ void FrmLookup::CreateControls() {
         Place(MakeLabel(client, "ImportantLabelName", "Device:"), 150, 570, 8220, 285, window::FollowWidth);
     LabelHardwareID =
         Place(MakeLabel(client, "LabelHardwareID", "Hardware IDs:"), 150, 870, 8220, 270, window::FollowWidth);
-    TextID = Place(new forms::TextBox(client, QStringLiteral("TextID")), 150, 1125, 8220, 1170, window::FollowWidth);
+    TextID = Place(new forms::TextBox(client, QStringLiteral("TextID")), 150, 1140, 8220, 1155, window::FollowWidth);
+    TextID->SetAccessibleLabel(QStringLiteral("Hardware IDs"));
     CommandSearchGoogleID =
         Place(window::MakeButton(client, "CommandSearchGoogleID", "Search Google For Drivers (By These Hardware IDs)"),
               150, 2370, 5400, 420);
     LabelPossible =
         Place(MakeLabel(client, "LabelPossible", "Possible Matches:"), 150, 2850, 8220, 270, window::FollowWidth);
-    LabelListViewHardware = Place(new suite::ListView(client, QStringLiteral("LabelListViewHardware")), 150, 3105, 8220,
-                                  1485, window::Stretch);
+    LabelListViewHardware = Place(new suite::ListView(client, QStringLiteral("LabelListViewHardware")), 150, 3120, 8220,
+                                  1470, window::Stretch);
     LabelListViewHardware->SetAccessibleLabel(QStringLiteral("Possible Matches"));
     ImportantPictureBestMacthColor =
         Place(new forms::PictureBox(client, QStringLiteral("ImportantPictureBestMacthColor")), 150, 4695, 210, 210,
               window::BottomLeft);
     ImportantPictureBestMacthColor->SetBackColor(base::Colour(0x00FFFF00));
+    ImportantPictureBestMacthColor->setAccessibleName(QStringLiteral("Color Of The Best Possible Match"));
     ImportantLabel2 =
         Place(MakeLabel(client, "ImportantLabel2", "- Best Possible Match"), 420, 4665, 3000, 270, window::BottomLeft);
     InfoLabel1 = Place(MakeLabel(client, "InfoLabel1", "*Right Click On List For More Options"), 3600, 4665, 4770, 270,

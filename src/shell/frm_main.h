@@ -108,6 +108,7 @@ class FrmMain : public forms::Form {
 
   private:
     void CreateControls();
+    void NameLogos();
     void CreateTabs();
     void Connect();
     void ConnectList(suite::ListView* list);

@@ -15,6 +15,7 @@
 #include "suite/alpha_image.h"
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
+#include "values/addresses.h"
 #include "window/design.h"
 #include "window/placement.h"
 
@@ -53,6 +54,7 @@ void FrmMain::CreateControls() {
         ImageLogo[size_t(i)] =
             Place(new suite::AlphaImgCtl(LogoPictureBox, QStringLiteral("ImageLogo")), 60 + 570 * i, 15, 540, 480);
     }
+    NameLogos();
 
     CreateTabs();
 
@@ -86,6 +88,22 @@ void FrmMain::CreateControls() {
     TimerCountDatabase = new forms::Timer(this, QStringLiteral("TimerCountDatabase"), 100, false);
     Inet2 = new net::Inet(this);
     Inet2->setObjectName(QStringLiteral("Inet2"));
+}
+
+// The three logos look alike: the names and the addresses tell them apart.
+void FrmMain::NameLogos() {
+    const values::Addresses& addresses = values::ServerAddresses();
+    const std::array<std::pair<QString, QString>, logoCount> pages = {{
+        {QStringLiteral("Brindlex Web Site"), addresses.WebSite},
+        {QStringLiteral("Brindlex Social Page 1"), addresses.SocialPage1},
+        {QStringLiteral("Brindlex Social Page 2"), addresses.SocialPage2},
+    }};
+    LogoPictureBox->setAccessibleName(QStringLiteral("Brindlex Pages"));
+    for (size_t i = 0; i < pages.size(); ++i) {
+        ImageLogo[i]->SetClickable(true);
+        ImageLogo[i]->setAccessibleName(pages[i].first);
+        ImageLogo[i]->SetToolTipText(pages[i].first + QStringLiteral("\n") + pages[i].second);
+    }
 }
 
 void FrmMain::CreateTabs() {

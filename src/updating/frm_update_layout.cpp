@@ -98,6 +98,7 @@ void FrmUpdate::CreateDownloadPanel() {
     lblTime = Label(PanelDownloading, "lblTime", "Time Remaining - ", {10, 93, 270, 16});
     CommandCancel = Button(PanelDownloading, "CommandCancel", "Cancel", {290, 93, 100, 22});
     PB1 = Place(new controls::BrindlexPB(PanelDownloading, QStringLiteral("PB1")), {10, 119, 380, 20});
+    PB1->setAccessibleName(QStringLiteral("Download"));
     ImportantLabelUnzip =
         Label(PanelDownloading, "ImportantLabelUnzip", "Decompressing Database...", {10, 144, 380, 16});
     ImportantLabelUnzip->SetVisible(false);

@@ -96,14 +96,40 @@ void Control::SetVisible(bool visible) {
     if (visible_ == visible)
         return;
     visible_ = visible;
+    if (!visible)
+        PutFocusAside();
     QWidget::setVisible(visible);
+    TakeFocusBack();
 }
 
 void Control::SetEnabled(bool enabled) {
     if (enabled_ == enabled)
         return;
     enabled_ = enabled;
+    if (!enabled)
+        PutFocusAside();
     QWidget::setEnabled(enabled);
+    TakeFocusBack();
+}
+
+// The toolkit would hand the keyboard to the next control, where the user's next key does what nobody asked for. While
+// a control is off for the time of some work, the window itself has the keyboard, and the control gets it back.
+void Control::PutFocusAside() {
+    Form* form = ParentForm();
+    QWidget* focus = form == nullptr ? nullptr : form->focusWidget();
+    if (focus == nullptr || (focus != this && !isAncestorOf(focus)))
+        return;
+    focusAside_ = focus;
+    form->Client()->setFocus(Qt::OtherFocusReason);
+}
+
+void Control::TakeFocusBack() {
+    Form* form = ParentForm();
+    if (form == nullptr || focusAside_.isNull() || !focusAside_->isEnabled() || !focusAside_->isVisibleTo(form))
+        return;
+    if (form->focusWidget() == form->Client())
+        focusAside_->setFocus(Qt::OtherFocusReason);
+    focusAside_.clear();
 }
 
 void Control::Refresh() { update(); }

@@ -3,6 +3,7 @@
 // and buttons are reported with the platform's codes.
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 namespace forms {
@@ -59,10 +60,12 @@ class Control : public QWidget {
     virtual void Refresh();
     // Gives the control the keyboard.
     void SetFocus();
+    // The form's word that the keyboard speaks for the control: Return (13) was pressed while it had the focus.
+    virtual void AccessKeyPress(int key){Q_UNUSED(key)}
 
-  Q_SIGNALS:
-    // Positions in the mouse events are pixels from the control's top left corner.
-    void Click();
+    Q_SIGNALS :
+        // Positions in the mouse events are pixels from the control's top left corner.
+        void Click();
     void DblClick();
     void MouseDown(int button, int shift, double x, double y);
     void MouseMove(int button, int shift, double x, double y);
@@ -84,7 +87,11 @@ class Control : public QWidget {
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
+    void PutFocusAside();
+    void TakeFocusBack();
+
     QString tag_;
+    QPointer<QWidget> focusAside_; // who had the keyboard in here when the control was hidden or disabled
     bool visible_ = true;
     bool enabled_ = true;
 };

@@ -2,6 +2,7 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QUrl>
 
@@ -18,6 +19,10 @@ std::function<void(const QString&)>& ClipboardRecorder() {
     static std::function<void(const QString&)> recorder;
     return recorder;
 }
+
+constexpr const char* busVariable = "DBUS_SESSION_BUS_ADDRESS";
+// A kind of address that there is not: every connection to the bus fails at once.
+constexpr const char* noBus = "disabled:";
 
 bool IsOpenable(const QString& address) {
     const QString scheme = QUrl(address.section(u'?', 0, 0)).scheme();
@@ -50,8 +55,22 @@ void ShellExecuteA(const Form* owner, const QString& address) {
         BrowserRecorder()(address);
         return;
     }
-    if (IsOpenable(address))
-        QDesktopServices::openUrl(QUrl::fromEncoded(EncodedAddress(address), QUrl::StrictMode));
+    if (!IsOpenable(address))
+        return;
+    // The browser gets the environment that we got.
+    const bool ours = qgetenv(busVariable) == noBus;
+    if (ours)
+        qunsetenv(busVariable);
+    QDesktopServices::openUrl(QUrl::fromEncoded(EncodedAddress(address), QUrl::StrictMode));
+    if (ours)
+        qputenv(busVariable, noBus);
+}
+
+void StartNoSessionBus() {
+    const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const bool userBus = !runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus"));
+    if (qEnvironmentVariableIsEmpty(busVariable) && !userBus)
+        qputenv(busVariable, noBus);
 }
 
 void ClearClipboard() {

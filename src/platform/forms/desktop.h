@@ -13,6 +13,10 @@ class Form;
 // mailto, or without a browser.
 void ShellExecuteA(const Form* owner, const QString& address);
 
+// Before the application object is made. Where there is no session bus the toolkit would have one started, a process
+// that stays behind when the program ends; afterwards it does without. Programs that ShellExecuteA starts are not told.
+void StartNoSessionBus();
+
 // The encoded form in which an address is handed over: blanks, backslashes, quotes and characters beyond ASCII as
 // percent escapes, everything that was escaped already untouched.
 QByteArray EncodedAddress(const QString& address);

@@ -3,6 +3,7 @@
 #include "draw/system_colours.h"
 #include "forms/colour_key.h"
 #include "forms/compositor.h"
+#include "forms/control.h"
 #include "forms/form_drag.h"
 #include "forms/forms.h"
 #include "forms/screen.h"
@@ -10,6 +11,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
 
@@ -18,6 +20,7 @@ namespace forms {
 namespace {
 
 constexpr int updateIntervalMilliseconds = 16;
+constexpr int returnKey = 13;
 
 } // namespace
 
@@ -291,6 +294,16 @@ void Form::paintEvent(QPaintEvent* event) {
         return;
     QPainter painter(this);
     shadow_->Paint(painter);
+}
+
+// Return means the button that has the focus.
+void Form::keyPressEvent(QKeyEvent* event) {
+    auto* control = qobject_cast<Control*>(focusWidget());
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && control != nullptr && !event->isAutoRepeat())
+        control->AccessKeyPress(returnKey);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void Form::AddControl(QObject* control) { controls_.append(control); }

@@ -1,6 +1,7 @@
 #include "forms/label.h"
 
 #include "draw/system_colours.h"
+#include "forms/accessible.h"
 
 #include <QHelpEvent>
 #include <QPainter>
@@ -27,6 +28,7 @@ void DrawGrip(QPainter& painter, const QRect& area, const QColor& colour) {
 } // namespace
 
 Label::Label(QWidget* container, const QString& name, const QString& caption) : Control(container, name) {
+    InstallAccessibility();
     setFocusPolicy(Qt::NoFocus);
     SetCaption(caption);
 }
@@ -65,6 +67,8 @@ void Label::SetWordWrap(bool wrap) {
 
 void Label::SetGrip(bool grip) {
     grip_ = grip;
+    // The mark is a letter of a font of symbols, which nobody should hear.
+    setAccessibleName(grip ? QStringLiteral("Size Grip") : ShownText());
     setCursor(grip ? Qt::SizeFDiagCursor : Qt::ArrowCursor);
     update();
 }

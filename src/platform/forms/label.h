@@ -29,6 +29,7 @@ class Label : public Control {
     // Breaks the text at blanks instead of eliding it.
     void SetWordWrap(bool wrap);
     // Shows the grip mark of a window's corner instead of the caption.
+    bool Grip() const { return grip_; }
     void SetGrip(bool grip);
 
   protected:

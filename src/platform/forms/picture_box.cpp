@@ -1,6 +1,7 @@
 #include "forms/picture_box.h"
 
 #include "draw/system_colours.h"
+#include "forms/accessible.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -8,6 +9,7 @@
 namespace forms {
 
 PictureBox::PictureBox(QWidget* container, const QString& name) : Control(container, name) {
+    InstallAccessibility();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::NoFocus);
 }

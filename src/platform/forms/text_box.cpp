@@ -1,22 +1,63 @@
 #include "forms/text_box.h"
 
 #include "draw/system_colours.h"
+#include "forms/screen.h"
 
+#include <QPainter>
 #include <QPlainTextEdit>
 
 namespace forms {
 
 namespace {
 
+constexpr double standardDotsPerInch = 96;
+
 QColor Resolved(base::Colour colour) {
     const base::Colour plain = draw::OleTranslateColor(colour);
     return {plain.Red(), plain.Green(), plain.Blue()};
 }
 
+// Shows that it has the keyboard also where no caret does: in a locked box.
+class FocusEdit : public QPlainTextEdit {
+  public:
+    using QPlainTextEdit::QPlainTextEdit;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPlainTextEdit::paintEvent(event);
+        if (!hasFocus() || !isActiveWindow())
+            return;
+        QPainter painter(viewport());
+        const QRect area = viewport()->rect();
+        const QColor ink = palette().color(QPalette::Text);
+        const int line = qMax(1, qRound(DotsPerInch() / standardDotsPerInch));
+        painter.fillRect(QRect(area.left(), area.top(), area.width(), line), ink);
+        painter.fillRect(QRect(area.left(), area.bottom() + 1 - line, area.width(), line), ink);
+        painter.fillRect(QRect(area.left(), area.top(), line, area.height()), ink);
+        painter.fillRect(QRect(area.right() + 1 - line, area.top(), line, area.height()), ink);
+    }
+
+    void focusInEvent(QFocusEvent* event) override {
+        QPlainTextEdit::focusInEvent(event);
+        viewport()->update();
+    }
+
+    void focusOutEvent(QFocusEvent* event) override {
+        QPlainTextEdit::focusOutEvent(event);
+        viewport()->update();
+    }
+
+    // Scrolling moves the painted pixels, the frame's among them.
+    void scrollContentsBy(int dx, int dy) override {
+        QPlainTextEdit::scrollContentsBy(dx, dy);
+        if (hasFocus())
+            viewport()->update();
+    }
+};
+
 } // namespace
 
-TextBox::TextBox(QWidget* container, const QString& name)
-    : Control(container, name), editor_(new QPlainTextEdit(this)) {
+TextBox::TextBox(QWidget* container, const QString& name) : Control(container, name), editor_(new FocusEdit(this)) {
     editor_->setFrameShape(QFrame::NoFrame);
     editor_->setTabChangesFocus(true);
     setFocusProxy(editor_);
@@ -52,6 +93,11 @@ void TextBox::SetBackColor(base::Colour colour) {
 void TextBox::SetForeColor(base::Colour colour) {
     foreColor_ = colour;
     ApplyColours();
+}
+
+void TextBox::SetAccessibleLabel(const QString& label) {
+    setAccessibleName(label);
+    editor_->setAccessibleName(label);
 }
 
 void TextBox::ApplyColours() {

@@ -28,6 +28,8 @@ class TextBox : public Control {
     void SetBackColor(base::Colour colour);
     base::Colour ForeColor() const { return foreColor_; }
     void SetForeColor(base::Colour colour);
+    // What screen readers call the box.
+    void SetAccessibleLabel(const QString& label);
     QPlainTextEdit* Editor() const { return editor_; }
 
   Q_SIGNALS:

@@ -1,5 +1,6 @@
 #include "suite/alpha_image.h"
 
+#include "forms/late_bound.h"
 #include "suite/accessible_controls.h"
 #include "suite/paint_tools.h"
 
@@ -8,6 +9,18 @@
 #include <QPointer>
 
 namespace suite {
+
+namespace {
+
+// What lies behind a picture.
+QColor Ground(const QWidget& picture) {
+    const QVariant back =
+        picture.parentWidget() == nullptr ? QVariant() : forms::GetProperty(picture.parentWidget(), "BackColor");
+    return back.canConvert<base::Colour>() ? ToQColor(back.value<base::Colour>())
+                                           : picture.palette().color(QPalette::Window);
+}
+
+} // namespace
 
 AlphaImgCtl::AlphaImgCtl(QWidget* container, const QString& name) : Control(container, name) {
     InstallAccessibleControls();
@@ -65,7 +78,7 @@ void AlphaImgCtl::paintEvent(QPaintEvent*) {
         painter.setOpacity(1);
     }
     if (hasFocus())
-        DrawFocusRing(painter, rect(), palette().color(QPalette::Highlight));
+        DrawFocusRing(painter, rect(), ReadableOn(Ground(*this), palette().color(QPalette::Highlight)));
 }
 
 void AlphaImgCtl::keyPressEvent(QKeyEvent* event) {

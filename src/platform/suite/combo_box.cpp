@@ -102,12 +102,4 @@ void ComboBox::SetListIndex(int index) {
     Q_EMIT Click();
 }
 
-void ComboBox::SetEnabled(bool enabled) {
-    if (!enabled && Enabled())
-        hadFocus_ = window()->focusWidget() == box_;
-    HostedControl::SetEnabled(enabled);
-    if (enabled && std::exchange(hadFocus_, false) && isVisible())
-        box_->setFocus(Qt::OtherFocusReason);
-}
-
 } // namespace suite

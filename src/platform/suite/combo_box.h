@@ -33,7 +33,6 @@ class ComboBox : public HostedControl {
     int ListIndex() const;
     void SetListIndex(int index);
 
-    void SetEnabled(bool enabled) override;
     QComboBox* Box() const { return box_; }
 
   protected:
@@ -43,7 +42,6 @@ class ComboBox : public HostedControl {
 
   private:
     QComboBox* box_;
-    bool hadFocus_ = false;
 };
 
 } // namespace suite

@@ -67,7 +67,13 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= items_.ColumnCount())
+    if (orientation != Qt::Horizontal || section < 0 || section >= items_.ColumnCount())
+        return {};
+    // What the arrow shows to those who see it.
+    if (role == Qt::AccessibleDescriptionRole && items_.Sorted() && items_.SortKey() == section)
+        return items_.SortOrder() == SortOrder::Descending ? QStringLiteral("Sorted descending")
+                                                           : QStringLiteral("Sorted ascending");
+    if (role != Qt::DisplayRole)
         return {};
     return items_.Column(section + 1).Caption;
 }

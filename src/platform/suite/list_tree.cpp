@@ -6,6 +6,7 @@
 #include "suite/paint_tools.h"
 
 #include <QHelpEvent>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -131,6 +132,16 @@ void ListTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option, co
                       selected ? selectedInk : Mix(text, base, 0.3));
 }
 
+// Without rows there is no row to carry the ring, and the list must still show that it has the keyboard.
+void ListTree::paintEvent(QPaintEvent* event) {
+    QTreeView::paintEvent(event);
+    if (currentIndex().isValid() || !hasFocus() || !isActiveWindow())
+        return;
+    QPainter painter(viewport());
+    DrawFocusRing(painter, viewport()->rect(),
+                  Mix(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.3));
+}
+
 void ListTree::mousePressEvent(QMouseEvent* event) {
     const QPointer<ListTree> alive(this);
     const auto button = event->button();
@@ -179,9 +190,27 @@ QPoint ListTree::PopupPlace() const {
     return shown.isValid() ? QPoint(std::max(0, shown.left()) + Scaled(8), shown.bottom()) : QPoint(0, 0);
 }
 
+// Rows are found by their names; the toolkit would search the column that was clicked last.
+void ListTree::keyboardSearch(const QString& typed) {
+    const QModelIndex current = currentIndex();
+    if (current.column() > 0)
+        selectionModel()->setCurrentIndex(current.siblingAtColumn(0), QItemSelectionModel::NoUpdate);
+    QTreeView::keyboardSearch(typed);
+}
+
+// A list that gets the keyboard without a selection has a row with a ring and nothing chosen: the first key chooses it,
+// where the toolkit would go on to the next. True if it did.
+bool ListTree::SelectCurrent() {
+    if (!currentIndex().isValid() || selectionModel()->hasSelection())
+        return false;
+    selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    return true;
+}
+
 void ListTree::keyPressEvent(QKeyEvent* event) {
     const bool shiftF10 = event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier;
     if (event->key() == Qt::Key_Menu || shiftF10) {
+        SelectCurrent();
         if (currentIndex().isValid())
             scrollTo(currentIndex());
         event->accept();
@@ -193,6 +222,9 @@ void ListTree::keyPressEvent(QKeyEvent* event) {
         event->ignore();
         return;
     }
+    const bool step = event->key() == Qt::Key_Down || event->key() == Qt::Key_Up;
+    if (step && SelectCurrent())
+        return;
     QTreeView::keyPressEvent(event);
 }
 

@@ -38,12 +38,14 @@ class ListTree : public QTreeView {
 
   protected:
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paintEvent(QPaintEvent* event) override;
     int sizeHintForColumn(int column) const override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyboardSearch(const QString& typed) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool viewportEvent(QEvent* event) override;
 
@@ -51,6 +53,7 @@ class ListTree : public QTreeView {
     // What is left of a cell for its text.
     QRect TextRect(const QRect& cell, int column) const;
     void DrawIcon(QPainter& painter, const QRect& cell, qint32 id) const;
+    bool SelectCurrent();
     QPoint PopupPlace() const;
     bool ShowCellTip(const QPoint& place, const QPoint& globalPlace);
 

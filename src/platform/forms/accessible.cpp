@@ -1,0 +1,43 @@
+#include "forms/accessible.h"
+
+#include "forms/label.h"
+#include "forms/picture_box.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+namespace forms {
+
+namespace {
+
+class AccessibleLabel : public QAccessibleWidget {
+  public:
+    explicit AccessibleLabel(Label* label) : QAccessibleWidget(label, QAccessible::StaticText) {}
+
+    QAccessible::Role role() const override {
+        return static_cast<Label*>(widget())->Grip() ? QAccessible::Grip : QAccessible::StaticText;
+    }
+};
+
+QAccessibleInterface* Make(const QString& className, QObject* object) {
+    Q_UNUSED(className)
+    if (auto* label = qobject_cast<Label*>(object))
+        return new AccessibleLabel(label);
+    // One that holds controls is the ground that they stand on.
+    if (auto* picture = qobject_cast<PictureBox*>(object))
+        return new QAccessibleWidget(picture, picture->findChild<Control*>() == nullptr ? QAccessible::Graphic
+                                                                                        : QAccessible::Grouping);
+    return nullptr;
+}
+
+} // namespace
+
+void InstallAccessibility() {
+    static const bool installed = [] {
+        QAccessible::installFactory(Make);
+        return true;
+    }();
+    Q_UNUSED(installed)
+}
+
+} // namespace forms
