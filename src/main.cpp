@@ -5,6 +5,7 @@
 #include "database/frm_lookup.h"
 #include "database/store.h"
 #include "draw/system_colours.h"
+#include "forms/desktop.h"
 #include "forms/dialogs.h"
 #include "forms/form.h"
 #include "forms/forms.h"
@@ -47,6 +48,7 @@ void RegisterWindows() {
 int main(int argc, char** argv) {
     const bool platformGiven = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
     PrepareEnvironment();
+    forms::StartNoSessionBus();
     // Plugins come from the system alone; a folder of them beside the program must not run.
     QCoreApplication::setLibraryPaths({QLibraryInfo::path(QLibraryInfo::PluginsPath)});
     QApplication application(argc, argv);

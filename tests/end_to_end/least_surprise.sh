@@ -1,0 +1,227 @@
+#!/usr/bin/env bash
+# The real program through all that it does, under strace: it writes nothing outside its own folder, speaks to nobody but
+# its server, says nothing there but what its user asked for, starts nothing that outlives it, and leaves files that carry
+# the user's own mask.
+set -u
+. "$(dirname "$0")/virtual_screen.sh"
+for tool in Xvfb openbox xdotool xclip xwd strace sqlite3; do
+  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
+done
+strace -qq -e trace=none true 2>/dev/null || { echo "SKIPPED: no process may be traced here"; exit 77; }
+start_screen
+make_program_folder
+cp "$QUORVANE_BIN/quorvane-staged" "$program/quorvane"
+cp -r "$QUORVANE_BIN/color_presets" "$QUORVANE_BIN/improve_database_keywords_to_skip.txt" "$program/"
+cd "$program" || exit 1
+# Where it would write by surprise.
+mkdir "$scratch/home" "$scratch/tmp" "$scratch/requests"
+chmod 700 "$scratch/home"
+export HOME=$scratch/home TMPDIR=$scratch/tmp
+
+# Devices whose names are statements, half a quote and a path; the last has no driver.
+cat >"$scratch/machine" <<'END'
+/devices/pci0000:00/0000:00:14.0/usb1/1-1 @ bus/usb
+  idVendor = 1234
+  idProduct = 0001
+  bDeviceClass = 09
+  product = x'); DROP TABLE hwids; --
+  manufacturer = Maker' OR '1'='1
+  driver -> /bus/usb/drivers/usb
+/devices/pci0000:00/0000:00:14.0/usb1/1-2 @ bus/usb
+  idVendor = 1234
+  idProduct = 0002
+  bDeviceClass = 09
+  product = ../../../../tmp/$(id)
+  manufacturer = "Quoted" | Maker
+  driver -> /bus/usb/drivers/usb
+/devices/pci0000:00/0000:00:14.0/usb1/1-3 @ bus/usb
+  idVendor = 1234
+  idProduct = 0003
+  bDeviceClass = 09
+  product = Secret Gadget
+  manufacturer = Nobody
+  serial = 0123456789
+END
+
+# A database that knows nothing, so that there is something to contribute, and a newer one on the server.
+printf 'ffff  Nobody\n\tffff  Nothing\n' >"$scratch/none.ids"
+for version in 1.0.0 2.0.0; do
+  "$QUORVANE_BIN/quorvane-db" build --pci-ids "$scratch/none.ids" --usb-ids "$scratch/none.ids" --version $version \
+    --output "$scratch/$version.mdb" >/dev/null 2>&1 || { echo "no database"; exit 1; }
+done
+cp "$scratch/1.0.0.mdb" hwids.mdb
+files=$scratch/served/files/updates/quorvane
+"$QUORVANE_BIN/quorvane-db" pack --output "$files" --program-version 1.0.0 "$scratch/2.0.0.mdb" >/dev/null 2>&1 ||
+  { echo "no archive"; exit 1; }
+printf '[main]\r\nCheckForUpdates=1\r\n' >settings.ini
+
+mkfifo "$scratch/end_of_server"
+"$QUORVANE_BIN/loopback_server" "$scratch/served" "$scratch/requests" <"$scratch/end_of_server" >"$scratch/port" &
+server=$!
+pids+=($server)
+exec 4>"$scratch/end_of_server"
+wait_for 5 test -s "$scratch/port" || { echo "no server"; exit 1; }
+port=$(cat "$scratch/port")
+export QUORVANE_STAGE_SERVER=http://127.0.0.1:$port QUORVANE_STAGE=$scratch/machine
+
+# A browser that tells what it was given; nobody has a session bus here.
+printf '#!/bin/sh\nprintf "%%s %%s\\n" "$1" "${DBUS_SESSION_BUS_ADDRESS-no bus}" >>"%s/opened"\n' "$scratch" \
+  >"$scratch/path/xdg-open"
+unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER
+# The leak check cannot look into a process that is traced.
+export ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0
+
+# A mask that no file has by chance.
+ls -A . color_presets >"$scratch/files_before"
+umask 027
+strace -f -q -y -s 256 --seccomp-bpf -e trace=%file,%network,%process,ftruncate,fchmod,fchmodat -e signal=none \
+  -o "$scratch/record" ./quorvane 2>"$scratch/errors" &
+tracer=$!
+pids+=($tracer)
+
+wait_for 30 window_named 'Quorvane v' || fail "no main window"
+main=$(window_named 'Quorvane v')
+quorvane=$(pgrep -P $tracer)
+wait_until_still "$main" || fail "the first scan did not end"
+
+# click WINDOW X Y [MORE]: in pixels of the window.
+click() {
+  local id=$1 x=$2 y=$3 X=0 Y=0
+  shift 3
+  eval "$(xdotool getwindowgeometry --shell "$id")"
+  xdotool windowactivate --sync "$id" mousemove $((X + x)) $((Y + y)) click "$@" 1
+}
+# open_by_button X NAME: the main window's button, and the window that it opens.
+open_by_button() {
+  click "$main" "$1" 57
+  wait_for 10 window_named "$2" || fail "no window '$2'"
+  window_named "$2"
+}
+# Pictures for whoever works on this script.
+shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
+
+# A lookup.
+click "$main" 200 140 --repeat 2 --delay 60
+wait_for 10 window_named '^\.\./' || fail "no lookup window"
+wait_until_still "$(window_named '^\.\./')"
+xdotool windowactivate --sync "$(window_named '^\.\./')" key alt+F4
+
+# A preset, a colour of one's own, and a new preset.
+colors=$(open_by_button 509 '^Edit Program Colors$')
+shot colors
+click "$colors" 210 283
+sleep 0.3
+xdotool key Down Return
+sleep 0.5
+shot preset
+click "$colors" 60 70
+sleep 0.7
+shot dialog
+xdotool key Return
+sleep 0.3
+click "$colors" 126 309
+sleep 0.5
+shot save
+xdotool type "of my own"
+xdotool key Return
+wait_for 5 test -f "color_presets/of my own.ini" || fail "no preset was saved"
+xdotool windowactivate --sync "$colors" key alt+F4
+
+# A contribution.
+improve=$(open_by_button 275 '^Improve Database$')
+click "$improve" 95 335
+wait_until_still "$improve"
+shot improve
+click "$improve" 373 335
+wait_for 10 test -s new_hardware.txt
+wait_until_still "$improve"
+shot submitted
+xdotool windowactivate --sync "$improve" key alt+F4
+
+# An update.
+update=$(open_by_button 390 '^Updates$')
+sleep 1
+shot update
+click "$update" 322 175
+sleep 2
+shot updated
+
+# The web site.
+click "$main" 641 57
+wait_for 5 test -s "$scratch/opened"
+expect "browser" "$(cat "$scratch/opened")" "http://quorvane.example no bus"
+
+# The end, by the close button.
+click "$main" 717 19
+gone() { ! kill -0 "$1" 2>/dev/null; }
+wait_for 10 gone $tracer || { fail "the process does not end"; kill -TERM "$quorvane"; }
+wait $tracer
+expect "status" $? 0
+exec 4>&-
+wait $server
+umask 022
+record=$scratch/record
+
+# 1. Files. What is opened to be written, made, moved, changed or removed, each as a full path. A call that is interrupted
+# in the record counts as done. The stage keeps its made-up machine in the temporary folder; the rest is the program's.
+sed -E 's/^[0-9]+ +//' "$record" | grep -v ' = -1 ' | grep -E \
+  '^(open|openat|openat2)\(.*O_(WRONLY|RDWR|CREAT|TRUNC)|^(creat|mkdir|rmdir|unlink|rename|link|symlink|truncate|chmod|chown|lchown|mknod|utime|setxattr)' |
+  sed -nE 's/^((sym)?link(at)?\()"[^"]*", /\1/; s/^[a-z0-9]+\((AT_FDCWD<([^>]*)>, )?"([^"]*)"(, (AT_FDCWD<[^>]*>, )?"([^"]*)")?.*/\2\t\3\n\2\t\6/p' |
+  awk -F'\t' '$2 != "" { print ($2 ~ /^\//) ? $2 : $1 "/" $2 }' | sort -u >"$scratch/written"
+grep -q "^$program/hwids.mdb$" "$scratch/written" || fail "the record holds no writes"
+# Beside its own folder: the null device, which is its children's input, graphics cards, and what the browser writes.
+surprises=$(grep -vE "^($program/|$scratch/tmp/|/dev/null$|/dev/dri/|$scratch/opened$)" "$scratch/written")
+[ -z "$surprises" ] || fail "written outside: $surprises"
+expect "left in the temporary folder" "$(ls -A "$scratch/tmp")" ""
+expect "left in the home folder" "$(ls -A "$scratch/home")" ""
+expect "files" "$(ls -A . color_presets | sort | comm -13 <(sort "$scratch/files_before") -)" \
+  "hwids.7z
+new_hardware.txt
+of my own.ini"
+for file in hwids.mdb hwids.7z new_hardware.txt "color_presets/of my own.ini"; do
+  expect "mask of $file" "$(stat -c %a "$file")" 640
+done
+expect "mask of the user's own file" "$(stat -c %a settings.ini)" 644
+
+# 2. The network. Sockets of the display, of its own machine's interfaces (a list of them, which netlink gives) and of its
+# server; one connection for each request.
+sockets=$(grep -E '^[0-9]+ +socket\(' "$record" | grep -vE 'socket\(AF_(UNIX|INET|NETLINK),.*(SOCK_STREAM|NETLINK_ROUTE)')
+[ -z "$sockets" ] || fail "sockets: $sockets"
+peers=$(grep -E '^[0-9]+ +(connect|sendto|sendmsg)\(.*sa_family=' "$record" | grep -vE \
+  "sin_port=htons\($port\), sin_addr=inet_addr\(\"127.0.0.1\"\)|sun_path=@?\"/tmp/.X11-unix/|AF_NETLINK|/run/nscd/socket")
+[ -z "$peers" ] || fail "peers: $peers"
+expect "connections" "$(grep -cE "connect\(.*sin_port=htons\($port\)" "$record")" 5
+get() { printf 'GET /files/updates/quorvane/%s HTTP/1.1\r\nHost: 127.0.0.1:%s\r\nUser-Agent: Quorvane\r\nAccept: */*\r\n\r\n' "$1" "$port"; }
+upload() {
+  local boundary=3fbd04f5-b1ed-4060-99b9-fca7ff59c113
+  {
+    printf -- '--%s\r\nContent-Disposition: multipart/form-data; name="uploadfile"; filename="new_hardware.txt"\r\n' $boundary
+    printf 'Content-Type: application/octet-stream\r\n\r\n'
+    cat new_hardware.txt
+    printf '\r\n--%s--' $boundary
+  } >"$scratch/body"
+  printf 'POST /files/hardware_ids/upload_hardware_id_v1.php HTTP/1.0\r\nHost: 127.0.0.1:%s\r\nUser-Agent: Uploader\r\n' "$port"
+  printf 'Content-Type: multipart/form-data; boundary=%s\r\nContent-Length: %s\r\n\r\n' $boundary "$(stat -c %s "$scratch/body")"
+  cat "$scratch/body"
+}
+{ get database_v1.htm; upload; get update.htm; get database_v1.htm; get hwids.7z; } >"$scratch/expected"
+cat "$scratch/requests/"* | cmp - "$scratch/expected" || fail "the requests are others"
+# The rows that the window showed: devices with a driver, name and maker as they call themselves, and no more of them.
+printf '%s\r\n' "USB\\VID_1234&PID_0001|||x'); DROP TABLE hwids; --|||Maker' OR '1'='1" \
+  'USB\VID_1234&PID_0002|||../../../../tmp/$(id)|||"Quoted" | Maker' | cmp - new_hardware.txt || fail "rows: $(cat new_hardware.txt)"
+
+# 3. Processes. The archive engine (a script where the package has it so) and the browser; the program itself is the last
+# to end.
+started=$(grep -E '^[0-9]+ +execve\("' "$record" | sed -E 's/^[0-9]+ +execve\("([^"]*)".*/\1/; s/.*\///' | sort -u | tr '\n' ' ')
+case $started in
+  '7z '*'quorvane xdg-open ' | '7za quorvane xdg-open ' | '7zz quorvane xdg-open ') ;;
+  *) fail "started: $started" ;;
+esac
+expect "last to end" "$(tail -n 1 "$record" | tr -s " ")" "$quorvane +++ exited with 0 +++"
+
+# 4. The new database is there whole.
+expect "database" "$(sqlite3 hwids.mdb 'SELECT dbversion FROM version; PRAGMA integrity_check' | tr '\n' ' ')" "2.0.0 ok "
+[ ! -s "$scratch/errors" ] || fail "standard error: $(cat "$scratch/errors")"
+[ -z "${SHOTS:-}" ] || cp "$record" "$SHOTS/record"
+[ $failures = 0 ] && echo "least surprise: ok"
+exit $((failures > 0))
