@@ -1,5 +1,7 @@
 #include "forms/desktop.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QUrl>
 #include <QUrlQuery>
 #include <gtest/gtest.h>
@@ -11,4 +13,46 @@ TEST(Browser, AddressesArriveIntact) {
     EXPECT_EQ(QUrlQuery(url).queryItemValue("q", QUrl::FullyDecoded),
               QString::fromUtf8("PCI\\VEN_8086&DEV_1E31&SUBSYS_3 a+b#\"é Driver"));
     EXPECT_FALSE(url.hasFragment());
+}
+
+namespace {
+
+constexpr const char* busVariable = "DBUS_SESSION_BUS_ADDRESS";
+
+// The environment as a test wants it; what it was comes back.
+class Variable {
+  public:
+    Variable(const char* name, const QByteArray& value) : name_(name), before_(qgetenv(name)) { qputenv(name, value); }
+    ~Variable() { before_.isNull() ? qunsetenv(name_) : qputenv(name_, before_); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+  private:
+    const char* name_;
+    QByteArray before_;
+};
+
+} // namespace
+
+TEST(SessionBus, IsNotStartedWhereThereIsNone) {
+    const QTemporaryDir folder;
+    const Variable runtimeFolder("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+    const Variable bus(busVariable, "");
+    forms::StartNoSessionBus();
+    EXPECT_EQ(qgetenv(busVariable), "disabled:");
+}
+
+TEST(SessionBus, IsUsedWhereThereIsOne) {
+    const QTemporaryDir folder;
+    const Variable runtimeFolder("XDG_RUNTIME_DIR", folder.path().toLocal8Bit());
+    {
+        const Variable bus(busVariable, "unix:path=/there");
+        forms::StartNoSessionBus();
+        EXPECT_EQ(qgetenv(busVariable), "unix:path=/there");
+    }
+    const Variable bus(busVariable, "");
+    QFile socket(folder.filePath("bus"));
+    ASSERT_TRUE(socket.open(QIODevice::WriteOnly));
+    forms::StartNoSessionBus();
+    EXPECT_EQ(qgetenv(busVariable), "");
 }

@@ -3,7 +3,9 @@
 #include "base/yield.h"
 #include "net/crc32.h"
 #include "net/engine_process.h"
+#include "support/long_form.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -84,9 +86,14 @@ class VszLibTest : public testing::Test {
     // An engine of the test's own: `l` prints `listing`, `x` runs `script`.
     void FakeEngine(const QByteArray& listing, const QByteArray& script) {
         Write(QStringLiteral("engine/listing"), listing);
+        FakeEngine("if [ \"$1\" = l ]; then rm '" + Path(QStringLiteral("engine/pid")).toUtf8() + "'; cat '" +
+                   Path(QStringLiteral("engine/listing")).toUtf8() + "'; exit; fi\n" + script);
+    }
+
+    // One that runs `script` whatever it is asked, and tells its process.
+    void FakeEngine(const QByteArray& script) {
         Write(QStringLiteral("engine/7za"),
-              "#!/bin/sh\nif [ \"$1\" = l ]; then cat '" + Path(QStringLiteral("engine/listing")).toUtf8() +
-                  "'; exit; fi\necho $$ > '" + Path(QStringLiteral("engine/pid")).toUtf8() + "'\n" + script + "\n");
+              "#!/bin/sh\necho $$ > '" + Path(QStringLiteral("engine/pid")).toUtf8() + "'\n" + script + "\n");
         QFile::setPermissions(Path(QStringLiteral("engine/7za")),
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         net::SetEngineFolders({Path(QStringLiteral("engine"))});
@@ -240,6 +247,87 @@ TEST_F(VszLibTest, AnEngineThatLiesDiesOrStallsChangesNothing) {
     EXPECT_TRUE(EngineIsGone());
     FakeEngine("Path = hwids.mdb\nSize = x\n\n", "");
     EXPECT_FALSE(Open());
+}
+
+// Whatever becomes of an archive on its way: the old database or the new one, whole, and nothing else.
+TEST_F(VszLibTest, AnArchiveCutOrChangedAnywhereIsAllOrNothing) {
+    const QByteArray database = QByteArray("new database ").repeated(100);
+    Write(QStringLiteral("in/hwids.mdb"), database);
+    Write(QStringLiteral("in/color_presets/Night.ini"), "[colors]");
+    Pack({QStringLiteral("-mhc=off")});
+    const QByteArray archive = Read(QStringLiteral("hwids.7z"));
+    int opened = 0;
+    const auto attempt = [&](const QByteArray& changed, const std::string& how) {
+        Write(QStringLiteral("hwids.7z"), changed);
+        QDir(Path(QStringLiteral("out"))).removeRecursively();
+        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+        opened += Open() ? 1 : 0;
+        if (!Extract()) {
+            ExpectUntouched();
+        } else {
+            EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), database) << how;
+            EXPECT_EQ(Read(QStringLiteral("out/color_presets/Night.ini")), "[colors]") << how;
+        }
+    };
+    const int steps = support::Rounds(24, int(archive.size()));
+    for (int step = 0; step < steps; ++step) {
+        const qsizetype at = archive.size() * step / steps;
+        attempt(archive.first(at), "cut at " + std::to_string(at));
+        QByteArray flipped = archive;
+        flipped[at] = static_cast<char>(flipped.at(at) ^ (1 << (step % 8)));
+        attempt(flipped, "bit of " + std::to_string(at));
+    }
+    attempt(archive + archive, "twice");
+    attempt("junk" + archive, "behind junk");
+    attempt(archive + QByteArray(5000, '\0'), "before junk");
+    EXPECT_GT(opened, 0);
+}
+
+TEST_F(VszLibTest, AListingWithoutEndOrThatStallsIsNone) {
+    zip_.SetStallLimit(300);
+    for (const char* script : {"exec cat /dev/zero", "while :; do printf 'Path = a.txt\\nSize = 0\\n\\n'; done",
+                               "exec sleep 60", "printf 'Path = a.txt'; exec sleep 60", "exit 2", "kill -9 $$"}) {
+        FakeEngine(script);
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(Open()) << script;
+        EXPECT_LT(timer.elapsed(), 10'000) << script;
+        EXPECT_TRUE(EngineIsGone()) << script;
+    }
+    ExpectUntouched();
+}
+
+// The part of the test below that is killed; run by it alone.
+TEST_F(VszLibTest, DISABLED_UnpackUntilKilled) {
+    net::SetEngineFolders({qEnvironmentVariable("QUORVANE_TEST_ENGINE")});
+    bool loaded = false;
+    zip_.LoadEngine({}, loaded);
+    ASSERT_TRUE(loaded);
+    zip_.OpenArchive(qEnvironmentVariable("QUORVANE_TEST_ENGINE") + QStringLiteral("/7za"));
+}
+
+TEST_F(VszLibTest, TheEngineDiesWithAProgramThatIsKilled) {
+    FakeEngine("exec sleep 60");
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QUORVANE_TEST_ENGINE"), Path(QStringLiteral("engine")));
+    program.setProcessEnvironment(environment);
+    program.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--gtest_also_run_disabled_tests"),
+                                                            QStringLiteral("--gtest_filter=*UnpackUntilKilled")});
+    QElapsedTimer timer;
+    timer.start();
+    const QString idFile = QStringLiteral("engine/pid");
+    while (!Read(idFile).endsWith('\n') && !timer.hasExpired(10'000)) {
+        base::YieldBlocking(20);
+    }
+    ASSERT_FALSE(EngineIsGone());
+    program.kill();
+    program.waitForFinished();
+    timer.restart();
+    while (!EngineIsGone() && !timer.hasExpired(5'000)) {
+        base::YieldBlocking(20);
+    }
+    EXPECT_TRUE(EngineIsGone());
 }
 
 TEST_F(VszLibTest, StopAndCancelKillTheEngine) {
