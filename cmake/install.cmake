@@ -2,6 +2,7 @@
 # two folders keep their names whatever the prefix is.
 set(CMAKE_INSTALL_BINDIR bin)
 set(CMAKE_INSTALL_DATADIR share)
+set(CMAKE_INSTALL_DOCDIR share/doc/quorvane)
 include(GNUInstallDirs)
 
 set(quorvane_packaging ${PROJECT_SOURCE_DIR}/packaging)
@@ -58,3 +59,5 @@ install(FILES
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES ${quorvane_packaging}/debian/copyright ${quorvane_install_folder}/changelog.Debian.gz
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${quorvane_packaging}/debian/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+  RENAME quorvane)

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <array>
+#include <cstdio>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace base {
@@ -34,11 +36,17 @@ QDir InstalledFolder() { return QDir(QDir(ProgramsFolder()).filePath(QLatin1Stri
 // instance.
 QDir Source() { return InstalledFolder().exists() ? InstalledFolder() : QDir(ProgramsFolder()); }
 
+// What the user's own mask leaves of a new file's permissions. A copy would have those of the installation.
+mode_t NewFileMode() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
 // A file or a folder of files. False where it is not there whole: the disk is full, for instance.
 bool CopyWhole(const QFileInfo& from, const QString& to) {
     if (!from.isDir())
-        return QFile::copy(from.filePath(), to) &&
-               QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner);
+        return QFile::copy(from.filePath(), to) && chmod(QFile::encodeName(to).constData(), NewFileMode()) == 0;
     if (!QDir().mkpath(to))
         return false;
     const auto entries = QDir(from.filePath()).entryInfoList(QDir::Files);
@@ -56,16 +64,25 @@ bool FillFolder(const QDir& source, const QDir& folder) {
            });
 }
 
-// Filled beside its place and moved there whole: a first start that is cut off must not leave half a folder behind,
-// which no later start would fill.
-void MakeOwnFolder(const QString& own) {
-    const QFileInfo place(own);
-    if (!QDir().mkpath(place.path()))
+// A folder without any file was never filled: no start has come so far, or the disk was full then, and only folders
+// could be made.
+bool WasFilled(const QString& own) { return !QDir(own).entryList(QDir::Files | QDir::Hidden).isEmpty(); }
+
+// Filled beside its place, and moved there with the database first: a start that is cut off must not leave a folder
+// behind that no later start would fill.
+void FillOwnFolder(const QString& own) {
+    if (!QDir().mkpath(QFileInfo(own).path()))
         return;
-    const QTemporaryDir beside(place.path() + QStringLiteral("/.quorvane-XXXXXX"));
-    const QString filled = beside.filePath(QStringLiteral("filled"));
-    if (beside.isValid() && QDir().mkpath(filled) && FillFolder(Source(), QDir(filled)))
-        QDir().rename(filled, own);
+    const QTemporaryDir beside(own + QStringLiteral("-XXXXXX"));
+    if (!beside.isValid() || !FillFolder(Source(), QDir(beside.path())) || !QDir().mkpath(own))
+        return;
+    // Also over a folder of the name that is there already and empty.
+    const auto move = [&](const char* name) {
+        static_cast<void>(std::rename(QFile::encodeName(beside.filePath(QLatin1String(name))).constData(),
+                                      (QFile::encodeName(own) + '/' + name).constData()));
+    };
+    move(databaseName);
+    std::for_each(otherNames.begin(), otherNames.end(), move);
 }
 
 // Whether the programs stand in a copied folder, which keeps its files beside them, rather than in an installation.
@@ -81,8 +98,8 @@ QString FindProgramFolder() {
     if (IsCopiedFolder())
         return ProgramsFolder();
     QString own = OwnFolder();
-    if (!QFileInfo::exists(own))
-        MakeOwnFolder(own);
+    if (!WasFilled(own))
+        FillOwnFolder(own);
     return own;
 }
 
@@ -128,7 +145,7 @@ QString ProgramFolder() {
 
 QString FindProgramFile(const QString& name) {
     const QString own = OwnFolder();
-    const QDir folder = IsCopiedFolder() ? QDir(ProgramsFolder()) : QFileInfo::exists(own) ? QDir(own) : Source();
+    const QDir folder = IsCopiedFolder() ? QDir(ProgramsFolder()) : WasFilled(own) ? QDir(own) : Source();
     const QString file = folder.filePath(name);
     return QFileInfo(file).isFile() ? file : QString();
 }
