@@ -126,6 +126,8 @@ QString AddTo(const QString& copy, const std::vector<JudgedLine>& lines, const Q
     if (!error.isEmpty()) {
         return error;
     }
+    // Nobody misses the copy after a crash, and it is synced before it takes the database's place.
+    data::Ran([] { database::DatabaseConnection()->LeaveWritesToSystem(); });
     for (const JudgedLine& line : lines) {
         merger.Take(line);
     }

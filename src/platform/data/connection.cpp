@@ -84,6 +84,8 @@ void Connection::CommitTrans() { RequireSession()->Commit(); }
 
 void Connection::RollbackTrans() { RequireSession()->Rollback(); }
 
+void Connection::LeaveWritesToSystem() { RequireSession()->Change("PRAGMA synchronous=OFF", {}); }
+
 quint64 Connection::Generation() const {
     if (!session_) {
         return 0;
