@@ -221,6 +221,20 @@ expect "last to end" "$(tail -n 1 "$record" | tr -s " ")" "$quorvane +++ exited 
 
 # 4. The new database is there whole.
 expect "database" "$(sqlite3 hwids.mdb 'SELECT dbversion FROM version; PRAGMA integrity_check' | tr '\n' ' ')" "2.0.0 ok "
+
+# 5. An installed program fills its user's folder at the first start: with files of that user's mask.
+mkdir -p "$scratch/prefix/bin" "$scratch/prefix/share/quorvane"
+mv quorvane "$scratch/prefix/bin/"
+cp -r hwids.mdb color_presets "$scratch/prefix/share/quorvane/"
+chmod -R a+rX "$scratch/prefix"
+(umask 077 && XDG_DATA_HOME=$scratch/data exec "$scratch/prefix/bin/quorvane") 2>>"$scratch/errors" &
+pids+=($!)
+wait_for 20 window_named 'Quorvane v' || fail "an installed program does not start"
+kill -TERM $!
+wait $!
+expect "mask of what is installed" "$(cd "$scratch/data/quorvane" && stat -c '%a %n' hwids.mdb color_presets/Dark.ini)" \
+  "600 hwids.mdb
+600 color_presets/Dark.ini"
 [ ! -s "$scratch/errors" ] || fail "standard error: $(cat "$scratch/errors")"
 [ -z "${SHOTS:-}" ] || cp "$record" "$SHOTS/record"
 [ $failures = 0 ] && echo "least surprise: ok"
