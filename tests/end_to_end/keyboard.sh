@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# The main job of the real program without a mouse: choose a tab, find a row by typing, copy it through the menu key's popup,
+# look it up, copy the matches, close.
+set -u
+. "$(dirname "$0")/virtual_screen.sh"
+for tool in Xvfb openbox xdotool xclip xwd sqlite3; do
+  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
+done
+start_screen
+make_program_folder
+"$QUORVANE_BIN/quorvane-db" build --output "$program/hwids.mdb" 2>/dev/null || { echo "no database"; exit 1; }
+cd "$program" || exit 1
+./quorvane 2>"$scratch/errors" &
+quorvane=$!
+pids+=($quorvane)
+
+keys() { for key in "$@"; do xdotool key "$key"; sleep 0.08; done; }
+picture() { xwd -silent -id "$main" | cksum; }
+
+# choose N: the entry that is N down in an open popup.
+choose() {
+  sleep 0.3
+  for _ in $(seq "$1"); do keys Down; done
+  keys Return
+  sleep 0.3
+}
+
+wait_for 20 window_named 'Quorvane v' || fail "no main window"
+main=$(window_named 'Quorvane v')
+wait_until_still "$main" || fail "the first scan did not end"
+xdotool windowactivate --sync "$main"
+
+# Four buttons and three logos stand before the tabs.
+keys Tab Tab Tab Tab Tab Tab Tab Tab
+first=$(picture)
+keys Right
+[ "$(picture)" != "$first" ] || fail "the right arrow does not choose the next tab"
+keys Left
+expect "picture of the first tab" "$(picture)" "$first"
+
+# A row that the database knows, so that its lookup has matches, and that its name alone finds.
+"$QUORVANE_BIN/quorvane-list" | tr -d '\r' | sed -e 1d -e '/^$/d' >"$scratch/list"
+while IFS= read -r row; do
+  name=${row%%,*}
+  id=$(printf '%s' "${row##*,}" | tr '|' '\n' | grep -xE 'PCI.VEN_....&DEV_....' | head -n 1)
+  [ -n "$id" ] && [ "$(cut -d, -f1 "$scratch/list" | grep -cF -- "$name")" = 1 ] &&
+    [ "$(sqlite3 "$program/hwids.mdb" "SELECT count(*) FROM hwids WHERE hwid = '$id'")" != 0 ] && break
+  name=
+done <"$scratch/list"
+[ -n "$name" ] || { echo "SKIPPED: no device of this machine is in the database"; exit 77; }
+
+keys Tab
+xdotool type --delay 15 -- "$name"
+keys Menu
+choose 5
+expect "copied row" "$(clipboard | tr -d '\r')" "$row"
+
+lookup_opened() { window_named "^$name\$"; }
+close_lookup() {
+  xdotool key alt+F4
+  for _ in $(seq 50); do lookup_opened >/dev/null || return 0; sleep 0.1; done
+  return 1
+}
+
+keys shift+F10
+choose 1
+wait_for 5 lookup_opened || fail "the popup opens no lookup window"
+wait_until_still "$(lookup_opened)"
+# The device's IDs, the search button, the matches.
+keys Tab Tab Tab Menu
+choose 3
+expect "columns of the copied matches" "$(clipboard | tr -d '\r' | head -n 1)" "Name,Manufacturer,Hardware IDs"
+[ "$(clipboard | grep -c .)" -gt 1 ] || fail "no match was copied"
+close_lookup || fail "the lookup window does not close"
+
+# Behind the list stand its headers and the lookup button.
+xdotool windowactivate --sync "$main"
+keys Tab Tab Return
+wait_for 5 lookup_opened || fail "Return on the button opens no lookup window"
+wait_until_still "$(lookup_opened)"
+close_lookup || fail "the second lookup window does not close"
+
+xdotool windowactivate --sync "$main" key alt+F4
+if wait_for 5 bash -c "! kill -0 $quorvane"; then
+  wait $quorvane
+  expect "status" $? 0
+else
+  fail "the process does not end"
+fi
+[ ! -s "$scratch/errors" ] || { echo "standard error:"; cat "$scratch/errors"; }
+[ $failures = 0 ] && echo "keyboard: ok"
+exit $((failures > 0))
