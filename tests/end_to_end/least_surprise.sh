@@ -100,6 +100,15 @@ open_by_button() {
 # Pictures for whoever works on this script.
 shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
 
+# written RECORD: what is opened to be written, made, moved, changed or removed, each as a full path. A call that the record
+# shows in two parts counts as done.
+written() {
+  sed -E 's/^[0-9]+ +//' "$1" | grep -v ' = -1 ' | grep -E \
+    '^(open|openat|openat2)\(.*O_(WRONLY|RDWR|CREAT|TRUNC)|^(creat|mkdir|rmdir|unlink|rename|link|symlink|truncate|chmod|chown|lchown|mknod|utime|setxattr)' |
+    sed -nE 's/^((sym)?link(at)?\()"[^"]*", /\1/; s/^[a-z0-9]+\((AT_FDCWD<([^>]*)>, )?"([^"]*)"(, (AT_FDCWD<[^>]*>, )?"([^"]*)")?.*/\2\t\3\n\2\t\6/p' |
+    awk -F'\t' '$2 != "" { print ($2 ~ /^\//) ? $2 : $1 "/" $2 }' | sort -u
+}
+
 # A lookup.
 click "$main" 200 140 --repeat 2 --delay 60
 wait_for 10 window_named '^\.\./' || fail "no lookup window"
@@ -162,12 +171,8 @@ wait $server
 umask 022
 record=$scratch/record
 
-# 1. Files. What is opened to be written, made, moved, changed or removed, each as a full path. A call that is interrupted
-# in the record counts as done. The stage keeps its made-up machine in the temporary folder; the rest is the program's.
-sed -E 's/^[0-9]+ +//' "$record" | grep -v ' = -1 ' | grep -E \
-  '^(open|openat|openat2)\(.*O_(WRONLY|RDWR|CREAT|TRUNC)|^(creat|mkdir|rmdir|unlink|rename|link|symlink|truncate|chmod|chown|lchown|mknod|utime|setxattr)' |
-  sed -nE 's/^((sym)?link(at)?\()"[^"]*", /\1/; s/^[a-z0-9]+\((AT_FDCWD<([^>]*)>, )?"([^"]*)"(, (AT_FDCWD<[^>]*>, )?"([^"]*)")?.*/\2\t\3\n\2\t\6/p' |
-  awk -F'\t' '$2 != "" { print ($2 ~ /^\//) ? $2 : $1 "/" $2 }' | sort -u >"$scratch/written"
+# 1. Files. The stage keeps its made-up machine in the temporary folder; the rest is the program's.
+written "$record" >"$scratch/written"
 grep -q "^$program/hwids.mdb$" "$scratch/written" || fail "the record holds no writes"
 # Beside its own folder: the null device, which is its children's input, graphics cards, and what the browser writes.
 surprises=$(grep -vE "^($program/|$scratch/tmp/|/dev/null$|/dev/dri/|$scratch/opened$)" "$scratch/written")
@@ -222,7 +227,22 @@ expect "last to end" "$(tail -n 1 "$record" | tr -s " ")" "$quorvane +++ exited 
 # 4. The new database is there whole.
 expect "database" "$(sqlite3 hwids.mdb 'SELECT dbversion FROM version; PRAGMA integrity_check' | tr '\n' ' ')" "2.0.0 ok "
 
-# 5. An installed program fills its user's folder at the first start: with files of that user's mask.
+# 5. The tools: one writes nothing, though it opens the database as the program does; the other what it is told to. This is
+# the machine's own device tree.
+traced() { strace -f -q -y --seccomp-bpf -e trace=%file,%network,%process -e signal=none -o "$scratch/tool_record" "$@" >/dev/null 2>&1; }
+before=$(cksum hwids.mdb)
+traced "$QUORVANE_BIN/quorvane-list" --db hwids.mdb || fail "quorvane-list"
+expect "written by quorvane-list" "$(written "$scratch/tool_record")" "$program/hwids.mdb"
+expect "database beside quorvane-list" "$(cksum hwids.mdb)" "$before"
+expect "sockets of quorvane-list" "$(grep -c 'socket(' "$scratch/tool_record")" 0
+mkdir "$scratch/made"
+traced "$QUORVANE_BIN/quorvane-db" build --pci-ids "$scratch/none.ids" --usb-ids "$scratch/none.ids" \
+  --output "$scratch/made/hwids.mdb" || fail "quorvane-db"
+expect "written by quorvane-db" "$(written "$scratch/tool_record" | grep -v "^$scratch/made/")" ""
+expect "made by quorvane-db" "$(stat -c '%a %n' "$scratch/made/"*)" "644 $scratch/made/hwids.mdb"
+expect "sockets of quorvane-db" "$(grep -c 'socket(' "$scratch/tool_record")" 0
+
+# 6. An installed program fills its user's folder at the first start: with files of that user's mask.
 mkdir -p "$scratch/prefix/bin" "$scratch/prefix/share/quorvane"
 mv quorvane "$scratch/prefix/bin/"
 cp -r hwids.mdb color_presets "$scratch/prefix/share/quorvane/"
