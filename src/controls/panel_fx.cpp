@@ -6,6 +6,7 @@
 #include "draw/system_colours.h"
 #include "forms/form.h"
 #include "forms/screen.h"
+#include "forms/tool_tip.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -197,7 +198,7 @@ bool PanelFx::event(QEvent* event) {
         auto* help = static_cast<QHelpEvent*>(event);
         const int room = width() - captionMargin - (iconDrawn_ ? values_.titleIconXPos + values_.titleIconWidth : 0);
         if (PanelOrTitle(help->pos().y()) == Title && fontMetrics().horizontalAdvance(values_.titleCaption) > room)
-            QToolTip::showText(help->globalPos(), values_.titleCaption, this);
+            QToolTip::showText(help->globalPos(), forms::PlainTip(values_.titleCaption), this);
         return true;
     }
     return DrawnControl::event(event);

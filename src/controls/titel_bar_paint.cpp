@@ -5,6 +5,7 @@
 #include "controls/colour_helpers.h"
 #include "draw/system_colours.h"
 #include "forms/screen.h"
+#include "forms/tool_tip.h"
 
 #include <QFontMetrics>
 #include <QHelpEvent>
@@ -230,7 +231,7 @@ void TitelBar::BSetBorder(int width) {
 
 bool TitelBar::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && ToolTipText().isEmpty() && ShownCaption() != state_.caption) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), state_.caption, this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), forms::PlainTip(state_.caption), this);
         return true;
     }
     return DrawnControl::event(event);

@@ -2,6 +2,7 @@
 
 #include "draw/system_colours.h"
 #include "forms/accessible.h"
+#include "forms/tool_tip.h"
 
 #include <QHelpEvent>
 #include <QPainter>
@@ -109,7 +110,7 @@ void Label::paintEvent(QPaintEvent* event) {
 bool Label::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && !wrap_ && !grip_ &&
         fontMetrics().horizontalAdvance(ShownText()) > width()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), ShownText(), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), PlainTip(ShownText()), this);
         return true;
     }
     return Control::event(event);

@@ -315,6 +315,11 @@ std::vector<std::string> Components(const std::string& path) {
     return parts;
 }
 
+// What turns the text behind it round, so that a list shows other than what it holds.
+static bool IsDirectionMark(char16_t c) {
+    return c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
 QString CleanAttribute(const std::string& bytes) {
     const std::size_t end = std::min(bytes.find('\0'), bytes.size());
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -322,7 +327,7 @@ QString CleanAttribute(const std::string& bytes) {
     if (decoder.hasError())
         return {};
     for (QChar& c : text) {
-        if (c.unicode() < u' ' && c != u'\t')
+        if ((c.category() == QChar::Other_Control && c != u'\t') || IsDirectionMark(c.unicode()))
             c = u' ';
     }
     return text.trimmed();

@@ -8,8 +8,11 @@
 #include "forms/text_box.h"
 #include "forms/timer.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QToolTip>
 #include <gtest/gtest.h>
 
 namespace {
@@ -92,6 +95,22 @@ TEST(TextBox, GivesBackWhatItWasGivenUntilEdited) {
     EXPECT_EQ(box.Text(), "A\r\nB\r\n");
     QTest::keyClicks(box.Editor(), "x");
     EXPECT_EQ(box.Text(), "xA\r\nB\r\n");
+}
+
+// A label may hold a device's name, and its tip must not load what the name would have it load.
+TEST(Label, ANameThatLooksLikeMarkupIsNoneInItsTip) {
+    forms::Form form("FrmTest", 3000, 3000);
+    forms::Label label(form.Client(), "ImportantLabelName");
+    label.Move(0, 0, 300, 300);
+    const auto tip = [&label](const QString& caption) {
+        label.SetCaption(caption);
+        QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), label.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&label, &help);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(tip("A device with a long name"), "A device with a long name");
+    EXPECT_EQ(tip("<img src='/dev/zero'>"), "<qt>&lt;img src='/dev/zero'&gt;</qt>");
+    EXPECT_EQ(tip("A <b>device</b>"), "<qt>A &lt;b&gt;device&lt;/b&gt;</qt>");
 }
 
 TEST(Menu, EntriesByNameAndSeparators) {

@@ -46,6 +46,9 @@ TEST(HostileAttributes, CostTheirFieldOnly) {
     EXPECT_EQ(NameOf(QByteArray(5000000, 'x')), fallback);
     EXPECT_EQ(NameOf("two\nlines\x01"), "two lines");
     EXPECT_EQ(NameOf("Gr\xC3\xBC\xC3\x9F\x65\n"), "Gr\xC3\xBC\xC3\x9F\x65");
+    // What would drive a terminal, and what would show the text behind it in another order.
+    EXPECT_EQ(NameOf("a\x1b[31m\x7f\xC2\x9B\x62"), "a [31m  b");
+    EXPECT_EQ(NameOf("a\xE2\x80\xAE\xE2\x81\xA6\x62\xE2\x80\x8F"), "a  b");
     // Inner tabs are the reader's to clean.
     EXPECT_EQ(NameOf("a\tb\n"), "a\tb");
 }
