@@ -104,10 +104,24 @@ shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
 # shows in two parts counts as done.
 written() {
   sed -E 's/^[0-9]+ +//' "$1" | grep -v ' = -1 ' | grep -E \
-    '^(open|openat|openat2)\(.*O_(WRONLY|RDWR|CREAT|TRUNC)|^(creat|mkdir|rmdir|unlink|rename|link|symlink|truncate|chmod|chown|lchown|mknod|utime|setxattr)' |
-    sed -nE 's/^((sym)?link(at)?\()"[^"]*", /\1/; s/^[a-z0-9]+\((AT_FDCWD<([^>]*)>, )?"([^"]*)"(, (AT_FDCWD<[^>]*>, )?"([^"]*)")?.*/\2\t\3\n\2\t\6/p' |
+    '^(open|openat|openat2)\(.*O_(WRONLY|RDWR|CREAT|TRUNC)|^(creat|mkdir|rmdir|unlink|rename|link|symlink|truncate|f?chmod|f?chown|lchown|mknod|utime|setxattr)' |
+    sed -nE 's/^((sym)?link(at)?\()"[^"]*", /\1/; s/^[a-z0-9]+\(((AT_FDCWD|[0-9]+)<([^>]*)>, )?"([^"]*)"(, ((AT_FDCWD|[0-9]+)<[^>]*>, )?"([^"]*)")?.*/\3\t\4\n\3\t\8/p' |
     awk -F'\t' '$2 != "" { print ($2 ~ /^\//) ? $2 : $1 "/" $2 }' | sort -u
 }
+
+# That it reads a record aright.
+cat >"$scratch/example" <<'END'
+1 openat(AT_FDCWD</p>, "/home/u/.cache/x", O_WRONLY|O_CREAT, 0666) = 5</home/u/.cache/x>
+1 openat(AT_FDCWD</p>, "here", O_RDWR|O_CREAT, 0666 <unfinished ...>
+1 openat(7</q>, "there", O_RDWR) = 5</q/there>
+1 openat(AT_FDCWD</p>, "/read", O_RDONLY|O_CLOEXEC) = 5</read>
+1 mkdir("/not", 0777) = -1 EEXIST (File exists)
+1 renameat2(AT_FDCWD</p>, "/a", AT_FDCWD</p>, "/b", RENAME_NOREPLACE) = 0
+1 symlink("text", "/link") = 0
+1 unlink("/gone") = 0
+1 fchmodat(AT_FDCWD</p>, "/mode", 0600) = 0
+END
+expect "the example" "$(written "$scratch/example" | tr '\n' ' ')" "/a /b /gone /home/u/.cache/x /link /mode /p/here /q/there "
 
 # A lookup.
 click "$main" 200 140 --repeat 2 --delay 60
@@ -124,12 +138,15 @@ xdotool key Down Return
 sleep 0.5
 shot preset
 click "$colors" 60 70
-sleep 0.7
+wait_for 5 window_named '^Text$' || fail "no colour dialog"
+sleep 0.3
 shot dialog
 xdotool key Return
-sleep 0.3
+closed() { ! window_named "$1"; }
+wait_for 5 closed '^Text$' || fail "the colour dialog stays"
 click "$colors" 126 309
-sleep 0.5
+wait_for 5 window_named '^Save Colors As Preset$' || fail "no question for the preset's name"
+sleep 0.3
 shot save
 xdotool type "of my own"
 xdotool key Return
@@ -149,10 +166,11 @@ xdotool windowactivate --sync "$improve" key alt+F4
 
 # An update.
 update=$(open_by_button 390 '^Updates$')
-sleep 1
+wait_until_still "$update"
 shot update
 click "$update" 322 175
-sleep 2
+wait_for 20 closed '^Updates$' || fail "the update does not end"
+wait_until_still "$main"
 shot updated
 
 # The web site.
