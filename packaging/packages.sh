@@ -7,7 +7,7 @@ display_packages=(xvfb openbox xdotool x11-apps imagemagick)
 # To build the Debian package.
 package_packages=(dpkg-dev gzip)
 # To test it.
-package_test_packages=(lintian desktop-file-utils appstream debootstrap)
+package_test_packages=(lintian desktop-file-utils appstream debootstrap groff x11-utils python3)
 test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools)
 bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
 
