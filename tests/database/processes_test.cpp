@@ -3,6 +3,7 @@
 #include "store_fixture.h"
 #include "support/long_form.h"
 
+#include <QElapsedTimer>
 #include <csignal>
 #include <functional>
 #include <random>
@@ -87,6 +88,28 @@ TEST_F(ProcessesTest, TwoThatAddToOneRowLoseNothing) {
         EXPECT_TRUE(IsDeviceInDatabase(Line(1, i))) << i;
     }
     EXPECT_EQ(Column(QStringLiteral("SELECT * FROM mfgs"), QStringLiteral("mfg")).size(), 1);
+}
+
+// A process that writes row after row leaves short gaps only; they are enough for another to start.
+TEST_F(ProcessesTest, OneThatWritesWithoutPauseKeepsNobodyWaiting) {
+    Child writer([](const auto& stepDone) {
+        OpenDeviceDatabase();
+        for (int i = 0;; ++i) {
+            AddDeviceToDatabase(Line(0, i));
+            stepDone();
+        }
+    });
+    ::usleep(100'000);
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_TRUE(OpenDeviceDatabase());
+        ReadVersionAndCount();
+        CloseDeviceDatabase();
+    }
+    EXPECT_LT(clock.elapsed(), 30'000);
+    writer.Kill();
+    EXPECT_GT(writer.Finish(), 0);
 }
 
 TEST_F(ProcessesTest, AKilledOneKeepsEveryAdditionThatHadReturned) {

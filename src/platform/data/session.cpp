@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace data {
 
@@ -35,6 +36,14 @@ Error OpenError(const QString& path, int code) {
             ErrorUnspecified,
             QStringLiteral("Cannot open the file '%1': %2.").arg(path, QString::fromUtf8(sqlite3_errstr(code))));
     }
+}
+
+// Asks again every millisecond. The store's own wait grows to a tenth of a second, which misses each of the short gaps
+// that another process leaves while it writes row after row: one that started meanwhile gave up after its whole
+// time-out.
+int WaitForOthers(void* /*unused*/, int waits) {
+    ::usleep(1000);
+    return waits < busyTimeout ? 1 : 0;
 }
 
 // The texts are UTF-8 copies that the statement keeps.
@@ -75,7 +84,7 @@ QVariant ColumnValue(sqlite3_stmt* statement, int column) {
 } // namespace
 
 bool ConfigureHandle(sqlite3* handle) {
-    sqlite3_busy_timeout(handle, busyTimeout);
+    sqlite3_busy_handler(handle, WaitForOthers, nullptr);
     sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, longestValue);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);

@@ -1,0 +1,106 @@
+// Asked to end, or losing the terminal, in the middle of each long job: the program ends by itself, soon, with status
+// 0, and leaves everything whole.
+#include "faults_fixture.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QThread>
+#include <csignal>
+
+namespace {
+
+constexpr int longestEnding = 15'000; // milliseconds
+
+struct Job {
+    const char* name;
+    QStringList order;
+    const char* begins; // the line from which on it is under way
+    int milliseconds;   // it takes about so long
+};
+
+const Job jobs[] = {
+    {"start", {QStringLiteral("start")}, "", 300},
+    {"scan", {QStringLiteral("scan"), QStringLiteral("1000")}, "scanned", 200},
+    {"add", {QStringLiteral("add"), QStringLiteral("1000")}, "added", 300},
+    {"submit", {QStringLiteral("submit")}, "started", 500},
+    {"update", {QStringLiteral("update")}, "downloading", 700},
+    {"settings", {QStringLiteral("settings"), QStringLiteral("100000")}, "saved", 100},
+};
+
+} // namespace
+
+using EndingTest = SystemFaults;
+
+TEST_F(EndingTest, AskedToEndInEachLongJob) {
+    for (int round = 0; round < support::Rounds(2, 40); ++round) {
+        for (const Job& job : jobs) {
+            SCOPED_TRACE(job.name);
+            const int signal = round % 2 == 0 ? SIGTERM : SIGHUP;
+            RestoreTheOldDatabase();
+            const auto process = Start(job.order);
+            ASSERT_TRUE(*job.begins == 0 || process->Reaches(QLatin1String(job.begins)));
+            QThread::usleep(random_() % (unsigned(job.milliseconds) * 1000U));
+            QElapsedTimer clock;
+            clock.start();
+            process->Signal(signal);
+            EXPECT_TRUE(process->Ends(longestEnding)) << process->Text().toStdString();
+            // Before the program can listen, the signal ends it in the system's own way.
+            const bool early = *job.begins == 0 && process->Status() == 128 + signal;
+            EXPECT_TRUE(process->Status() == 0 || early) << process->Status() << '\n' << process->Text().toStdString();
+            EXPECT_EQ(process->Text().count(QStringLiteral("box")), 0) << process->Text().toStdString();
+            const QString version = CheckedVersion();
+            EXPECT_TRUE(version == QStringLiteral("1.0.0") || version == QStringLiteral("2.0.0"));
+            if (qstrcmp(job.name, "add") == 0) {
+                const int added = process->Last(QStringLiteral("added")).toInt() + 1;
+                EXPECT_GE(Additions(QStringLiteral("x"), 1000).size(), added);
+            }
+            EXPECT_EQ(QDir(Folder()).entryList(
+                          {QStringLiteral(".unpacking*"), QStringLiteral("*-journal"), QStringLiteral("*.ini.*")},
+                          QDir::AllEntries | QDir::Hidden),
+                      QStringList());
+        }
+        ExpectThatTheProgramStarts();
+    }
+}
+
+// The transfer stands still, so the program is in the middle of it for certain. A submission runs to its end, so it is
+// the limit of the upload that ends the wait.
+TEST_F(EndingTest, AskedToEndWhileTheServerStalls) {
+    const QByteArray archive = "/files/updates/quorvane/hwids.7z";
+    const QByteArray upload = "/files/hardware_ids/upload_hardware_id_v1.php";
+    server_.SetAnswer(archive, support::Promise(200, 1'000'000).Send("x").Stall());
+    server_.SetAnswer(upload, support::Answer().Stall());
+    for (const QString& job : {QStringLiteral("update"), QStringLiteral("submit")}) {
+        const auto process = Start({job}, {QStringLiteral("QUORVANE_TEST_SEND=3000")});
+        ASSERT_TRUE(process->Reaches(job == QStringLiteral("update") ? QStringLiteral("downloading")
+                                                                     : QStringLiteral("offered")));
+        QThread::msleep(1500);
+        process->Signal(SIGTERM);
+        EXPECT_TRUE(process->Ends(longestEnding)) << process->Text().toStdString();
+        EXPECT_EQ(process->Status(), 0) << process->Text().toStdString();
+        EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));
+    }
+}
+
+TEST_F(EndingTest, AJumpingClockChangesNothing) {
+    if (qstrlen(QUORVANE_SANITIZE) != 0)
+        GTEST_SKIP() << "skipped: the sanitizers' own libraries want to be loaded first";
+    const QString clock = QStringLiteral("LD_PRELOAD=" JUMPING_CLOCK);
+    for (const Job& job : jobs) {
+        SCOPED_TRACE(job.name);
+        QStringList order = job.order;
+        if (order.size() > 1)
+            order[1] = QStringLiteral("60");
+        const auto process = Start(order, {clock});
+        EXPECT_TRUE(process->Ends());
+        EXPECT_EQ(process->Status(), 0);
+        EXPECT_EQ(process->Text().count(QStringLiteral("failed")), 0) << process->Text().toStdString();
+        if (qstrcmp(job.name, "add") == 0) {
+            EXPECT_EQ(Additions(QStringLiteral("x"), 60).size(), 60);
+        }
+        if (qstrcmp(job.name, "submit") == 0) {
+            EXPECT_TRUE(process->Last(QStringLiteral("submitted")).contains(QStringLiteral("Successful")));
+        }
+    }
+    ExpectTheNewDatabase();
+}
