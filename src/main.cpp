@@ -5,6 +5,7 @@
 #include "database/frm_lookup.h"
 #include "database/store.h"
 #include "draw/system_colours.h"
+#include "forms/density.h"
 #include "forms/desktop.h"
 #include "forms/dialogs.h"
 #include "forms/form.h"
@@ -24,6 +25,10 @@ namespace {
 
 // The program measures in device pixels and scales by itself; the toolkit must not scale a second time.
 constexpr const char* scalingSwitch = "QT_ENABLE_HIGHDPI_SCALING";
+
+// Twips: the widest window is the main one, the highest that of contributions.
+constexpr double widestWindow = 11250;
+constexpr double highestWindow = 8715;
 
 void PrepareEnvironment() {
     qputenv(scalingSwitch, "0");
@@ -61,6 +66,7 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    forms::ApplyDensity(widestWindow, highestWindow);
     draw::SetSysColors(QApplication::palette());
     database::SetFatalHandlers([](const QString& message) { forms::MsgBox(message); },
                                [] { std::_Exit(EXIT_FAILURE); });

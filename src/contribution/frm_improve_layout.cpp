@@ -47,26 +47,26 @@ void FrmImprove::CreateControls() {
     Anchor1 = new controls::Anchor(this, QStringLiteral("Anchor1"));
     TitelBar1 = window::MakeTitelBar(client, LeastWidth);
     LabelText1 =
-        Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 510, 8220, 3960, window::FollowWidth);
+        Place(new forms::TextBox(client, QStringLiteral("LabelText1")), 150, 510, 8220, 4200, window::FollowWidth);
     LabelText1->SetAccessibleLabel(QStringLiteral("How To Improve The Database"));
     LabelText1->SetLocked(true);
     LabelText1->SetText(Explanation());
     ImportantLabel1 = Place(MakeLabel(client, "ImportantLabel1",
                                       "*English Systems Only - PLEASE REMOVE ANY DEVICE THAT HAS NON ENGLISH WORDS!"),
-                            150, 4485, 8220, 285, window::FollowWidth);
-    CommandGetHardware = Place(MakeButton(client, "CommandGetHardware", "1. Scan Hardware"), 150, 4815, 2550, 420);
+                            150, 4725, 8220, 285, window::FollowWidth);
+    CommandGetHardware = Place(MakeButton(client, "CommandGetHardware", "1. Scan Hardware"), 150, 5040, 2550, 420);
     CommandSaveSubmit = Place(MakeButton(client, "CommandSaveSubmit", "2. Add to Database && Submit to Brindlex"), 2820,
-                              4815, 5550, 420, window::FollowWidth);
+                              5040, 5550, 420, window::FollowWidth);
     CommandSaveSubmit->SetEnabled(false);
     ListViewHardware =
-        Place(new suite::ListView(client, QStringLiteral("ListViewHardware")), 150, 5340, 8220, 2010, window::Stretch);
+        Place(new suite::ListView(client, QStringLiteral("ListViewHardware")), 150, 5550, 8220, 1920, window::Stretch);
     ListViewHardware->SetAccessibleLabel(QStringLiteral("Hardware not in the database"));
-    InfoLabelListTotal = Place(MakeLabel(client, "InfoLabelListTotal", "Total Hardware Not In Database: 0"), 150, 7380,
+    InfoLabelListTotal = Place(MakeLabel(client, "InfoLabelListTotal", "Total Hardware Not In Database: 0"), 150, 7500,
                                8220, 270, window::BottomWide);
     ImportantLabelSubmitStatus =
-        Place(MakeLabel(client, "ImportantLabelSubmitStatus", ""), 150, 7650, 8220, 510, window::BottomWide);
+        Place(MakeLabel(client, "ImportantLabelSubmitStatus", ""), 150, 7770, 8220, 510, window::BottomWide);
     ImportantLabelSubmitStatus->SetWordWrap(true);
-    LabelStatus = Place(MakeLabel(client, "LabelStatus", "Status:"), 150, 8220, 7800, 270, window::BottomWide);
+    LabelStatus = Place(MakeLabel(client, "LabelStatus", "Status:"), 150, 8340, 7800, 270, window::BottomWide);
     LabelResize = window::MakeGrip(client, LeastWidth, LeastHeight);
     PanelProgress = window::MakeProgressPanel(client, DB1);
     List1 = Place(new suite::ListBox(client, QStringLiteral("List1")), 0, 0, 15, 15);

@@ -12,6 +12,11 @@ namespace {
 constexpr double twipsPerInch = 1440;
 constexpr double standardDotsPerInch = 96;
 
+double& GivenDotsPerInch() {
+    static double given = 0;
+    return given;
+}
+
 bool& DragSetting() {
     static bool on = true;
     return on;
@@ -20,9 +25,13 @@ bool& DragSetting() {
 } // namespace
 
 double DotsPerInch() {
+    if (GivenDotsPerInch() > 0)
+        return GivenDotsPerInch();
     const QScreen* screen = QGuiApplication::primaryScreen();
     return screen == nullptr ? standardDotsPerInch : screen->logicalDotsPerInchX();
 }
+
+void SetDotsPerInch(double dotsPerInch) { GivenDotsPerInch() = dotsPerInch; }
 
 double TwipsPerPixel() { return twipsPerInch / DotsPerInch(); }
 

@@ -8,6 +8,8 @@ namespace forms {
 
 // Horizontal and vertical dots per inch are one value on every platform served.
 double DotsPerInch();
+// Another value than the screen's own, for everything that is measured afterwards; 0 is the screen's own again.
+void SetDotsPerInch(double dotsPerInch);
 double TwipsPerPixel();
 
 // Twips to the nearest pixel and back.

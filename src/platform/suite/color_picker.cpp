@@ -13,7 +13,7 @@ namespace suite {
 
 namespace {
 
-constexpr double kSwatchWidth = 34; // pixels at 96 dots per inch
+constexpr double kSwatchWidth = 30; // pixels at 96 dots per inch
 constexpr double kSwatchHeight = 16;
 constexpr double kGap = 7;
 
