@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The real program with a broken surrounding: no database, something else in its place, settings of random bytes, a folder
-# that cannot be written, and requests to end at any moment.
+# that cannot be written, requests to end at any moment, and a screen that goes away.
 set -u
 . "$(dirname "$0")/virtual_screen.sh"
 for tool in Xvfb openbox xdotool xwd; do
@@ -64,6 +64,26 @@ for delay in 0.05 0.1 0.15 0.2 0.25 0.3 0.4 0.5; do
   # Before the program can listen, the signal ends it in the system's own way.
   [ $status = 0 ] || [ $status = 143 ] || fail "status $status after $delay s"
   [ "$(sqlite3 hwids.mdb 'PRAGMA integrity_check' 2>/dev/null || echo ok)" = ok ] || fail "database damaged after $delay s"
+done
+
+# The X server goes away, at any moment of start-up and scan and later: the program ends with it, by itself.
+for _ in $(seq "$(rounds 3 100)"); do
+  Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$scratch/other" >/dev/null 2>&1 &
+  screen=$!
+  pids+=($screen)
+  wait_for 10 test -s "$scratch/other"
+  DISPLAY=":$(cat "$scratch/other")" ./quorvane 2>"$scratch/errors" &
+  quorvane=$!
+  pids+=($quorvane)
+  sleep "$((RANDOM % 2)).$((RANDOM % 10))"
+  kill -9 $screen
+  wait_for 20 gone $quorvane || { fail "outlives its screen"; kill -9 $quorvane; }
+  wait $quorvane
+  status=$?
+  [ $status -lt 128 ] || fail "status $status without a screen: $(tail -n 3 "$scratch/errors")"
+  wait $screen 2>/dev/null
+  rm -f "$scratch/other"
+  [ "$(sqlite3 hwids.mdb 'PRAGMA integrity_check' 2>/dev/null || echo ok)" = ok ] || fail "database damaged without a screen"
 done
 
 [ $failures = 0 ] && echo "faults: ok"

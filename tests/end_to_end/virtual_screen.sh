@@ -48,6 +48,9 @@ make_program_folder() {
   export PATH="$scratch/path:$PATH" BROWSER="$scratch/path/xdg-open"
 }
 
+# rounds SHORT LONG: how often something at a random moment is repeated, in the everyday run and in that of check --long.
+rounds() { if [ "${QUORVANE_LONG:-}" = 1 ]; then echo "$2"; else echo "$1"; fi; }
+
 # wait_for SECONDS COMMAND...: until the command succeeds.
 wait_for() {
   local tries=$(($1 * 10))
