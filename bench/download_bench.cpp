@@ -54,6 +54,7 @@ void DownloadWithLiveLabels(benchmark::State& state) {
     double own = 0;
     double gap = 0;
     double memory = 0;
+    const qint64 size = DownloadSize();
     for (auto _ : state) {
         curl = bench::SecondsOf(QStringLiteral("curl"),
                                 {QStringLiteral("-s"), QStringLiteral("-o"), folder.filePath(QStringLiteral("curl")),
@@ -71,7 +72,7 @@ void DownloadWithLiveLabels(benchmark::State& state) {
         const Heartbeat heartbeat;
         // At the last byte: what follows is the unpacking.
         QObject::connect(window->DL1, &updating::DownLoadControl::RecievedBytes, window, [&](qint32 total) {
-            if (total == DownloadSize() && own == 0) {
+            if (total == size && own == 0) {
                 own = double(timer.nsecsElapsed()) / 1e9;
                 gap = heartbeat.WorstGap();
                 memory = bench::ResidentKib() - before;

@@ -113,7 +113,7 @@ void FrmUpdate::Connect() {
 void FrmUpdate::ConnectDownload() {
     const auto show = [this](auto raised, forms::Label* label, const QString& prefix) {
         connect(DL1, raised, this, [label, prefix](const auto& value) {
-            label->SetCaption(prefix + ShownValue(value));
+            label->SetCaption(prefix, ShownValue(value));
             base::Yield();
         });
     };
@@ -241,7 +241,7 @@ void FrmUpdate::Timer1_Tick() {
 
 void FrmUpdate::DL1_RecievedBytes(qint32 total) {
     PB1->SetValue(total);
-    lblCBytes->SetCaption(QStringLiteral("Current Bytes Read - ") + FormatTransferSize(total));
+    lblCBytes->SetCaption(QStringLiteral("Current Bytes Read - "), FormatTransferSize(total));
     base::Yield();
 }
 

@@ -3,6 +3,7 @@
 #include "base/text.h"
 
 #include <QLocale>
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -63,23 +64,39 @@ const DecimalSigns& PresentSigns() {
     return signs;
 }
 
+// The digits of `scaled`, of which the last `decimals` stand behind the point, built in place: a download writes three
+// such texts with every piece that comes.
+QString WithPoint(qint64 scaled, int decimals, const QString& point) {
+    std::array<QChar, 64> room;
+    auto first = room.end();
+    const auto putDigit = [&first, &scaled] {
+        *--first = QChar(char16_t(u'0' + scaled % 10));
+        scaled /= 10;
+    };
+    for (int i = 0; i < decimals; ++i)
+        putDigit();
+    if (decimals > 0)
+        first = std::copy_backward(point.begin(), point.end(), first);
+    do
+        putDigit();
+    while (scaled > 0);
+    return QString(first, room.end() - first);
+}
+
 QString FixedDecimals(double value, int decimals) {
     constexpr double exactWhole = 1e15;
+    constexpr int mostDecimals = 20;
     constexpr std::array<double, 3> factors = {1, 10, 100};
     const double factor = size_t(decimals) < factors.size() ? factors[size_t(decimals)] : std::pow(10.0, decimals);
     const double scaled = RoundHalfUp(std::fabs(value) * factor);
     const DecimalSigns& signs = PresentSigns();
-    if (scaled >= exactWhole || !signs.plainDigits) {
+    if (scaled >= exactWhole || decimals > mostDecimals || !signs.plainDigits) {
         QLocale locale = signs.locale;
         const double rounded = std::copysign(scaled / factor, value);
         locale.setNumberOptions(QLocale::OmitGroupSeparator);
         return locale.toString(rounded == 0 ? 0.0 : rounded, 'f', decimals);
     }
-    QString text = QString::number(qint64(scaled));
-    if (decimals > 0) {
-        text = text.rightJustified(decimals + 1, u'0');
-        text.insert(text.size() - decimals, signs.point);
-    }
+    const QString text = WithPoint(qint64(scaled), decimals, signs.point);
     return value < 0 && scaled != 0 ? signs.minus + text : text;
 }
 

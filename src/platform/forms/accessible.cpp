@@ -14,9 +14,17 @@ class AccessibleLabel : public QAccessibleWidget {
   public:
     explicit AccessibleLabel(Label* label) : QAccessibleWidget(label, QAccessible::StaticText) {}
 
-    QAccessible::Role role() const override {
-        return static_cast<Label*>(widget())->Grip() ? QAccessible::Grip : QAccessible::StaticText;
+    QAccessible::Role role() const override { return OwnLabel().Grip() ? QAccessible::Grip : QAccessible::StaticText; }
+
+    QString text(QAccessible::Text which) const override {
+        if (which != QAccessible::Name || !widget()->accessibleName().isEmpty())
+            return QAccessibleWidget::text(which);
+        // The grip's mark is a letter of a font of symbols, which nobody should hear.
+        return OwnLabel().Grip() ? QStringLiteral("Size Grip") : OwnLabel().ShownText();
     }
+
+  private:
+    const Label& OwnLabel() const { return *static_cast<Label*>(widget()); }
 };
 
 QAccessibleInterface* Make(const QString& className, QObject* object) {

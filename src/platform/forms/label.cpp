@@ -4,6 +4,7 @@
 #include "forms/accessible.h"
 #include "forms/tool_tip.h"
 
+#include <QAccessible>
 #include <QHelpEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -38,8 +39,22 @@ void Label::SetCaption(const QString& caption) {
     if (caption_ == caption)
         return;
     caption_ = caption;
-    setAccessibleName(ShownText());
+    TellName();
     update();
+}
+
+void Label::SetCaption(const QString& prefix, const QString& rest) {
+    if (caption_.size() != prefix.size() + rest.size() || !caption_.startsWith(prefix) || !caption_.endsWith(rest))
+        SetCaption(prefix + rest);
+}
+
+// The interface asks the label itself for its name; only one who listens is told of a new one, as some labels change
+// with every piece of a transfer.
+void Label::TellName() {
+    if (!QAccessible::isActive())
+        return;
+    QAccessibleEvent changed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
 }
 
 void Label::SetBackColor(base::Colour colour) {
@@ -68,8 +83,7 @@ void Label::SetWordWrap(bool wrap) {
 
 void Label::SetGrip(bool grip) {
     grip_ = grip;
-    // The mark is a letter of a font of symbols, which nobody should hear.
-    setAccessibleName(grip ? QStringLiteral("Size Grip") : ShownText());
+    TellName();
     setCursor(grip ? Qt::SizeFDiagCursor : Qt::ArrowCursor);
     update();
 }

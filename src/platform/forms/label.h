@@ -21,6 +21,8 @@ class Label : public Control {
 
     QString Caption() const { return caption_; }
     void SetCaption(const QString& caption);
+    // The same of two parts, which are joined only if they make another caption.
+    void SetCaption(const QString& prefix, const QString& rest);
     base::Colour BackColor() const { return backColor_; }
     void SetBackColor(base::Colour colour);
     base::Colour ForeColor() const { return foreColor_; }
@@ -28,6 +30,8 @@ class Label : public Control {
     void SetAlignment(Alignment alignment);
     // Breaks the text at blanks instead of eliding it.
     void SetWordWrap(bool wrap);
+    // The caption as it is read: single ampersands are marks and go.
+    QString ShownText() const;
     // Shows the grip mark of a window's corner instead of the caption.
     bool Grip() const { return grip_; }
     void SetGrip(bool grip);
@@ -37,7 +41,7 @@ class Label : public Control {
     bool event(QEvent* event) override;
 
   private:
-    QString ShownText() const;
+    void TellName();
 
     QString caption_;
     base::Colour backColor_{0x8000000FU};

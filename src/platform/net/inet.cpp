@@ -89,6 +89,10 @@ std::optional<QByteArray> Inet::GetChunk(qint32 size) {
     if (!transfer_ || size < 0) {
         return std::nullopt;
     }
+    // The common case of a steady transfer.
+    if (size <= pieceLimit && transfer_->Unread() >= size && !Stopped()) {
+        return transfer_->Take(size);
+    }
     QByteArray chunk;
     bool ended = false;
     while (!ended && chunk.size() < size) {

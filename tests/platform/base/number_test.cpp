@@ -34,6 +34,7 @@ TEST(Numbers, Patterns) {
     EXPECT_EQ(base::FormatNumber(-0.2, "0"), "0");
     EXPECT_EQ(base::FormatNumber(-1.005, "0.00"), "-1.01");
     EXPECT_EQ(base::FormatNumber(0.004, "0.00"), "0.00");
+    EXPECT_EQ(base::FormatNumber(-0.05, "0.00"), "-0.05");
     EXPECT_EQ(base::FormatNumber(-1234567.891, "0.00"), "-1234567.89");
     EXPECT_EQ(base::FormatNumber(1e18, "0.00"), "1000000000000000000.00");
     EXPECT_EQ(base::FormatNumber(2.5, "0"), "3");

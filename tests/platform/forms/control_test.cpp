@@ -8,6 +8,7 @@
 #include "forms/text_box.h"
 #include "forms/timer.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QHelpEvent>
 #include <QPlainTextEdit>
@@ -111,6 +112,22 @@ TEST(Label, ANameThatLooksLikeMarkupIsNoneInItsTip) {
     EXPECT_EQ(tip("A device with a long name"), "A device with a long name");
     EXPECT_EQ(tip("<img src='/dev/zero'>"), "<qt>&lt;img src='/dev/zero'&gt;</qt>");
     EXPECT_EQ(tip("A <b>device</b>"), "<qt>A &lt;b&gt;device&lt;/b&gt;</qt>");
+}
+
+// The name is not stored with each caption but asked for, and the two parts of a caption may change one at a time.
+TEST(Label, IsReadAsItIsShown) {
+    forms::Form form("FrmTest", 3000, 3000);
+    forms::Label label(form.Client(), "lblStatus", "Drivers && Devices");
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(&label);
+    EXPECT_EQ(spoken->text(QAccessible::Name), "Drivers & Devices");
+    label.SetCaption("Status - ", "Paused.");
+    label.SetCaption("Status - ", "Opening");
+    EXPECT_EQ(label.Caption(), "Status - Opening");
+    label.SetCaption("Result - ", "Opening");
+    EXPECT_EQ(label.Caption(), "Result - Opening");
+    EXPECT_EQ(spoken->text(QAccessible::Name), "Result - Opening");
+    label.SetGrip(true);
+    EXPECT_EQ(spoken->text(QAccessible::Name), "Size Grip");
 }
 
 TEST(Menu, EntriesByNameAndSeparators) {
