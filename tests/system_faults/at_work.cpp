@@ -44,7 +44,7 @@
 
 namespace {
 
-constexpr int longestWait = 120'000; // milliseconds
+constexpr int longestWait = 600'000; // milliseconds
 
 struct Order {
     QString job;
@@ -143,6 +143,8 @@ void Add(const Order& order) {
 void Submit(const Order&) {
     Main()->CommandImproveHardware_Click();
     auto* window = Find<contribution::FrmImprove>("FrmImprove");
+    if (values::ProgramClosing() || window == nullptr)
+        return;
     const auto done = [&] { return window->StatusText == QStringLiteral("Done."); };
     window->CommandGetHardware_Click();
     if (!WaitFor(done))

@@ -78,7 +78,7 @@ AtWork::AtWork(const QStringList& command, const QProcessEnvironment& environmen
     process_.setProcessEnvironment(quiet);
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(command.first(), command.mid(1));
-    EXPECT_TRUE(process_.waitForStarted());
+    EXPECT_TRUE(process_.waitForStarted(Patience()));
 }
 
 AtWork::~AtWork() { Kill(); }
@@ -92,7 +92,7 @@ void AtWork::Read() {
 }
 
 bool AtWork::Reaches(const QString& start) {
-    const QDeadlineTimer deadline(60'000);
+    const QDeadlineTimer deadline(Patience());
     while (Last(start).isNull()) {
         if (deadline.hasExpired() || process_.state() == QProcess::NotRunning)
             return false;
@@ -194,7 +194,7 @@ void SystemFaults::ExpectThatTheProgramStarts() const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), Folder());
     AtWork process({program}, environment);
-    const QDeadlineTimer deadline(60'000);
+    const QDeadlineTimer deadline(AtWork::Patience());
     const QString database = Path(QStringLiteral("hwids.mdb"));
     while (!HasOpen(process.Id(), database) && !deadline.hasExpired())
         QThread::msleep(5);

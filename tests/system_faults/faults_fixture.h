@@ -23,10 +23,13 @@ class AtWork {
     AtWork& operator=(const AtWork&) = delete;
 
     qint64 Id() const { return process_.processId(); }
-    // Reads until a line begins so; false where the process ends first or a minute is over.
+    // How long a process may take for anything: what a busy machine needs, and far below what a hang takes.
+    static int Patience() { return support::Rounds(60'000, 600'000); }
+
+    // Reads until a line begins so; false where the process ends first or its time is over.
     bool Reaches(const QString& start);
     // Reads to the end. False where it has not ended by itself after that time, and is killed.
-    bool Ends(int milliseconds = 60'000);
+    bool Ends(int milliseconds = Patience());
     // Reads what there is.
     void Poll();
     void Signal(int number) const;

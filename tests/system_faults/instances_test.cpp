@@ -18,7 +18,7 @@ class InstancesTest : public SystemFaults {
     }
 
     static void ExpectGoodEnd(AtWork& process) {
-        EXPECT_TRUE(process.Ends(120'000)) << process.Text().toStdString();
+        EXPECT_TRUE(process.Ends()) << process.Text().toStdString();
         EXPECT_EQ(process.Status(), 0) << process.Text().toStdString();
         ExpectNothingShown(process);
     }
