@@ -10,6 +10,7 @@
 #include "suite/check_box.h"
 #include "updating/download.h"
 #include "updating/frm_update.h"
+#include "window/design.h"
 
 #include <QRect>
 
@@ -17,27 +18,21 @@ namespace updating {
 
 namespace {
 
-constexpr base::Colour windowKey = base::Colour::FromRgb(0xF8, 0xB8, 0xF7);
-constexpr int wholeWindowCover = 32767; // twips: below the title bar, so that the second band stays empty
 constexpr int twipsPerDesignPixel = 15;
 constexpr int titleHeight = 20;
 constexpr int gradientStyle = 1;
 
 template <typename Control> Control* Place(Control* control, const QRect& pixels) {
-    control->Move(pixels.x() * twipsPerDesignPixel, pixels.y() * twipsPerDesignPixel,
-                  pixels.width() * twipsPerDesignPixel, pixels.height() * twipsPerDesignPixel);
-    return control;
+    return window::Place(control, pixels.x() * twipsPerDesignPixel, pixels.y() * twipsPerDesignPixel,
+                         pixels.width() * twipsPerDesignPixel, pixels.height() * twipsPerDesignPixel);
 }
 
 forms::Label* Label(QWidget* container, const char* name, const char* caption, const QRect& pixels) {
-    return Place(new forms::Label(container, QLatin1String(name), QLatin1String(caption)), pixels);
+    return Place(window::MakeLabel(container, name, caption), pixels);
 }
 
 controls::dcButton* Button(QWidget* container, const char* name, const char* caption, const QRect& pixels) {
-    auto* button = Place(new controls::dcButton(container, QLatin1String(name)), pixels);
-    button->InitProperties();
-    button->SetCaption(QLatin1String(caption));
-    return button;
+    return Place(window::MakeButton(container, name, caption), pixels);
 }
 
 controls::PanelFx* Panel(QWidget* container, const char* name, const char* title, const QRect& pixels) {
@@ -52,10 +47,7 @@ controls::PanelFx* Panel(QWidget* container, const char* name, const char* title
 } // namespace
 
 void FrmUpdate::CreateControls() {
-    TitelBar1 = Place(new controls::TitelBar(Client(), QStringLiteral("TitelBar1")), {0, 0, 416, 32});
-    TitelBar1->InitProperties();
-    TitelBar1->SetBackColor(windowKey);
-    TitelBar1->SetBackColorCover(wholeWindowCover);
+    TitelBar1 = window::MakeTitelBar(Client(), 416 * twipsPerDesignPixel, false);
     TitelBar1->SetCaption(Caption());
     CreateVersionPanels();
     CreateDownloadPanel();

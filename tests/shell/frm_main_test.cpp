@@ -1,100 +1,33 @@
 #include "shell/frm_main.h"
 
-#include "appearance/frm_colors.h"
-#include "base/paths.h"
 #include "base/yield.h"
 #include "controls/anchor.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
-#include "database/database_builder.h"
-#include "database/frm_lookup.h"
-#include "database/store.h"
-#include "device_fixture.h"
-#include "forms/dialogs.h"
-#include "forms/forms.h"
-#include "forms/label.h"
 #include "forms/screen.h"
 #include "forms/text_box.h"
 #include "forms/timer.h"
-#include "inventory/frm_menu.h"
 #include "suite/list_tree.h"
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
-#include "values/program_values.h"
 #include "values/settings.h"
+#include "windows_fixture.h"
 
 #include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 
 // Two devices that work and one without a driver.
-constexpr char machine[] = R"(
-/devices/pci0000:00/0000:00:14.0/usb1/1-1 @ bus/usb
-  idVendor = 1234
-  idProduct = 0001
-  bDeviceClass = 09
-  product = Beta Hub
-  manufacturer = Maker
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:14.0/usb1/1-2 @ bus/usb
-  idVendor = 1234
-  idProduct = 0002
-  bDeviceClass = 09
-  product = Alpha Hub
-  manufacturer = Maker
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:03.0 @ bus/pci
-  vendor = 0x1234
-  device = 0x0003
-  class = 0xff0000
-)";
-
-class FrmMainTest : public testing::Test {
+class FrmMainTest : public WindowsFixture {
   protected:
-    FrmMainTest() : devices_(machine) {
-        base::SetProgramFolder(folder_.path());
-        values::Program() = values::ProgramValues();
-        all_.SetAllGone([this] { ++allGone_; });
-        shell::RegisterMainWindow();
-        appearance::RegisterForms();
-        inventory::RegisterMenuForm();
-        database::RegisterLookupForm();
-        forms::SetMsgBoxRecorder([this](const QString& text, forms::MessageIcon) { messages_ << text; });
+    FrmMainTest()
+        : WindowsFixture(UsbDevice(1, "Beta Hub", "Maker") + UsbDevice(2, "Alpha Hub", "Maker") +
+                         "/devices/pci0000:00/0000:00:03.0 @ bus/pci\n"
+                         "  vendor = 0x1234\n  device = 0x0003\n  class = 0xff0000\n") {
         database::SetFatalHandlers([this](const QString& message) { fatal_ = message; }, [] {});
     }
-
-    ~FrmMainTest() override {
-        all_.Clear();
-        database::CloseDeviceDatabase();
-        database::SetFatalHandlers(nullptr, nullptr);
-        forms::SetMsgBoxRecorder(nullptr);
-        values::Program() = values::ProgramValues();
-    }
-
-    void WriteDatabase() {
-        database::DatabaseBuilder builder;
-        builder.Add("USB\\VID_1234&PID_0001", "Known Hub", "Known Maker");
-        QString error;
-        ASSERT_TRUE(builder.Write(folder_.filePath("hwids.mdb"), "2.3.4", &error)) << error.toStdString();
-    }
-
-    shell::FrmMain* Start() {
-        auto* main = static_cast<shell::FrmMain*>(all_.Shared("FrmMain"));
-        main->Show();
-        return main;
-    }
-
-    shell::FrmMain* StartAndScan() {
-        WriteDatabase();
-        shell::FrmMain* main = Start();
-        EXPECT_TRUE(QTest::qWaitFor([main] { return main->LabelStatus->Caption() == "Status: Done"; }, 20000));
-        QTest::qWait(400);
-        return main;
-    }
+    ~FrmMainTest() override { database::SetFatalHandlers(nullptr, nullptr); }
 
     static QStringList Names(suite::ListView* list) {
         QStringList names;
@@ -103,12 +36,7 @@ class FrmMainTest : public testing::Test {
         return names;
     }
 
-    QTemporaryDir folder_;
-    DeviceFixture devices_;
-    forms::Forms& all_ = forms::Forms::Instance();
-    QStringList messages_;
     QString fatal_;
-    int allGone_ = 0;
 };
 
 } // namespace

@@ -1,60 +1,20 @@
 // Every window as its users meet it: by keyboard, by screen reader, at the dots per inch that the environment gives.
 // Each check walks whole windows and names what it finds, so that a control added later is held to the same.
-#include "appearance/frm_colors.h"
-#include "base/paths.h"
-#include "contribution/frm_improve.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
-#include "database/database_builder.h"
-#include "database/frm_lookup.h"
-#include "database/store.h"
-#include "device_fixture.h"
 #include "forms/control.h"
-#include "forms/dialogs.h"
-#include "forms/forms.h"
-#include "forms/label.h"
-#include "inventory/frm_menu.h"
 #include "inventory/open_lookup.h"
-#include "shell/frm_main.h"
 #include "suite/list_tree.h"
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
-#include "updating/frm_update.h"
-#include "values/program_values.h"
+#include "windows_fixture.h"
 
 #include <QAccessible>
 #include <QHelpEvent>
 #include <QTabBar>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QToolTip>
-#include <gtest/gtest.h>
 
 namespace {
-
-constexpr char machine[] = R"(
-/devices/pci0000:00/0000:00:14.0/usb1/1-1 @ bus/usb
-  idVendor = 1234
-  idProduct = 0001
-  bDeviceClass = 09
-  product = Beta Hub
-  manufacturer = Maker
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:14.0/usb1/1-2 @ bus/usb
-  idVendor = 1234
-  idProduct = 0002
-  bDeviceClass = 09
-  product = Alpha Hub
-  manufacturer = Beta Maker
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:14.0/usb1/1-3 @ bus/usb
-  idVendor = 1234
-  idProduct = 0003
-  bDeviceClass = 09
-  product = Alpha Mouse
-  manufacturer = Maker
-  driver -> /bus/usb/drivers/usb
-)";
 
 // What stands over other controls by design.
 const QStringList floating = {"PanelProgress", "PanelDownloading"};
@@ -67,35 +27,12 @@ QString Describe(const QWidget* widget) {
     return path;
 }
 
-class WindowsAudit : public testing::Test {
+class WindowsAudit : public WindowsFixture {
   protected:
-    WindowsAudit() : devices_(machine) {
-        base::SetProgramFolder(folder_.path());
-        values::Program() = values::ProgramValues();
-        all_.SetAllGone([] {});
-        shell::RegisterMainWindow();
-        appearance::RegisterForms();
-        inventory::RegisterMenuForm();
-        database::RegisterLookupForm();
-        contribution::RegisterImproveForm();
-        updating::RegisterUpdateForm();
-        forms::SetMsgBoxRecorder([this](const QString& text, forms::MessageIcon) { messages_ << text; });
-        database::DatabaseBuilder builder;
-        builder.Add("USB\\VID_1234&PID_0001", "Known Hub", "Known Maker");
-        QString error;
-        EXPECT_TRUE(builder.Write(folder_.filePath("hwids.mdb"), "2.3.4", &error)) << error.toStdString();
-        main_ = static_cast<shell::FrmMain*>(all_.Shared("FrmMain"));
-        main_->Show();
-        EXPECT_TRUE(QTest::qWaitFor([this] { return main_->LabelStatus->Caption() == "Status: Done"; }, 20000));
-        QTest::qWait(400);
-    }
-
-    ~WindowsAudit() override {
-        all_.Clear();
-        database::CloseDeviceDatabase();
-        forms::SetMsgBoxRecorder(nullptr);
-        values::Program() = values::ProgramValues();
-    }
+    WindowsAudit()
+        : WindowsFixture(UsbDevice(1, "Beta Hub", "Maker") + UsbDevice(2, "Alpha Hub", "Beta Maker") +
+                         UsbDevice(3, "Alpha Mouse", "Maker")),
+          main_(StartAndScan()) {}
 
     forms::Form* Open(const QString& name) {
         forms::Form* form = nullptr;
@@ -147,11 +84,7 @@ class WindowsAudit : public testing::Test {
         return {};
     }
 
-    QTemporaryDir folder_;
-    DeviceFixture devices_;
-    forms::Forms& all_ = forms::Forms::Instance();
-    QStringList messages_;
-    shell::FrmMain* main_ = nullptr;
+    shell::FrmMain* main_;
 };
 
 // All interfaces below one that can be seen.

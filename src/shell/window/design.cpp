@@ -36,13 +36,15 @@ controls::dcButton* MakeButton(QWidget* container, const char* name, const char*
     return button;
 }
 
-controls::TitelBar* MakeTitelBar(QWidget* client, double width) {
+controls::TitelBar* MakeTitelBar(QWidget* client, double width, bool canMaximise) {
     auto* titelBar = Place(new controls::TitelBar(client, QStringLiteral("TitelBar1")), 0, 0, width, titleHeight);
     titelBar->InitProperties();
     titelBar->SetBackColor(keyColour);
     titelBar->SetBackColorCover(wholeWindowCover);
-    titelBar->SetShowMaximized(true);
-    titelBar->SetShowMaximizedEnabled(true);
+    if (canMaximise) {
+        titelBar->SetShowMaximized(true);
+        titelBar->SetShowMaximizedEnabled(true);
+    }
     return titelBar;
 }
 

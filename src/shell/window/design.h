@@ -41,9 +41,8 @@ Control* Place(Control* control, double left, double top, double width, double h
 forms::Label* MakeLabel(QWidget* container, const char* name, const char* caption);
 controls::dcButton* MakeButton(QWidget* container, const char* name, const char* caption);
 
-// A title bar over the whole width (twips) of a window that can be maximised; its corners are in the windows' key
-// colour.
-controls::TitelBar* MakeTitelBar(QWidget* client, double width);
+// A title bar over the whole width (twips) of a window; its corners are in the windows' key colour.
+controls::TitelBar* MakeTitelBar(QWidget* client, double width, bool canMaximise = true);
 // Gives the bar the program's icon, the window's caption and width.
 void SetUpTitle(const forms::Form& form, controls::TitelBar& titelBar);
 
