@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace data {
 
@@ -277,9 +278,7 @@ void RefuseSecondStatement(Tokens& tokens) {
     }
 }
 
-} // namespace
-
-StatementText TranslateStatement(const QString& text) {
+StatementText Translated(const QString& text) {
     Tokens tokens = Tokeniser(text).Run();
     RefuseSecondStatement(tokens);
     if (tokens.empty()) {
@@ -299,6 +298,59 @@ StatementText TranslateStatement(const QString& text) {
     }
     throw Error(ErrorInCommand, QStringLiteral("Invalid SQL statement; expected 'DELETE', 'INSERT', 'SELECT', or "
                                                "'UPDATE'."));
+}
+
+// Where the number begins that ends the text, behind a blank; nothing if none does.
+std::optional<qsizetype> LastNumber(const QString& text) {
+    constexpr qsizetype mostDigits = 18; // more may be no whole number
+    qsizetype at = text.size();
+    while (at > 0 && IsDigit(text[at - 1])) {
+        --at;
+    }
+    const qsizetype digits = text.size() - at;
+    return digits > 0 && digits <= mostDigits && at > 0 && text[at - 1] == u' ' ? std::optional(at) : std::nullopt;
+}
+
+// What has been made of the words before such a number, the last few of them. A search asks for dozens of rows by their
+// numbers, in texts that are the same but for these.
+class LastTranslations {
+  public:
+    const StatementText* Find(QStringView words) const {
+        const auto known =
+            std::find_if(known_.begin(), known_.end(), [words](const Known& one) { return one.Words == words; });
+        return known == known_.end() ? nullptr : &known->Statement;
+    }
+    void Keep(QStringView words, const StatementText& statement) {
+        known_[next_] = {words.toString(), statement};
+        next_ = (next_ + 1) % known_.size();
+    }
+
+  private:
+    struct Known {
+        QString Words;
+        StatementText Statement;
+    };
+    std::array<Known, 4> known_;
+    size_t next_ = 0;
+};
+
+} // namespace
+
+StatementText TranslateStatement(const QString& text) {
+    static LastTranslations last;
+    const std::optional<qsizetype> number = LastNumber(text);
+    if (!number) {
+        return Translated(text);
+    }
+    const QStringView words = QStringView(text).first(*number);
+    if (const StatementText* known = last.Find(words)) {
+        StatementText statement = *known;
+        statement.Values.back() = QVariant(QStringView(text).mid(*number).toLongLong());
+        return statement;
+    }
+    StatementText statement = Translated(text);
+    last.Keep(words, statement);
+    return statement;
 }
 
 } // namespace data

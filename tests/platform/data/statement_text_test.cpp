@@ -28,6 +28,23 @@ TEST(StatementText, LiftsEveryLiteral) {
     EXPECT_THAT(byNumber.Values, ElementsAre(QVariant(812LL)));
 }
 
+// What was made of the words before the last number is used again, with the new number alone.
+TEST(StatementText, TakesTheNumberOfEachTextThatEndsInOne) {
+    for (const qint64 number : {1LL, 2LL, 123456789012345678LL}) {
+        const auto byNumber =
+            TranslateStatement(QStringLiteral("SELECT * FROM hwids Where info = 'a 7' AND ID = %1").arg(number));
+        EXPECT_EQ(byNumber.Sql, "SELECT rowid, * FROM [hwids] Where info = ? AND ID = ?");
+        EXPECT_THAT(byNumber.Values, ElementsAre(QVariant(QStringLiteral("a 7")), QVariant(number)));
+        const auto either =
+            TranslateStatement(QStringLiteral("SELECT * FROM hwids Where ID = 5 OR ID = %1").arg(number));
+        EXPECT_TRUE(either.Sql.endsWith("ID IN (?,?)")) << either.Sql.toStdString();
+        EXPECT_THAT(either.Values, ElementsAre(QVariant(5LL), QVariant(number)));
+        EXPECT_NE(Refusal(QStringLiteral("SELECT * FROM hwids Where info = 'a %1").arg(number)), 0);
+    }
+    EXPECT_EQ(TranslateStatement(QStringLiteral("SELECT * FROM hwids Where ID = 12345678901234567890")).Values.back(),
+              QVariant(12345678901234567890.0));
+}
+
 TEST(StatementText, GathersOneColumnsOrChain) {
     const auto statement = TranslateStatement(QStringLiteral(
         "SELECT * FROM hwids Where [hwids].[hwid] = 'a' OR [hwids].[hwid] = 'b' or [HWIDS].[hwid] = ''"));
