@@ -29,7 +29,7 @@ Forms::Forms() : allGone_([] { QCoreApplication::quit(); }) {
     QObject::connect(&burial_, &QTimer::timeout, &burial_, [this] { BurialTick(); });
 }
 
-void Forms::RegisterMaker(const QString& name, Maker maker) { makers_.insert(name, std::move(maker)); }
+void Forms::RegisterMaker(const QString& name, const Maker& maker) { makers_.insert(name, maker); }
 
 Form* Forms::Adopt(std::unique_ptr<Form> form) {
     if (!form)

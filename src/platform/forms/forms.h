@@ -20,7 +20,7 @@ class Forms {
 
     using Maker = std::function<std::unique_ptr<Form>()>;
     // Tells how a window is made; a later maker of the same name replaces the earlier one.
-    void RegisterMaker(const QString& name, Maker maker);
+    void RegisterMaker(const QString& name, const Maker& maker);
 
     // The shared instance of a window: the one that exists, else a new one. Null if nobody registered the name.
     Form* Shared(const QString& name);
