@@ -81,7 +81,7 @@ for _ in $(seq "$(rounds 3 100)"); do
   wait $quorvane
   status=$?
   # Without a screen from the first moment the toolkit ends the program, before it has touched anything.
-  grep -q 'could not connect to display' "$scratch/errors" ||
+  grep -q 'no Qt platform plugin could be initialized' "$scratch/errors" ||
     [ $status -lt 128 ] || fail "status $status without a screen: $(tail -n 3 "$scratch/errors")"
   wait $screen 2>/dev/null
   rm -f "$scratch/other"
