@@ -121,7 +121,7 @@ const QString& Archive() {
         const QString archive = folder.filePath(QStringLiteral("hwids.7z"));
         return WriteDatabase(database) &&
                        bench::SecondsOf(net::FindEngine(),
-                                        {QStringLiteral("a"), QStringLiteral("-mx=3"), archive, database})
+                                        {QStringLiteral("a"), QStringLiteral("-mx=1"), archive, database})
                    ? archive
                    : QString();
     }();

@@ -11,7 +11,7 @@ namespace bench {
 // Wall time of a whole process with its output thrown away; nothing if it is not there or fails.
 std::optional<double> SecondsOf(const QString& program, const QStringList& arguments);
 
-// What a process of status 0 printed; nothing if it failed or took longer than a minute.
+// What a process of status 0 printed; nothing if it failed or took longer than five minutes.
 std::optional<QByteArray> OutputOf(const QString& program, const QStringList& arguments);
 
 // Microseconds of a clock that all processes share.
