@@ -21,6 +21,7 @@ function(quorvane_library name)
   endif()
   target_include_directories(quorvane_${name} PUBLIC ${include_root})
   target_link_libraries(quorvane_${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} quorvane_options)
+  quorvane_precompile(quorvane_${name})
 endfunction()
 
 # Leaks of libraries below us, for builds with the address sanitizer; nothing of ours is listed.
@@ -33,6 +34,8 @@ function(quorvane_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} quorvane_options GTest::gtest)
+  target_compile_definitions(${name} PRIVATE QUORVANE_TEST)
+  quorvane_precompile(${name})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96;LC_ALL=C.UTF-8;QT_ENABLE_HIGHDPI_SCALING=0;${quorvane_leaks};${arg_ENVIRONMENT}")

@@ -102,7 +102,7 @@ TEST_F(Editor, EachPickedColourShowsAtOnceInAllWindowsAndIsSaved) {
 }
 
 TEST_F(Editor, ASavedPresetComesBackPixelForPixel) {
-    const auto changeTo = [this](base::Colour colour) {
+    const auto changeTo = [](base::Colour colour) {
         suite::SetColourDialog([=](QWidget*, base::Colour, const QString&) { return std::optional(colour); });
         ClickOn(ColorPicker(ProgramBack));
     };

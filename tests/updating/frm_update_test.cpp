@@ -191,7 +191,7 @@ TEST_F(FrmUpdateTest, AFinishedDownloadReplacesTheDatabase) {
     QObject::connect(window_->DL1, &updating::DownLoadControl::StatusChange, window_,
                      [&](const QString&) { status.append(window_->lblStatus->Caption()); });
     Start(Reply(200, archive),
-          [this] { return forms::Forms::Instance().Find(QStringLiteral("FrmUpdate")) == nullptr; });
+          [] { return forms::Forms::Instance().Find(QStringLiteral("FrmUpdate")) == nullptr; });
     EXPECT_EQ(Read(QStringLiteral("hwids.mdb")), database);
     EXPECT_TRUE(main_->count->Enabled());
     EXPECT_FALSE(main_->notice->Visible());
@@ -269,7 +269,7 @@ TEST_F(FrmUpdateTest, ABadArchiveIsReportedAndTheOldDatabaseStays) {
         main_->notice->SetVisible(true);
         main_->count->SetEnabled(false);
         Start(Reply(200, tried.archive),
-              [this] { return forms::Forms::Instance().Find(QStringLiteral("FrmUpdate")) == nullptr; });
+              [] { return forms::Forms::Instance().Find(QStringLiteral("FrmUpdate")) == nullptr; });
         EXPECT_EQ(messages_, QStringList{tried.message});
         EXPECT_EQ(Caption(window_->ImportantLabelUnzip), tried.message);
         EXPECT_EQ(Read(QStringLiteral("hwids.mdb")), before);
