@@ -6,7 +6,9 @@
 #include <QStandardPaths>
 #include <QThread>
 #include <arpa/inet.h>
+#include <csignal>
 #include <netinet/in.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -90,6 +92,9 @@ WebServer::WebServer(const QString& serverFolder) {
     if (geteuid() == 0) {
         phpArguments.append(QStringLiteral("-R"));
     }
+    // A test that is killed must not leave its servers running.
+    for (QProcess* process : {&php_, &nginx_})
+        process->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
     php_.start(php, phpArguments);
     nginx_.start(nginx, {QStringLiteral("-p"), folder_.path(), QStringLiteral("-c"),
                          folder_.filePath(QStringLiteral("nginx.conf")), QStringLiteral("-e"),
