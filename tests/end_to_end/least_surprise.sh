@@ -155,11 +155,11 @@ xdotool windowactivate --sync "$colors" key alt+F4
 
 # A contribution.
 improve=$(open_by_button 275 '^Improve Database$')
-click "$improve" 95 335
+click "$improve" 95 350
 wait_until_still "$improve"
 shot improve
-click "$improve" 373 335
-wait_for 10 test -s new_hardware.txt
+click "$improve" 373 350
+wait_for 10 test -s new_hardware.txt || fail "nothing was submitted; have the buttons moved?"
 wait_until_still "$improve"
 shot submitted
 xdotool windowactivate --sync "$improve" key alt+F4
