@@ -19,20 +19,26 @@ namespace {
 
 constexpr int lookupWindows = 5;
 
+void StopTimers(const forms::Form& form) {
+    for (QObject* control : form.Controls())
+        if (auto* timer = qobject_cast<forms::Timer*>(control))
+            timer->SetEnabled(false);
+}
+
 void SchemeChange(benchmark::State& state) {
     forms::Forms& all = forms::Forms::Instance();
     shell::RegisterMainWindow();
     appearance::RegisterForms();
     inventory::RegisterMenuForm();
     database::RegisterLookupForm();
-    all.Shared(QStringLiteral("FrmMain"))->Show();
+    forms::Form* main = all.Shared(QStringLiteral("FrmMain"));
+    main->Show();
+    // At once, before a further window yields: the start-up work would ask for a database.
+    StopTimers(*main);
     for (int i = 0; i < lookupWindows; ++i)
         all.New(QStringLiteral("FrmLookup"))->Show();
-    // The start-up work would ask for a database.
     for (forms::Form* form : all.Loaded())
-        for (QObject* control : form->Controls())
-            if (auto* timer = qobject_cast<forms::Timer*>(control))
-                timer->SetEnabled(false);
+        StopTimers(*form);
     quint32 shade = 0;
     for (auto _ : state) {
         shade = (shade + 1) % 0x80;

@@ -1,5 +1,5 @@
 // A hand on the mouse while the program works: a thread that clicks the main window's tabs, one after the other, at
-// irregular times, and measures how long each click waits until the handler of the tab control is entered. The events
+// irregular times, and measures how long each click waits until the handler of the tab strip is entered. The events
 // are posted as the window system's are, so that only the program's own event loop and yields serve them.
 #pragma once
 
