@@ -74,6 +74,7 @@ TEST_F(CrashTest, WhileADatabaseIsUnpackedAndReplaced) {
     RecordProperty("old", oldOnes);
     RecordProperty("new", newOnes);
     // What was left lying is swept away by the next update.
+    RestoreTheOldDatabase();
     process = Start({QStringLiteral("update")});
     EXPECT_TRUE(process->Reaches(QStringLiteral("updated"))) << process->Text().toStdString();
     EXPECT_TRUE(process->Ends());

@@ -141,7 +141,8 @@ TEST_F(ShortageTest, FewFileDescriptors) {
     ExpectThatTheProgramStarts();
 }
 
-// Without memory for its own data a process cannot go on; it must not take the files with it.
+// Without memory for its own data or its stack, which cannot grow then, a process ends by a signal; it must not take
+// the files with it.
 TEST_F(ShortageTest, LittleMemory) {
     if (qstrlen(QUORVANE_SANITIZE) != 0)
         GTEST_SKIP() << "skipped: the sanitizers need the address space";
@@ -160,7 +161,6 @@ TEST_F(ShortageTest, LittleMemory) {
             const auto process = Start(job, {limit});
             EXPECT_TRUE(process->Ends()) << process->Text().toStdString();
             (process->Status() == 0 ? survived : ended) += 1;
-            EXPECT_NE(process->Status(), 128 + 11);
             const QString version = CheckedVersion();
             if (version == QStringLiteral("2.0.0")) {
                 ExpectTheNewDatabase();
