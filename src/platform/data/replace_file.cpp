@@ -3,15 +3,17 @@
 #include "data/error.h"
 #include "data/session.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <sqlite3.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace data {
@@ -65,6 +67,52 @@ Handle OpenExclusively(const QString& path, QString& error) {
     return handle;
 }
 
+// One replacement at a time. The system itself lets go of the lock when its holder ends, however that ends; a file that
+// names the holder by its number could name another process by the time somebody reads it.
+class ReplacementLock {
+  public:
+    explicit ReplacementLock(const QString& path) : path_(QFile::encodeName(path)) {
+        QElapsedTimer waiting;
+        waiting.start();
+        while (!Try() && errno == EWOULDBLOCK && !waiting.hasExpired(lockTimeout)) {
+            ::usleep(10'000);
+        }
+    }
+    ~ReplacementLock() {
+        if (file_ >= 0) {
+            ::unlink(path_.constData());
+            ::close(file_);
+        }
+    }
+    ReplacementLock(const ReplacementLock&) = delete;
+    ReplacementLock& operator=(const ReplacementLock&) = delete;
+
+    bool IsHeld() const { return file_ >= 0; }
+
+  private:
+    // False, with errno saying why; EWOULDBLOCK where it is worth another try.
+    bool Try() {
+        const int file = ::open(path_.constData(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, 0666);
+        if (file < 0) {
+            return false;
+        }
+        struct stat locked {};
+        struct stat named {};
+        // The holder before may have removed the file meanwhile: a lock on that is none.
+        if (::flock(file, LOCK_EX | LOCK_NB) == 0 && ::fstat(file, &locked) == 0 &&
+            ::stat(path_.constData(), &named) == 0 && locked.st_ino == named.st_ino) {
+            file_ = file;
+            return true;
+        }
+        ::close(file);
+        errno = EWOULDBLOCK;
+        return false;
+    }
+
+    QByteArray path_;
+    int file_ = -1;
+};
+
 } // namespace
 
 bool IsDatabaseFile(const QString& nativePath) {
@@ -86,9 +134,8 @@ bool ReplaceDatabaseFile(const QString& newFile, const QString& target, QString*
         what = QStringLiteral("not a file");
         return false;
     }
-    QLockFile lock(place + QStringLiteral(".lock"));
-    lock.setStaleLockTime(0);
-    if (!lock.tryLock(lockTimeout)) {
+    const ReplacementLock lock(place + QStringLiteral(".lock"));
+    if (!lock.IsHeld()) {
         what = QStringLiteral("the folder cannot be written, or another replacement is under way");
         return false;
     }

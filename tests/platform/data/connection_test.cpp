@@ -1,6 +1,9 @@
 #include "database_fixture.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QSysInfo>
 
 using namespace data;
 
@@ -128,6 +131,20 @@ TEST_F(ConnectionTest, AReplacedFileIsFollowedAndAnUnlinkedOneNeverWritten) {
     EXPECT_NE(NumberOf([&] { connection->BeginTrans(); }), 0);
     EXPECT_EQ(InfoOf(connection, QStringLiteral("b")), QStringLiteral("new"));
     EXPECT_FALSE(QFile::exists(Path()));
+}
+
+// Left by a process that was killed, whose number another process of the program has now: this one.
+TEST_F(ConnectionTest, ALockFileThatNobodyHoldsKeepsNobodyOut) {
+    QFile lock(Path("hwids.mdb.lock"));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    const QByteArray name = QFileInfo(QCoreApplication::applicationFilePath()).fileName().toUtf8();
+    lock.write(QByteArray::number(QCoreApplication::applicationPid()) + '\n' + name + '\n' +
+               QSysInfo::machineHostName().toUtf8() + "\n");
+    lock.close();
+    Make(Path("new.mdb"));
+    QString error;
+    EXPECT_TRUE(ReplaceDatabaseFile(Path("new.mdb"), Path(), &error)) << error.toStdString();
+    EXPECT_FALSE(lock.exists());
 }
 
 TEST_F(ConnectionTest, AJournalOfTheOldFileDoesNotReachTheNewOne) {
