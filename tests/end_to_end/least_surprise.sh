@@ -100,10 +100,24 @@ open_by_button() {
 # Pictures for whoever works on this script.
 shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
 
-# written RECORD: what is opened to be written, made, moved, changed or removed, each as a full path. A call that the record
-# shows in two parts counts as done.
+# whole_calls RECORD: the record with each call that another thread's interrupted in one line with its result.
+whole_calls() {
+  awk '
+    / <unfinished \.\.\.>$/ { sub(/ <unfinished \.\.\.>$/, ""); begun[$1] = $0; next }
+    $2 == "<..." && $1 in begun {
+      start = begun[$1]
+      delete begun[$1]
+      sub(/^[0-9]+ +<\.\.\. [a-z0-9_]+ resumed>/, "")
+      $0 = start $0
+    }
+    { print }
+    END { for (pid in begun) print begun[pid] }' "$1"
+}
+
+# written RECORD: what is opened to be written, made, moved, changed or removed, each as a full path. A call that never
+# returned counts as done.
 written() {
-  sed -E 's/^[0-9]+ +//' "$1" | grep -v ' = -1 ' | grep -E \
+  whole_calls "$1" | sed -E 's/^[0-9]+ +//' | grep -v ' = -1 ' | grep -E \
     '^(open|openat|openat2)\(.*O_(WRONLY|RDWR|CREAT|TRUNC)|^(creat|mkdir|rmdir|unlink|rename|link|symlink|truncate|f?chmod|f?chown|lchown|mknod|utime|setxattr)' |
     sed -nE 's/^((sym)?link(at)?\()"[^"]*", /\1/; s/^[a-z0-9]+\(((AT_FDCWD|[0-9]+)<([^>]*)>, )?"([^"]*)"(, ((AT_FDCWD|[0-9]+)<[^>]*>, )?"([^"]*)")?.*/\3\t\4\n\3\t\8/p' |
     awk -F'\t' '$2 != "" { print ($2 ~ /^\//) ? $2 : $1 "/" $2 }' | sort -u
@@ -116,12 +130,16 @@ cat >"$scratch/example" <<'END'
 1 openat(7</q>, "there", O_RDWR) = 5</q/there>
 1 openat(AT_FDCWD</p>, "/read", O_RDONLY|O_CLOEXEC) = 5</read>
 1 mkdir("/not", 0777) = -1 EEXIST (File exists)
+2 mkdir("/neither", 0777 <unfinished ...>
+3 unlink("/with", 0 <unfinished ...>
+2 <... mkdir resumed>) = -1 EEXIST (File exists)
+3 <... unlink resumed>) = 0
 1 renameat2(AT_FDCWD</p>, "/a", AT_FDCWD</p>, "/b", RENAME_NOREPLACE) = 0
 1 symlink("text", "/link") = 0
 1 unlink("/gone") = 0
 1 fchmodat(AT_FDCWD</p>, "/mode", 0600) = 0
 END
-expect "the example" "$(written "$scratch/example" | tr '\n' ' ')" "/a /b /gone /home/u/.cache/x /link /mode /p/here /q/there "
+expect "the example" "$(written "$scratch/example" | tr '\n' ' ')" "/a /b /gone /home/u/.cache/x /link /mode /p/here /q/there /with "
 
 # A lookup.
 click "$main" 200 140 --repeat 2 --delay 60
