@@ -114,7 +114,8 @@ std::vector<pnp::Device> Walk() {
 }
 
 bool IsClean(const QString& text) {
-    return std::none_of(text.begin(), text.end(), [](QChar c) { return c < u' ' && c != u'\t'; });
+    return std::none_of(text.begin(), text.end(),
+                        [](QChar c) { return c.category() == QChar::Other_Control && c != u'\t'; });
 }
 
 void Check(const std::vector<pnp::Device>& devices) {

@@ -7,8 +7,9 @@
 namespace {
 
 bool IsClean(const QString& text) {
-    return text == text.trimmed() &&
-           std::none_of(text.begin(), text.end(), [](QChar c) { return c < u' ' && c != u'\t'; });
+    return text == text.trimmed() && std::none_of(text.begin(), text.end(), [](QChar c) {
+               return c.category() == QChar::Other_Control && c != u'\t';
+           });
 }
 
 void Check(const std::optional<pnp::Edid>& edid) {
