@@ -190,8 +190,7 @@ TEST_F(FrmUpdateTest, AFinishedDownloadReplacesTheDatabase) {
     Open();
     QObject::connect(window_->DL1, &updating::DownLoadControl::StatusChange, window_,
                      [&](const QString&) { status.append(window_->lblStatus->Caption()); });
-    Start(Reply(200, archive),
-          [] { return forms::Forms::Instance().Find(QStringLiteral("FrmUpdate")) == nullptr; });
+    Start(Reply(200, archive), [] { return forms::Forms::Instance().Find(QStringLiteral("FrmUpdate")) == nullptr; });
     EXPECT_EQ(Read(QStringLiteral("hwids.mdb")), database);
     EXPECT_TRUE(main_->count->Enabled());
     EXPECT_FALSE(main_->notice->Visible());
