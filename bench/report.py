@@ -113,8 +113,9 @@ ROWS = [
         time("start", "HardinfoToWindow"), "hardinfo to its window, empty"),
     Row("the same start with 1,000,000 hardware IDs", time("start", "ProgramToDoneWithLargeDatabase"), "difference", 40,
         time("start", "ProgramToDone"), "default database"),
+    # The store's page cache is 2 MiB at most, and a large database fills it.
     Row("resident memory with 1,000,000 hardware IDs", counter("start", "ProgramToDoneWithLargeDatabase", "resident_MiB", "MiB"),
-        "difference", 1, counter("start", "ProgramToDone", "resident_MiB", "MiB"), "default database"),
+        "difference", 2, counter("start", "ProgramToDone", "resident_MiB", "MiB"), "default database"),
     Row("resident memory after the first scan", counter("start", "ProgramToDone", "resident_MiB", "MiB"), "difference", 25,
         counter("start", "EmptyWindowToFirstPaint", "resident_MiB", "MiB"), EMPTY),
     Row("idle: wake-ups (the 250 ms timer of the tab captions: 4)", counter("start", "ProgramIdle", "wake_ups_per_s", "a second"),
