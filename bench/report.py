@@ -199,7 +199,7 @@ def processor():
 def machine(context):
     day = datetime.date.fromisoformat(context["date"][:10])
     return (f"Measured on {day}, {context['num_cpus']} cores of {processor()} at {context['mhz_per_cpu']} MHz, load "
-            f"{', '.join(f'{load:.1f}' for load in context['load_avg'])} at the start, Linux {platform.release()}; "
+            f"{', '.join(f'{load:.1f}' for load in context['load_avg'])} at the start, Linux {platform.release().split('-')[0]}; "
             f"{versions()}.")
 
 
