@@ -39,6 +39,7 @@
 #include <QDir>
 #include <QTimer>
 #include <cstdlib>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -92,11 +93,20 @@ void WatchLabels() {
     }
 }
 
+// The number of descriptors that are in use. Numbers that lie free between them are taken, since a limit would not
+// cover them.
 int OpenFiles() {
     int highest = 0;
     for (const QString& name : QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files))
         highest = std::max(highest, name.toInt());
-    return highest + 1;
+    int last = 0;
+    while (last < highest) {
+        const int taken = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        if (taken < 0)
+            break;
+        last = taken;
+    }
+    return std::max(highest, last) + 1;
 }
 
 void LimitResources() {
@@ -158,8 +168,14 @@ void Submit(const Order&) {
 void Update(const Order&) {
     Main()->CommandCheckForUpdates_Click();
     const auto window = [] { return Find<updating::FrmUpdate>("FrmUpdate"); };
-    if (!WaitFor([&] { return window() == nullptr || window()->CommandDownloadDatabase->Enabled(); }))
+    const auto unanswered = [&] { return window()->Label4->Caption() == QStringLiteral("Online Version: Error"); };
+    if (!WaitFor([&] { return window() == nullptr || window()->CommandDownloadDatabase->Enabled() || unanswered(); }) ||
+        window() == nullptr)
         return;
+    if (unanswered()) {
+        Tell(QStringLiteral("failed ") + window()->Label4->Caption());
+        return;
+    }
     QTimer watch;
     bool unpacking = false;
     QObject::connect(&watch, &QTimer::timeout, [&] {
