@@ -112,6 +112,8 @@ TEST_F(WindowsAudit, EverythingThatCanBeOperatedHasANameAndARole) {
         QAccessibleInterface* window = QAccessible::queryAccessibleInterface(form);
         if (window->text(QAccessible::Name).isEmpty())
             faults << form->Name() + ": no title";
+        if (window->role() != QAccessible::Window)
+            faults << form->Name() + " is no window";
         for (QAccessibleInterface* element : Shown(window)) {
             const auto* widget = qobject_cast<QWidget*>(element->object());
             const QString where = form->Name() + ": " + (widget ? Describe(widget) : QString("part of a control"));

@@ -1,5 +1,6 @@
 #include "forms/accessible.h"
 
+#include "forms/form.h"
 #include "forms/label.h"
 #include "forms/picture_box.h"
 
@@ -29,6 +30,9 @@ class AccessibleLabel : public QAccessibleWidget {
 
 QAccessibleInterface* Make(const QString& className, QObject* object) {
     Q_UNUSED(className)
+    // Screen readers look for the active window by its role, and a bare widget has none.
+    if (auto* form = qobject_cast<Form*>(object))
+        return new QAccessibleWidget(form, QAccessible::Window);
     if (auto* label = qobject_cast<Label*>(object))
         return new AccessibleLabel(label);
     // One that holds controls is the ground that they stand on.

@@ -1,6 +1,7 @@
 #include "forms/form.h"
 
 #include "draw/system_colours.h"
+#include "forms/accessible.h"
 #include "forms/colour_key.h"
 #include "forms/compositor.h"
 #include "forms/control.h"
@@ -42,6 +43,7 @@ class Form::ClientArea : public QWidget {
 Form::Form(const QString& name, double width, double height)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint), drag_(std::make_unique<FormDrag>(*this)),
       shadow_(std::make_unique<ShadowFrame>(*this)) {
+    InstallAccessibility();
     setObjectName(name);
     // The visual of a window is fixed when it is made, so a window that may get a shadow must be transparent from the
     // start.
