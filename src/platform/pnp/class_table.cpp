@@ -1,7 +1,5 @@
 #include "pnp/class_table.h"
 
-#include <algorithm>
-
 namespace pnp {
 
 namespace {
@@ -48,12 +46,5 @@ constexpr SetupClass Classes[] = {
 } // namespace
 
 std::span<const SetupClass> SetupClasses() { return Classes; }
-
-const SetupClass* FindSetupClass(QStringView guid) {
-    const auto found = std::find_if(std::begin(Classes), std::end(Classes), [guid](const SetupClass& entry) {
-        return guid.compare(QStringView(entry.guid), Qt::CaseInsensitive) == 0;
-    });
-    return found == std::end(Classes) ? nullptr : found;
-}
 
 } // namespace pnp

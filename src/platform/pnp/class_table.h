@@ -2,7 +2,6 @@
 // registry tells it. Fixed data; whoever draws or looks up class icons takes module and resource id from here.
 #pragma once
 
-#include <QStringView>
 #include <span>
 
 namespace pnp {
@@ -29,11 +28,7 @@ struct SetupClass {
     int iconResource;
 };
 
-// Ordered by name.
 std::span<const SetupClass> SetupClasses();
-
-// The class of a GUID, in any case; null for one that is not in the table.
-const SetupClass* FindSetupClass(QStringView guid);
 
 namespace class_guid {
 

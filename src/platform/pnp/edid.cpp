@@ -11,7 +11,6 @@ constexpr std::size_t FirstDescriptor = 54;
 constexpr std::size_t DescriptorSize = 18;
 constexpr std::size_t DescriptorText = 5;
 constexpr unsigned char NameTag = 0xFC;
-constexpr unsigned char SerialTag = 0xFF;
 
 QString DescriptorString(const std::string& block, std::size_t at) {
     std::string text = block.substr(at + DescriptorText, DescriptorSize - DescriptorText);
@@ -23,7 +22,7 @@ QString DescriptorString(const std::string& block, std::size_t at) {
 
 std::optional<Edid> ParseEdid(const std::string& block) {
     const std::string header("\x00\xFF\xFF\xFF\xFF\xFF\xFF\x00", 8);
-    if (block.size() < BlockSize || block.compare(0, header.size(), header) != 0)
+    if (block.size() < BlockSize || !block.starts_with(header))
         return std::nullopt;
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(block[at]); };
     Edid edid;
@@ -36,12 +35,9 @@ std::optional<Edid> ParseEdid(const std::string& block) {
     }
     edid.product = quint16(byte(10) | byte(11) << 8);
     for (std::size_t at = FirstDescriptor; at + DescriptorSize <= BlockSize - 2; at += DescriptorSize) {
-        if (byte(at) != 0 || byte(at + 1) != 0)
-            continue;
-        if (byte(at + 3) == NameTag)
+        // Two zeros tell a descriptor from a timing.
+        if (byte(at) == 0 && byte(at + 1) == 0 && byte(at + 3) == NameTag)
             edid.name = DescriptorString(block, at);
-        else if (byte(at + 3) == SerialTag)
-            edid.serial = DescriptorString(block, at);
     }
     return edid;
 }

@@ -13,7 +13,6 @@ struct Edid {
     quint16 product = 0;
     // From the descriptors; empty where the block has none.
     QString name;
-    QString serial;
 };
 
 // Nothing for a block that is short, lacks the header or names no vendor. The checksum is not asked: many monitors
