@@ -5,7 +5,6 @@
 #include "pnp/device_tree.h"
 
 #include <QDateTime>
-#include <QTimeZone>
 
 namespace pnp {
 
@@ -21,6 +20,11 @@ constexpr quint32 TypeMultiText = 7;
 
 const QString EnumPath = QStringLiteral("SYSTEM\\CurrentControlSet\\Enum");
 const QString ClassPath = QStringLiteral("SYSTEM\\CurrentControlSet\\Control\\Class");
+
+// The bytes of a text with its terminator, as values of text types hold it.
+QByteArray WideBytes(const QString& text) {
+    return {reinterpret_cast<const char*>(text.utf16()), (text.size() + 1) * qsizetype(sizeof(char16_t))};
+}
 
 quint64 FileTime(const QDateTime& time) {
     static const QDateTime epoch(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC);
@@ -67,6 +71,19 @@ std::shared_ptr<RegistryKey> MakeChild(RegistryKey& parent, const QString& name,
     return child;
 }
 
+// The key below `key`, made with all that is missing on the way.
+std::shared_ptr<RegistryKey> MakePath(std::shared_ptr<RegistryKey> key, const QString& path) {
+    for (const QString& part : path.split(QLatin1Char('\\'), Qt::SkipEmptyParts)) {
+        std::shared_ptr<RegistryKey> child = Child(*key, part);
+        if (child == nullptr) {
+            child = MakeChild(*key, part, FileTimeNow());
+            key->lastWrite = child->lastWrite;
+        }
+        key = std::move(child);
+    }
+    return key;
+}
+
 void RemoveDeviceKeys(RegistryKey& key) {
     for (auto child = key.children.begin(); child != key.children.end();) {
         if (child->second->fromDevices) {
@@ -85,10 +102,6 @@ QString IconLocation(const SetupClass& entry) {
 }
 
 } // namespace
-
-QByteArray WideBytes(const QString& text) {
-    return {reinterpret_cast<const char*>(text.utf16()), (text.size() + 1) * qsizetype(sizeof(char16_t))};
-}
 
 quint64 FileTimeNow() { return FileTime(base::Now().toUTC()); }
 
@@ -127,16 +140,7 @@ void RegistryHive::AddClasses() {
     }
 }
 
-std::shared_ptr<RegistryKey> RegistryHive::Ensure(const QString& path) {
-    bool existed = false;
-    std::shared_ptr<RegistryKey> key = roots_[LocalMachine];
-    for (const QString& part : path.split(QLatin1Char('\\'), Qt::SkipEmptyParts)) {
-        std::shared_ptr<RegistryKey> child = Child(*key, part);
-        existed = child != nullptr;
-        key = existed ? child : MakeChild(*key, part, FileTimeNow());
-    }
-    return key;
-}
+std::shared_ptr<RegistryKey> RegistryHive::Ensure(const QString& path) { return MakePath(roots_[LocalMachine], path); }
 
 // Keys of an older snapshot go; handles that are still open keep theirs.
 void RegistryHive::FollowSnapshot() {
@@ -233,17 +237,7 @@ std::shared_ptr<RegistryKey> RegistryHive::Create(quint32 root, const QString& p
     if (existed)
         return key;
     key = Root(root);
-    if (key == nullptr)
-        return nullptr;
-    for (const QString& part : path.split(QLatin1Char('\\'), Qt::SkipEmptyParts)) {
-        std::shared_ptr<RegistryKey> child = Child(*key, part);
-        if (child == nullptr) {
-            child = MakeChild(*key, part, FileTimeNow());
-            key->lastWrite = FileTimeNow();
-        }
-        key = child;
-    }
-    return key;
+    return key == nullptr ? nullptr : MakePath(std::move(key), path);
 }
 
 bool RegistryHive::Delete(quint32 root, const QString& path, bool& found) {

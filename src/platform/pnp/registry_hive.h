@@ -44,8 +44,9 @@ class RegistryHive {
 
     // The root of HKEY_CLASSES_ROOT to HKEY_CURRENT_CONFIG (0x80000000 to 0x80000005); null for other numbers.
     std::shared_ptr<RegistryKey> Root(quint32 root) const;
-    // The key below a key of that path from its root; null if there is none.
+    // The key of a path below a root; null if there is none.
     std::shared_ptr<RegistryKey> Open(quint32 root, const QString& path);
+    // The same, made with all that is missing on the way; null for a root that there is not.
     std::shared_ptr<RegistryKey> Create(quint32 root, const QString& path, bool& existed);
     // A key with children stays: false. False, too, for one that is not there (`found` tells).
     bool Delete(quint32 root, const QString& path, bool& found);
@@ -56,6 +57,7 @@ class RegistryHive {
     void FollowSnapshot();
     void AddClasses();
     void AddDevice(const Device& device);
+    // Below HKEY_LOCAL_MACHINE.
     std::shared_ptr<RegistryKey> Ensure(const QString& path);
 
     std::map<quint32, std::shared_ptr<RegistryKey>> roots_;
@@ -66,9 +68,7 @@ class RegistryHive {
 // The one of the process.
 RegistryHive& Hive();
 
-// The bytes of a text with its terminator, as values of text types hold it.
-QByteArray WideBytes(const QString& text);
-
+// 100 nanoseconds since 1601, UTC, by the program's clock.
 quint64 FileTimeNow();
 
 } // namespace pnp
