@@ -10,7 +10,7 @@ struct AcpiKind {
     const char* id;
     const char16_t* guid;
     const char16_t* name;
-    // Works without a driver of its own.
+    // False for what works without a driver of its own.
     bool needsDriver;
 };
 

@@ -18,9 +18,7 @@ constexpr quint32 StatusFunctioning = 1U << 3;
 // ACPI nodes lie two levels below the root, whatever their depth in the namespace.
 constexpr int AcpiLevel = 3;
 
-bool IsHiddenName(const std::string& name) {
-    return name.compare(0, 3, "LNX") == 0 || name.compare(0, 7, "device:") == 0;
-}
+bool IsHiddenName(const std::string& name) { return name.starts_with("LNX") || name.starts_with("device:"); }
 
 QString Identifier(const QString& text) {
     const QString id = text.trimmed().toUpper();
@@ -30,9 +28,11 @@ QString Identifier(const QString& text) {
 // "acpi:LEN0071:PNP0303:": the node's own identifier and those it is compatible with.
 QStringList AliasIds(const std::string& alias) {
     QStringList ids;
-    if (alias.compare(0, 5, "acpi:") != 0)
+    const std::string start = "acpi:";
+    if (!alias.starts_with(start))
         return ids;
-    for (const QString& part : QString::fromStdString(alias.substr(5)).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
+    for (const QString& part :
+         QString::fromStdString(alias.substr(start.size())).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
         if (const QString id = Identifier(part); !id.isEmpty() && !id.startsWith(QStringLiteral("LNX")))
             ids.append(id);
     }

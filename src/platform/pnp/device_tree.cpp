@@ -3,8 +3,6 @@
 #include "base/clock.h"
 #include "pnp/bus_reader.h"
 
-#include <functional>
-
 namespace pnp {
 
 namespace {

@@ -70,22 +70,16 @@ struct HostPlace {
     quint32 path = 0;
 };
 
-bool StartsWithNumbered(const std::string& name, const char* prefix) {
-    const std::string start(prefix);
-    return name.size() > start.size() && name.compare(0, start.size(), start) == 0 && name[start.size()] >= '0' &&
-           name[start.size()] <= '9';
-}
-
 HostPlace FindHost(const Context& context, const std::string& path) {
     std::string folder = path;
-    while (!folder.empty() && !StartsWithNumbered(LastComponent(folder), "host"))
+    while (!folder.empty() && !IsNumbered(LastComponent(folder), "host"))
         folder = ParentPath(folder);
     if (folder.empty())
         return {ParentPath(path), 0};
     // ATA hosts stand below a port each: ".../0000:00:1f.2/ata1/host0".
     std::string counted = folder;
     const char* prefix = "host";
-    if (StartsWithNumbered(LastComponent(ParentPath(folder)), "ata")) {
+    if (IsNumbered(LastComponent(ParentPath(folder)), "ata")) {
         counted = ParentPath(folder);
         prefix = "ata";
     }
@@ -93,7 +87,7 @@ HostPlace FindHost(const Context& context, const std::string& path) {
     for (const std::string& name : context.Files().List(place.owner)) {
         if (name == LastComponent(counted))
             break;
-        place.path += StartsWithNumbered(name, prefix) ? 1 : 0;
+        place.path += IsNumbered(name, prefix) ? 1 : 0;
     }
     return place;
 }
@@ -145,8 +139,9 @@ void ReadScsi(Context& context, const std::string& path, std::vector<Device>& de
     const Node node = context.At(path);
     const std::optional<ScsiAddress> address = ParseAddress(node.Name());
     std::optional<quint32> number = node.Decimal("type");
-    if (const std::string alias = node.Modalias(); !number && alias.compare(0, 9, "scsi:t-0x") == 0)
-        number = ParseHex(alias.substr(9));
+    const std::string aliasStart = "scsi:t-0x";
+    if (const std::string alias = node.Modalias(); !number && alias.starts_with(aliasStart))
+        number = ParseHex(alias.substr(aliasStart.size()));
     const TypeRow* type = number ? FindType(*number) : nullptr;
     if (!address || type == nullptr)
         return;

@@ -13,7 +13,7 @@ std::vector<std::string> ListCodecs(const Context& context) {
         return ListEntries(context, "/bus/hdaudio/devices");
     std::vector<std::string> codecs;
     for (const std::string& path : ListEntries(context, "/class/sound")) {
-        if (LastComponent(path).compare(0, 3, "hwC") == 0)
+        if (LastComponent(path).starts_with("hwC"))
             codecs.push_back(path);
     }
     return codecs;
@@ -33,7 +33,7 @@ void ReadCodec(Context& context, const std::string& path, std::vector<Device>& d
     std::optional<quint32> vendor = node.Hex("vendor_id");
     std::optional<quint32> revision = node.Hex("revision_id");
     // "hdaudio:v10EC0257r00100001a01"
-    if (!vendor && alias.compare(0, 9, "hdaudio:v") == 0 && alias.size() >= 26) {
+    if (!vendor && alias.starts_with("hdaudio:v") && alias.size() >= 26) {
         vendor = ParseHex(alias.substr(9, 8));
         revision = ParseHex(alias.substr(18, 8));
     }

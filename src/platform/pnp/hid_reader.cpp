@@ -103,7 +103,7 @@ Parts ReadParts(const Node& node, const HidIds& ids) {
     } else if (ids.bus == BusI2c) {
         // "i2c-ELAN0672:00"
         const std::string name = parent.Name();
-        if (name.compare(0, 4, "i2c-") == 0 && name.find(':') != std::string::npos) {
+        if (name.starts_with("i2c-") && name.find(':') != std::string::npos) {
             parts.base = QStringLiteral("HID\\") + PathText(CleanAttribute(name.substr(4, name.find(':') - 4)));
             parts.vendor.clear();
         }

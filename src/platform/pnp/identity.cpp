@@ -19,13 +19,6 @@ bool AllHex(const std::string& text, std::size_t begin, std::size_t count) {
     return true;
 }
 
-bool NumberedName(const std::string& component, const char* prefix) {
-    const std::string start(prefix);
-    return component.size() > start.size() && component.compare(0, start.size(), start) == 0 &&
-           std::all_of(component.begin() + std::ptrdiff_t(start.size()), component.end(),
-                       [](char c) { return c >= '0' && c <= '9'; });
-}
-
 // "0003:046D:C52B.0004": the last number is counted up at each arrival.
 bool IsHidInstance(const std::string& component) {
     return component.size() == 19 && component[4] == ':' && component[9] == ':' && component[14] == '.' &&
@@ -56,6 +49,10 @@ QString InstanceSuffix(int level, const std::string& parent, const QString& loca
     return QString::number(level) + QLatin1Char('&') + Hex(StableHash(parent), 1) + QStringLiteral("&0&") + location;
 }
 
+bool IsNumbered(std::string_view component, std::string_view prefix) {
+    return component.starts_with(prefix) && AllDigits(component.substr(prefix.size()));
+}
+
 bool IsPciAddress(const std::string& component) {
     const std::size_t colon = component.find(':');
     return (colon == 4 || colon == 5) && component.size() == colon + 8 && component[colon + 3] == ':' &&
@@ -76,7 +73,7 @@ int TreeLevel(const std::string& path) {
     for (const std::string& part : Components(path)) {
         if (IsPciAddress(part)) {
             ++functions;
-        } else if (NumberedName(part, "usb") || IsHidInstance(part)) {
+        } else if (IsNumbered(part, "usb") || IsHidInstance(part)) {
             ++others;
         } else if (!part.empty() && std::isdigit(static_cast<unsigned char>(part[0])) != 0 &&
                    part.find('-') != std::string::npos) {
@@ -93,9 +90,9 @@ std::string StablePath(const std::string& path) {
         stable += '/';
         if (IsHidInstance(part))
             stable += part.substr(0, 14);
-        else if (NumberedName(part, "i2c-"))
+        else if (IsNumbered(part, "i2c-"))
             stable += "i2c";
-        else if (NumberedName(part, "host"))
+        else if (IsNumbered(part, "host"))
             stable += "host";
         else
             stable += part;

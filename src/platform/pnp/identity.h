@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <string>
+#include <string_view>
 
 namespace pnp {
 
@@ -22,6 +23,8 @@ int TreeLevel(const std::string& path);
 // The path without the numbers that the kernel counts up as devices come: HID instances, I2C adapters, SCSI hosts.
 std::string StablePath(const std::string& path);
 
+// Whether a path component is the prefix with a number behind it, as "host7" is for "host".
+bool IsNumbered(std::string_view component, std::string_view prefix);
 // Whether a path component is the address of a PCI function ("0000:00:1f.2").
 bool IsPciAddress(const std::string& component);
 // The folder of the innermost PCI function on the path; empty if there is none.

@@ -31,7 +31,7 @@ void ReadSubsystem(const Node& node, const std::string& alias, const std::string
     std::optional<quint32> device = node.Hex("subsystem_device");
     if (!vendor || !device)
         std::tie(vendor, device) = Pair(node.Uevent("PCI_SUBSYS_ID"));
-    if ((!vendor || !device) && alias.compare(0, 5, "pci:v") == 0) {
+    if ((!vendor || !device) && alias.starts_with("pci:v")) {
         vendor = AliasField(alias, "sv", 8);
         device = AliasField(alias, "sd", 8);
     }
@@ -58,8 +58,9 @@ PciFunction ReadPciFunction(const Node& node) {
         function.revision && node.Has("subsystem_device") ? std::string() : node.Bytes("config", 64);
     if (!function.vendor || !function.device)
         std::tie(function.vendor, function.device) = Pair(node.Uevent("PCI_ID"));
-    if ((!function.vendor || !function.device) && alias.compare(0, 5, "pci:v") == 0) {
+    if ((!function.vendor || !function.device) && alias.starts_with("pci:v")) {
         function.vendor = AliasField(alias, "pci:v", 8);
+        // The first "d" behind the vendor, whose digits are in upper case.
         function.device = AliasField(alias, "d", 8);
     }
     if (!function.classCode)

@@ -55,7 +55,7 @@ Node FunctionalNode(const Node& node, const PciFunction& function) {
     if (function.vendor != VirtioVendor)
         return node;
     for (const std::string& name : node.List()) {
-        if (name.compare(0, 6, "virtio") == 0 && name.size() > 6)
+        if (IsNumbered(name, "virtio"))
             return node.Child(name);
     }
     return node;

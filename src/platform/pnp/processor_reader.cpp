@@ -68,7 +68,7 @@ std::vector<std::string> ListProcessors(const Context& context) {
     if (!context.Files().Has("/devices/system/cpu/modalias"))
         return paths;
     for (const std::string& name : context.Files().List("/devices/system/cpu")) {
-        if (name.compare(0, 3, "cpu") == 0 && ParseDecimal(name.substr(3)))
+        if (IsNumbered(name, "cpu"))
             paths.push_back("/devices/system/cpu/" + name);
     }
     return paths;

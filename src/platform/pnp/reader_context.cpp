@@ -21,7 +21,7 @@ QString Context::KernelRelease() {
         return release_;
     }
     for (const std::string& name : files_.List("/bus/usb/devices")) {
-        if (name.compare(0, 3, "usb") != 0)
+        if (!IsNumbered(name, "usb"))
             continue;
         const QStringList words = At("/bus/usb/devices/" + name).Text("manufacturer").split(QLatin1Char(' '));
         if (words.size() >= 2 && words[0] == QStringLiteral("Linux")) {
@@ -58,7 +58,7 @@ std::string Context::Stable(const std::string& path) {
         return stable;
     const std::size_t end = std::min(path.find('/', begin + 1), path.size());
     const std::string bus = path.substr(begin + 1, end - begin - 1);
-    if (bus.size() < 4 || !std::all_of(bus.begin() + 3, bus.end(), [](char c) { return c >= '0' && c <= '9'; }))
+    if (!IsNumbered(bus, "usb"))
         return stable;
     // The buses of one controller keep their order, whatever other controllers are counted before them.
     const std::string controller = path.substr(0, begin);
@@ -68,7 +68,7 @@ std::string Context::Stable(const std::string& path) {
         for (const std::string& name : files_.List(controller)) {
             if (name == bus)
                 break;
-            rank += name.size() > 3 && name.compare(0, 3, "usb") == 0 && name[3] >= '0' && name[3] <= '9' ? 1 : 0;
+            rank += IsNumbered(name, "usb") ? 1 : 0;
         }
         usbBuses_.insert(key, QByteArray("usb#") + QByteArray::number(rank));
     }
@@ -76,9 +76,7 @@ std::string Context::Stable(const std::string& path) {
     for (const std::string& part : Components(path.substr(end))) {
         // "1-2.3:1.0" without the number of the bus.
         const std::size_t dash = part.find('-');
-        const bool numbered =
-            dash != std::string::npos && dash > 0 &&
-            std::all_of(part.begin(), part.begin() + std::ptrdiff_t(dash), [](char c) { return c >= '0' && c <= '9'; });
+        const bool numbered = dash != std::string::npos && AllDigits(part.substr(0, dash));
         result += '/';
         result += numbered ? part.substr(dash) : LastComponent(StablePath("/" + part));
     }

@@ -8,14 +8,14 @@ namespace pnp {
 
 namespace {
 
-const std::string VirtualNet = "/devices/virtual/net/";
+constexpr const char* VirtualNet = "/devices/virtual/net/";
 
 std::vector<std::string> ListNet(const Context& context) { return ListEntries(context, "/class/net"); }
 
 void ReadNet(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);
     // All others belong to the device they stand below.
-    if (!node.Exists() || path.compare(0, VirtualNet.size(), VirtualNet) != 0)
+    if (!node.Exists() || !path.starts_with(VirtualNet))
         return;
     Device device;
     const QString name = CleanAttribute(node.Name());

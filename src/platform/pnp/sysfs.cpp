@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QStringDecoder>
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <dirent.h>
@@ -141,6 +140,11 @@ bool IsThere(int folder, const std::string& path) {
     return fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
+// What turns the text behind it round, so that a list shows other than what it holds.
+bool IsDirectionMark(char16_t c) {
+    return c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
 } // namespace
 
 Sysfs::Sysfs(const QString& root) : root_(QFile::encodeName(root).toStdString()) {
@@ -156,15 +160,10 @@ bool Sysfs::Readable() const {
     return true;
 }
 
-std::optional<std::string> Sysfs::Read(const std::string& path, std::size_t limit) const {
-    return ReadFile(AT_FDCWD, root_ + path, limit);
-}
-
 std::string Sysfs::Below(const std::string& folder, const std::string& target) const {
     if (target.empty() || target.front() != '/')
         return target.empty() ? std::string() : Normalised(folder, target);
-    return target.compare(0, root_.size() + 1, root_ + "/") == 0 ? Normalised({}, target.substr(root_.size()))
-                                                                 : std::string();
+    return target.starts_with(root_ + "/") ? Normalised({}, target.substr(root_.size())) : std::string();
 }
 
 std::string Sysfs::Link(const std::string& path) const {
@@ -315,11 +314,6 @@ std::vector<std::string> Components(const std::string& path) {
     return parts;
 }
 
-// What turns the text behind it round, so that a list shows other than what it holds.
-static bool IsDirectionMark(char16_t c) {
-    return c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
-}
-
 QString CleanAttribute(const std::string& bytes) {
     const std::size_t end = std::min(bytes.find('\0'), bytes.size());
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -332,6 +326,8 @@ QString CleanAttribute(const std::string& bytes) {
     }
     return text.trimmed();
 }
+
+bool AllDigits(std::string_view text) { return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit); }
 
 std::optional<quint32> ParseHex(const std::string& text) {
     const std::size_t begin = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X') ? 2 : 0;

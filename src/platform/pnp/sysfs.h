@@ -2,12 +2,11 @@
 // or makes no sense; none blocks, none throws. Paths are bytes relative to the root and begin with "/".
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
 #include <QString>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pnp {
@@ -17,8 +16,6 @@ class Sysfs {
     explicit Sysfs(const QString& root);
 
     bool Readable() const;
-    // The file's first `limit` bytes; nothing where it cannot be opened or read.
-    std::optional<std::string> Read(const std::string& path, std::size_t limit) const;
     // The target of a link as a path below the root, taken textually, since links of captured trees dangle. Empty for
     // what is no link and for targets outside the root.
     std::string Link(const std::string& path) const;
@@ -60,6 +57,7 @@ class Node {
     // An attribute in hexadecimal, with or without 0x; in decimal.
     std::optional<quint32> Hex(const std::string& name) const;
     std::optional<quint32> Decimal(const std::string& name) const;
+    // An attribute's first `limit` bytes as they are; empty where it cannot be opened or read.
     std::string Bytes(const std::string& name, std::size_t limit) const;
     // The value of KEY in "uevent"; empty if there is none.
     std::string Uevent(const std::string& key) const;
@@ -94,6 +92,9 @@ std::vector<std::string> Components(const std::string& path);
 
 // Text that a device claims about itself: trimmed, cut at NUL, empty where it is no UTF-8.
 QString CleanAttribute(const std::string& bytes);
+// Whether a text is digits and nothing else; an empty one is not.
+bool AllDigits(std::string_view text);
+// The whole text as a number of 32 bits; in hexadecimal with or without 0x.
 std::optional<quint32> ParseHex(const std::string& text);
 std::optional<quint32> ParseDecimal(const std::string& text);
 

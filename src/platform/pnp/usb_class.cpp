@@ -77,7 +77,7 @@ const char16_t* UsbSetupClass(const UsbFunction& function, const Node& node) {
         return row->guid;
     for (const std::string& name : node.List()) {
         for (const ChildRow& child : Children) {
-            if (name.compare(0, std::string(child.name).size(), child.name) == 0)
+            if (name.starts_with(child.name))
                 return child.guid;
         }
     }

@@ -27,7 +27,7 @@ std::optional<UsbCodes> ReadCodes(const Node& node, const CodeKeys& keys) {
         return UsbCodes{parts[0].toUInt(), parts[1].toUInt(), parts[2].toUInt()};
     const std::string alias = node.Modalias();
     const std::size_t found = alias.find(std::string(keys.alias) + "c");
-    if (alias.compare(0, 4, "usb:") != 0 || found == std::string::npos || found + 13 > alias.size())
+    if (!alias.starts_with("usb:") || found == std::string::npos || found + 13 > alias.size())
         return std::nullopt;
     const auto field = [&](std::size_t offset) { return ParseHex(alias.substr(found + offset, 2)).value_or(0); };
     return UsbCodes{field(2), field(7), field(11)};
@@ -46,7 +46,7 @@ UsbIds ReadUsbIds(const Node& node, const std::string& alias) {
             ids.revision = ParseHex(parts[2].toStdString());
         }
     }
-    if ((!ids.vendor || !ids.product) && alias.compare(0, 5, "usb:v") == 0 && alias.size() >= 19) {
+    if ((!ids.vendor || !ids.product) && alias.starts_with("usb:v") && alias.size() >= 19) {
         ids.vendor = ParseHex(alias.substr(5, 4));
         ids.product = ParseHex(alias.substr(10, 4));
         ids.revision = ParseHex(alias.substr(15, 4));
@@ -62,7 +62,7 @@ std::vector<std::string> InterfacesOf(const Node& device) {
     std::vector<std::string> names;
     const std::string start = device.Name() + ":";
     for (const std::string& name : device.List()) {
-        if (name.compare(0, start.size(), start) == 0)
+        if (name.starts_with(start))
             names.push_back(name);
     }
     return names;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr quint32 HubClass = 0x09;
 
-bool IsRootHub(const std::string& name) { return name.compare(0, 3, "usb") == 0; }
+bool IsRootHub(const std::string& name) { return name.starts_with("usb"); }
 
 QString IdPrefix(const UsbIds& ids) {
     return QStringLiteral("USB\\VID_%1&PID_%2")
@@ -82,7 +82,7 @@ bool LeavesDetails(quint32 classCode) {
     return classCode == 0x00 || classCode == 0x02 || classCode == 0xEF || classCode == 0xFF;
 }
 
-// A device of one function is as well as its first interface's driver.
+// A device of one function is what its first interface is, and does as well as that interface's driver.
 void ReadSingleFunction(Context& context, const Node& node, const std::vector<std::string>& interfaces,
                         const UsbIds& ids, Device& device) {
     const UsbCodes own = DeviceCodes(node);
@@ -142,7 +142,8 @@ void ReadInterface(Context& context, const Node& node, std::vector<Device>& devi
     const Node parent = node.Parent();
     const std::string name = node.Name();
     const std::string owner = name.substr(0, name.find(':'));
-    if (owner.find("-0") != std::string::npos && owner.substr(owner.find('-')) == "-0")
+    // A root hub's own interface ("1-0:1.0") is no function.
+    if (owner.ends_with("-0"))
         return;
     // The parent can be gone already while its interface is still listed; the interface then speaks for itself.
     const bool orphan = parent.Name() != owner || !parent.Exists();
