@@ -11,8 +11,11 @@ namespace inventory {
 // In the order of the tabs.
 enum DeviceList { Hardware, NoDrivers, Problems, NoSystemDevices, DeviceListCount };
 
-// Columns behind the row text, which is the device's name.
+// The sub-items of a row, whose own text is the device's name.
+inline constexpr int ManufacturerColumn = 1;
 inline constexpr int ErrorCodeColumn = 2;
+inline constexpr int ClassColumn = 3;
+inline constexpr int DriverVersionColumn = 4;
 inline constexpr int HardwareIdsColumn = 5;
 
 // The plain title of a tab.

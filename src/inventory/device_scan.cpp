@@ -4,11 +4,15 @@
 #include "base/yield.h"
 #include "inventory/class_icons.h"
 #include "inventory/clean_text.h"
+#include "inventory/device_lists.h"
 #include "inventory/device_properties.h"
 #include "inventory/problem_text.h"
+#include "pnp/class_table.h"
 #include "pnp/wmi.h"
 #include "suite/icon_store.h"
 #include "values/program_values.h"
+
+#include <algorithm>
 
 namespace inventory {
 
@@ -20,7 +24,7 @@ constexpr qint32 DriversNotInstalled = 28;
 
 // Compared exactly: a class GUID in lower case is not taken for it.
 const QString& OtherDevicesClassGuid() {
-    static const QString guid = QStringLiteral("{4D36E97E-E325-11CE-BFC1-08002BE10318}");
+    static const QString guid = QString::fromUtf16(pnp::class_guid::OtherDevices);
     return guid;
 }
 
@@ -97,12 +101,9 @@ void StoreClassIcon(const Lists& lists, DeviceValues& device) {
 }
 
 bool IsExcluded(const QString& deviceId) {
-    for (const char16_t* prefix : ExcludedPrefixes) {
-        const QStringView start(prefix);
-        if (base::LowerCase(base::Left(deviceId, start.size())) == start)
-            return true;
-    }
-    return false;
+    const QString lower = base::LowerCase(deviceId);
+    return std::any_of(std::begin(ExcludedPrefixes), std::end(ExcludedPrefixes),
+                       [&lower](const char16_t* prefix) { return lower.startsWith(QStringView(prefix)); });
 }
 
 // Each row resolves its properties anew, so the same device costs each list its own look-ups.
@@ -114,11 +115,11 @@ void AddRow(suite::ListItems& list, const DeviceValues& device) {
         if (list.Count() == place && list.Item(place) == item)
             item->SetSubItems(index, text);
     };
-    set(1, base::Trim(CleanText(device.manufacturer)));
-    set(2, base::Trim(GetProblemText(device.errorCodeText)));
-    set(3, CleanText(base::Trim(GetClassName(device.classGuid))));
-    set(4, base::Trim(GetDriverVersion(device.deviceId)));
-    set(5, base::Trim(GetHardwareIds(device.deviceId)));
+    set(ManufacturerColumn, base::Trim(CleanText(device.manufacturer)));
+    set(ErrorCodeColumn, base::Trim(GetProblemText(device.errorCodeText)));
+    set(ClassColumn, CleanText(base::Trim(GetClassName(device.classGuid))));
+    set(DriverVersionColumn, base::Trim(GetDriverVersion(device.deviceId)));
+    set(HardwareIdsColumn, base::Trim(GetHardwareIds(device.deviceId)));
     base::Yield();
 }
 
@@ -128,7 +129,8 @@ bool HasNoClass(const DeviceValues& device) {
 
 bool IsStandIn(const DeviceValues& device) {
     const QString name = base::LowerCase(device.name);
-    return name == QStringView(StandInAdapters[0]) || name == QStringView(StandInAdapters[1]);
+    return std::any_of(std::begin(StandInAdapters), std::end(StandInAdapters),
+                       [&name](const char16_t* adapter) { return name == QStringView(adapter); });
 }
 
 void AddToLists(const Lists& lists, const DeviceValues& device) {

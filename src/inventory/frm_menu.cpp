@@ -3,6 +3,7 @@
 #include "appearance/colour_table.h"
 #include "forms/forms.h"
 #include "forms/menu.h"
+#include "inventory/device_lists.h"
 #include "inventory/list_actions.h"
 #include "inventory/list_behaviour.h"
 #include "inventory/open_lookup.h"
@@ -33,14 +34,11 @@ struct ListColumns {
     ListTextScope scope;
 };
 
-constexpr ListColumns mainColumns = {1, 5, ListTextScope::WholeRow};
+constexpr ListColumns mainColumns = {ManufacturerColumn, HardwareIdsColumn, ListTextScope::WholeRow};
+// The lists of the windows above this folder: name, manufacturer, hardware IDs, and a hidden one in the lookup
+// window's.
 constexpr ListColumns lookupColumns = {1, 2, ListTextScope::WithoutLastColumn};
 constexpr ListColumns improveColumns = {1, 2, ListTextScope::WholeRow};
-
-// Sub-items that the main lists alone have.
-constexpr int errorColumn = 2;
-constexpr int classColumn = 3;
-constexpr int driverVersionColumn = 4;
 
 constexpr std::array mainEntries = {
     Entry{"MenuMainLookup", "Lookup Selected Device In Database"},
@@ -166,11 +164,11 @@ void FrmMenu::MainCommand(const QString& entry) {
     if (CommonCommand(command, target, mainColumns))
         return;
     if (command == QLatin1String("CopyError"))
-        CopyValue(items, errorColumn);
+        CopyValue(items, ErrorCodeColumn);
     else if (command == QLatin1String("CopyClass"))
-        CopyValue(items, classColumn);
+        CopyValue(items, ClassColumn);
     else if (command == QLatin1String("CopyDriverVersion"))
-        CopyValue(items, driverVersionColumn);
+        CopyValue(items, DriverVersionColumn);
     else if (const suite::ListItem* item = items.SelectedItem(); item != nullptr && command == QLatin1String("Lookup"))
         OpenLookup(*item);
 }

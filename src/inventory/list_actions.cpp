@@ -3,8 +3,6 @@
 #include "base/text.h"
 #include "base/yield.h"
 #include "forms/desktop.h"
-#include "inventory/list_text.h"
-#include "suite/list_items.h"
 #include "values/addresses.h"
 
 namespace inventory {

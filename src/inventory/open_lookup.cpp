@@ -6,20 +6,15 @@
 #include "forms/label.h"
 #include "forms/text_box.h"
 #include "forms/timer.h"
+#include "inventory/device_lists.h"
 #include "suite/list_items.h"
 
 namespace inventory {
 
-namespace {
-
-constexpr int hardwareIdsColumn = 5;
-
-} // namespace
-
 void OpenLookup(const suite::ListItem& device) {
     // The row may go while the window loads, so its texts are taken first.
     const QString name = device.Text(); // NOLINT(performance-unnecessary-copy-initialization)
-    QString ids = device.SubItems(hardwareIdsColumn).value_or(QString());
+    QString ids = device.SubItems(HardwareIdsColumn).value_or(QString());
     forms::Form* lookup = forms::Forms::Instance().New(QStringLiteral("FrmLookup"));
     if (lookup == nullptr)
         return;
