@@ -30,6 +30,18 @@ class DatabaseToolTest : public testing::Test {
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
     }
 
+    // Runs in the test's folder, with `input` through a pipe.
+    Result RunWithInput(const QStringList& arguments, const QByteArray& input) const {
+        QProcess process;
+        process.setWorkingDirectory(Folder.path());
+        process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quorvane-db"), arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        EXPECT_TRUE(process.waitForFinished());
+        return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+                process.readAllStandardError().toStdString()};
+    }
+
     // Runs in the test's folder.
     Result Run(const QStringList& arguments, const QString& path = QString()) const {
         QProcess process;
@@ -210,6 +222,24 @@ TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
     EXPECT_THAT(Run(merge).Output, HasSubstr("0 added, 3 already known"));
     EXPECT_THAT(Files(), ElementsAre(QStringLiteral("hwids.mdb"), QStringLiteral("new_hardware.txt"),
                                      QStringLiteral("pci.ids"), QStringLiteral("usb.ids")));
+}
+
+TEST_F(DatabaseToolTest, WhatComesThroughAPipeIsReadToItsEnd) {
+    QByteArray ids = "1000  A\n";
+    QByteArray contributions;
+    for (int i = 0; i < 9000; ++i) {
+        const QByteArray number = QByteArray::number(i).rightJustified(4, '0');
+        ids += '\t' + number + "  Device " + number + '\n';
+        contributions += "USB\\VID_1000&PID_" + number + "|||Device " + number + "|||A\r\n";
+    }
+    Write("usb.ids", "1000  A\n");
+    const Result built = RunWithInput({QStringLiteral("build"), QStringLiteral("--output=hwids.mdb"),
+                                       QStringLiteral("--pci-ids=/dev/stdin"), QStringLiteral("--usb-ids=usb.ids")},
+                                      ids);
+    EXPECT_EQ(built.Output, "hwids.mdb: 9000 hardware IDs, 9000 device names, 1 manufacturers\n") << built.Errors;
+    const Result checked = RunWithInput({QStringLiteral("check"), QStringLiteral("/dev/stdin")}, contributions);
+    EXPECT_EQ(checked.Output, "9000 good, 0 malformed, 0 suspicious, 0 duplicate, 0 already known\n");
+    EXPECT_EQ(checked.Status, 0) << checked.Errors;
 }
 
 TEST_F(DatabaseToolTest, ImportsAJetFile) {

@@ -2,9 +2,9 @@
 #include "command.h"
 #include "database/database_builder.h"
 #include "id_file.h"
+#include "input_file.h"
 #include "options.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace tool {
@@ -60,18 +60,15 @@ using AddLine = bool (*)(const IdLine&, const IdFile&, database::DatabaseBuilder
 
 // Empty, or what is wrong with the file.
 QString AddIdFile(const QString& path, bool subsystems, AddLine add, database::DatabaseBuilder& builder) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return QStringLiteral("%1: %2").arg(path, file.errorString());
+    QString error;
+    const std::optional<QByteArray> text = ReadAtMost(path, largestFile + 1, error);
+    if (!text) {
+        return error;
     }
-    const QByteArray text = file.read(largestFile + 1);
-    if (file.error() != QFileDevice::NoError) {
-        return QStringLiteral("%1: %2").arg(path, file.errorString());
-    }
-    if (text.size() > largestFile) {
+    if (text->size() > largestFile) {
         return QStringLiteral("%1: too large for an ID file").arg(path);
     }
-    IdFile ids(text, subsystems);
+    IdFile ids(*text, subsystems);
     const bool any = ids.Read([&](const IdLine& line) { return add(line, ids, builder); });
     if (!any) {
         return QStringLiteral("%1: not an ID file").arg(path);

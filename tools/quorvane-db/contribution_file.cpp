@@ -2,9 +2,9 @@
 
 #include "base/text.h"
 #include "database/schema.h"
+#include "input_file.h"
 #include "inventory/clean_text.h"
 
-#include <QFile>
 #include <algorithm>
 
 namespace tool {
@@ -117,20 +117,17 @@ JudgedLine Judge(const QString& text) {
 
 std::vector<JudgedLine> ReadContributions(const QString& path, QString& error) {
     error.clear();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = QStringLiteral("%1: %2").arg(path, file.errorString());
+    const std::optional<QByteArray> bytes = ReadAtMost(path, largestFile + 1, error);
+    if (!bytes) {
         return {};
     }
-    const QByteArray bytes = file.read(qMin(file.size(), largestFile) + 1);
-    if (file.error() != QFileDevice::NoError) {
-        error = QStringLiteral("%1: %2").arg(path, file.errorString());
-    } else if (bytes.size() > largestFile || bytes.contains('\0')) {
+    if (bytes->size() > largestFile || bytes->contains('\0')) {
         error = QStringLiteral("%1: no file of contributions").arg(path);
+        return {};
     }
     std::vector<JudgedLine> lines;
     int number = 0;
-    for (QByteArray bare : error.isEmpty() ? bytes.split('\n') : QList<QByteArray>()) {
+    for (QByteArray bare : bytes->split('\n')) {
         ++number;
         if (bare.endsWith('\r')) {
             bare.chop(1);

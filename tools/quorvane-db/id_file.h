@@ -32,7 +32,8 @@ struct IdLine {
 
 class IdFile {
   public:
-    // `subsystems`: lines behind two tabs are subsystems; otherwise they are left out.
+    // Keeps no copy of the text, which must live as long. `subsystems`: lines behind two tabs are subsystems; otherwise
+    // they are left out.
     IdFile(const QByteArray& text, bool subsystems);
 
     // Calls `use` for each usable line in order; it returns false for a duplicate. True if there was any vendor.

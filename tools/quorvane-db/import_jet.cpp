@@ -23,7 +23,10 @@ struct MdbTools {
 };
 
 struct JetTable {
-    std::vector<QStringList> Rows; // without the row of names
+    QStringList Names; // of the columns
+    std::vector<QStringList> Rows;
+
+    // The number of a column, in any case; -1 where there is none of that name.
     int Column(const QString& name) const {
         for (qsizetype i = 0; i < Names.size(); ++i) {
             if (Names[i].compare(name, Qt::CaseInsensitive) == 0) {
@@ -32,7 +35,6 @@ struct JetTable {
         }
         return -1;
     }
-    QStringList Names;
 };
 
 // What one of mdbtools' programs prints about a table; nothing where it fails.

@@ -1,6 +1,7 @@
 // quorvane-db: builds, shows, checks and merges device databases. One sub-command, one file.
 #include "base/standard_streams.h"
 #include "command.h"
+#include "values/program_values.h"
 
 #include <QCoreApplication>
 
@@ -41,7 +42,7 @@ int RunSubCommand(const QStringList& arguments) {
         return PrintHelp();
     }
     if (name == QLatin1String("--version")) {
-        tool::Print(QStringLiteral("quorvane-db " QUORVANE_VERSION));
+        tool::Print(QStringLiteral("quorvane-db ") + values::BuiltVersion());
         return tool::Finish();
     }
     for (const tool::SubCommand& command : subCommands) {

@@ -17,6 +17,8 @@ namespace tool {
 
 namespace {
 
+constexpr int longestVersion = 50; // characters
+
 class Merger {
   public:
     Merger(bool suspiciousToo, bool dryRun) : suspiciousToo_(suspiciousToo), dryRun_(dryRun) {}
@@ -71,7 +73,7 @@ class Merger {
 void SetVersion(const QString& version) {
     data::Command command;
     command.SetActiveConnection(database::DatabaseConnection());
-    command.AppendParameter({QString(), data::adVarChar, data::adParamInput, 50, version});
+    command.AppendParameter({QString(), data::adVarChar, data::adParamInput, longestVersion, version});
     const bool any = CountRows(database::DatabaseConnection(), QStringLiteral("version")) > 0;
     command.SetCommandText(any ? QStringLiteral("UPDATE version SET dbversion = ?")
                                : QStringLiteral("INSERT INTO version (dbversion) VALUES(?)"));

@@ -105,8 +105,9 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
 int Pack(const QStringList& arguments) {
     Options options({QStringLiteral("output"), QStringLiteral("program-version")}, {});
     const QString wrong = options.Read(arguments);
-    if (!wrong.isEmpty() || options.Arguments().size() != 1 || !options.Has(QStringLiteral("output"))) {
-        return RefuseUsage(wrong.isEmpty() ? QStringLiteral("pack needs one FILE and --output DIR") : wrong);
+    const QString output = options.Value(QStringLiteral("output"));
+    if (!wrong.isEmpty() || options.Arguments().size() != 1 || output.isEmpty()) {
+        return RefuseUsage(wrong.isEmpty() ? QStringLiteral("pack needs one DATABASE and --output DIR") : wrong);
     }
     const QString path = options.Arguments().first();
     QString error;
@@ -129,7 +130,7 @@ int Pack(const QStringList& arguments) {
     if (net::FindEngine().isEmpty()) {
         return Fail(QStringLiteral("7-Zip is not installed"));
     }
-    error = Publish(path, options.Value(QStringLiteral("output")), version, programVersion);
+    error = Publish(path, output, version, programVersion);
     return error.isEmpty() ? int(Done) : Fail(error);
 }
 
