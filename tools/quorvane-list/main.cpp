@@ -85,6 +85,7 @@ QString HeadedList(int at, const suite::ListItems& list, const Options& options)
 }
 
 int Scan(const Options& options) {
+    // What the main window sets when it loads; the modules with the class icons answer to names below it.
     values::Program().SystemFolder = QStringLiteral("C:\\Windows\\System32\\");
     std::array<suite::ListItems, inventory::DeviceListCount> lists;
     for (suite::ListItems& list : lists)
