@@ -126,9 +126,9 @@ void Check(const std::vector<pnp::Device>& devices) {
         fuzz::Require(!paths.contains(device.instancePath.toUpper()), "an instance path is one device's alone");
         paths.insert(device.instancePath.toUpper());
         fuzz::Require(IsClean(device.name) && IsClean(device.manufacturer), "names are clean");
-        fuzz::Require(device.classGuid.isEmpty() || (device.classGuid.size() == 38 && device.classGuid.isUpper()) ||
-                          device.classGuid == device.classGuid.toUpper(),
-                      "a class is in upper case");
+        fuzz::Require(device.classGuid.isEmpty() ||
+                          (device.classGuid.size() == 38 && device.classGuid == device.classGuid.toUpper()),
+                      "a class is a GUID in upper case");
         fuzz::Require(device.driverKey.isEmpty() || device.driverKey.startsWith(device.classGuid, Qt::CaseInsensitive),
                       "a driver's key lies below its class");
         for (const QString& id : device.hardwareIds)
