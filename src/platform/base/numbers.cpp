@@ -101,23 +101,20 @@ QString FixedDecimals(double value, int decimals) {
 }
 
 QString AtLeastDigits(double value, qsizetype digits) {
-    QString text = FixedDecimals(value, 0);
-    const bool negative = text.startsWith(u'-');
-    if (negative)
-        text.remove(0, 1);
-    text = text.rightJustified(digits, u'0');
-    return negative ? QStringLiteral("-") + text : text;
+    const QString text = FixedDecimals(std::fabs(value), 0).rightJustified(digits, u'0');
+    return RoundHalfUp(std::fabs(value)) != 0 && value < 0 ? PresentSigns().minus + text : text;
 }
 
 QString Grouped(double value) {
-    const qint64 whole = RoundToInt64(value);
+    // The magnitude: what is clamped to the smallest number has no positive one of its type.
+    const qint64 whole = RoundToInt64(std::fabs(value));
     if (whole == 0)
         return {};
-    QString digits = QString::number(std::abs(whole));
+    QString digits = QString::number(whole);
     const QString separator = QLocale().groupSeparator();
     for (qsizetype at = digits.size() - 3; at > 0; at -= 3)
         digits.insert(at, separator);
-    return whole < 0 ? QStringLiteral("-") + digits : digits;
+    return value < 0 ? PresentSigns().minus + digits : digits;
 }
 
 } // namespace

@@ -1,9 +1,8 @@
 // Numbers to text and back, and the roundings of the platform's language. Separators come from the user's locale
-// ("," for thousands and "." for decimals in the C locale).
+// ("," for thousands and "." for decimals in the C locale), and so does the minus sign.
 #pragma once
 
 #include <QString>
-#include <QVariant>
 #include <optional>
 
 namespace base {

@@ -28,6 +28,10 @@ TEST(Numbers, Patterns) {
     EXPECT_EQ(base::FormatNumber(0.0, "###,###,###,###"), "");
     EXPECT_EQ(base::FormatNumber(999.0, "###,###,###,###"), "999");
     EXPECT_EQ(base::FormatNumber(1234567.0, "###,###,###,###"), "1,234,567");
+    EXPECT_EQ(base::FormatNumber(-1234567.0, "###,###,###,###"), "-1,234,567");
+    EXPECT_EQ(base::FormatNumber(-1e30, "###,###,###,###"), "-9,223,372,036,854,775,807");
+    EXPECT_EQ(base::FormatNumber(-7.0, "000"), "-007");
+    EXPECT_EQ(base::FormatNumber(-0.2, "000"), "000");
     EXPECT_EQ(base::FormatNumber(0.125, "0.00"), "0.13");
     EXPECT_EQ(base::FormatNumber(1.005, "0.00"), "1.01");
     EXPECT_EQ(base::FormatNumber(0.5, "0"), "1");
@@ -65,6 +69,10 @@ TEST(FormatByteSize, BordersOfTheRanges) {
 TEST(Numbers, DecimalsFollowTheLocaleOfTheMoment) {
     QLocale::setDefault(QLocale(QLocale::German));
     EXPECT_EQ(base::FormatNumber(-1234.5, "0.00"), "-1234,50");
+    // A minus sign of its own, which must not be taken for a digit.
+    QLocale::setDefault(QLocale(QLocale::Swedish));
+    EXPECT_EQ(base::FormatNumber(-7.0, "000"), QString::fromUtf16(u"\u2212007"));
+    EXPECT_TRUE(base::FormatNumber(-1234.0, "###,###,###,###").startsWith(u'\u2212'));
     QLocale::setDefault(QLocale::c());
     EXPECT_EQ(base::FormatNumber(-1234.5, "0.00"), "-1234.50");
     QLocale::setDefault(QLocale::system());
