@@ -1,5 +1,7 @@
 #include "base/paths.h"
 
+#include "base/file_mode.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -36,14 +38,8 @@ QDir InstalledFolder() { return QDir(QDir(ProgramsFolder()).filePath(QLatin1Stri
 // instance.
 QDir Source() { return InstalledFolder().exists() ? InstalledFolder() : QDir(ProgramsFolder()); }
 
-// What the user's own mask leaves of a new file's permissions. A copy would have those of the installation.
-mode_t NewFileMode() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
-}
-
-// A file or a folder of files. False where it is not there whole: the disk is full, for instance.
+// A file or a folder of files, with the user's own permissions instead of the installation's. False where it is not
+// there whole: the disk is full, for instance.
 bool CopyWhole(const QFileInfo& from, const QString& to) {
     if (!from.isDir())
         return QFile::copy(from.filePath(), to) && chmod(QFile::encodeName(to).constData(), NewFileMode()) == 0;

@@ -1,10 +1,12 @@
 #include "base/profile_file.h"
 
+#include "base/file_mode.h"
 #include "base/paths.h"
 #include "base/text.h"
 
 #include <QFile>
-#include <fcntl.h>
+#include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -59,13 +61,10 @@ bool Store(const QString& path, const QByteArray& bytes) {
     if (handle < 0)
         return false;
     struct stat existing = {};
-    if (stat(target.constData(), &existing) == 0) {
-        fchmod(handle, existing.st_mode & 07777);
-    } else {
-        const mode_t mask = umask(0);
-        umask(mask);
-        fchmod(handle, 0666 & ~mask);
-    }
+    const bool exists = stat(target.constData(), &existing) == 0;
+    // Not asked for its result: a file system without permissions refuses it, and the settings are to be kept there
+    // too.
+    fchmod(handle, exists ? existing.st_mode & 07777 : NewFileMode());
     bool good = true;
     for (qsizetype done = 0; good && done < bytes.size();) {
         const ssize_t count = write(handle, bytes.constData() + done, size_t(bytes.size() - done));
@@ -86,7 +85,7 @@ struct Line {
     qsizetype next = 0;
 };
 
-Line LineAt(const QString& text, qsizetype start) {
+Line LineAt(QStringView text, qsizetype start) {
     qsizetype end = start;
     while (end < text.size() && text.at(end) != u'\n' && text.at(end) != u'\r')
         ++end;
@@ -98,8 +97,8 @@ Line LineAt(const QString& text, qsizetype start) {
     return {start, end, next};
 }
 
-std::optional<QString> SectionName(const QString& line) {
-    const QString trimmed = line.trimmed();
+std::optional<QStringView> SectionName(QStringView line) {
+    const QStringView trimmed = line.trimmed();
     if (!trimmed.startsWith(u'['))
         return std::nullopt;
     const qsizetype end = trimmed.indexOf(u']');
@@ -114,11 +113,12 @@ struct Place {
     qsizetype insertAt = 0; // behind the last line of the section that is not blank
 };
 
-Place Find(const QString& text, const QString& section, const QString& key) {
+// Copies nothing: a file may hold millions of lines.
+Place Find(QStringView text, QStringView section, QStringView key) {
     Place place;
     for (qsizetype at = 0; at < text.size();) {
         const Line line = LineAt(text, at);
-        const QString content = text.sliced(line.start, line.end - line.start);
+        const QStringView content = text.sliced(line.start, line.end - line.start);
         if (const auto name = SectionName(content)) {
             if (place.section)
                 break;
