@@ -4,8 +4,8 @@
 namespace data {
 
 enum CursorLocation { adUseServer = 2, adUseClient = 3 };
-enum CursorType { adOpenForwardOnly = 0, adOpenKeyset = 1, adOpenDynamic = 2, adOpenStatic = 3 };
-enum LockType { adLockReadOnly = 1, adLockPessimistic = 2, adLockOptimistic = 3 };
+enum CursorType { adOpenForwardOnly = 0 };
+enum LockType { adLockOptimistic = 3 };
 enum ObjectState { adStateClosed = 0, adStateOpen = 1 };
 enum ParameterDirection { adParamInput = 1 };
 

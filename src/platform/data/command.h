@@ -26,11 +26,9 @@ class Command {
   public:
     void SetActiveConnection(const ConnectionPtr& connection) { connection_ = connection; }
     void SetCommandType(int type) { type_ = type; }
-    // Kept, without effect: every statement is prepared.
-    void SetPrepared(bool prepared) { prepared_ = prepared; }
-    bool Prepared() const { return prepared_; }
+    // Without effect: every statement is prepared.
+    void SetPrepared(bool /*prepared*/) {}
     void SetCommandText(const QString& text) { text_ = text; }
-    const QString& CommandText() const { return text_; }
 
     // In the order of the marks in the text. Parameters beyond the text's marks are not used.
     void AppendParameter(const Parameter& parameter) { parameters_.push_back(parameter); }
@@ -44,7 +42,6 @@ class Command {
     QString text_;
     std::vector<Parameter> parameters_;
     int type_ = adCmdText;
-    bool prepared_ = false;
 };
 
 } // namespace data

@@ -50,7 +50,6 @@ void Connection::SetCursorLocation(int location) {
     if (location != adUseServer && location != adUseClient) {
         throw Error(ErrorInvalidArgument);
     }
-    cursorLocation_ = location;
 }
 
 void Connection::SetConnectionString(const QString& text) {

@@ -18,13 +18,11 @@ class Connection {
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    // Kept, without effect: every rowset is served as by a client-side cursor.
-    int CursorLocation() const { return cursorLocation_; }
+    // Without effect: every rowset is served as by a client-side cursor. Refuses what is no location.
     void SetCursorLocation(int location);
 
     // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=<path>;". The path may be one of the program's own, with
     // backslashes.
-    const QString& ConnectionString() const { return connectionString_; }
     void SetConnectionString(const QString& text);
 
     // Opens the file, which must exist and be a database. User and password are not asked for by the provider.
@@ -59,7 +57,6 @@ class Connection {
 
     QString connectionString_;
     std::shared_ptr<Session> session_;
-    int cursorLocation_ = adUseServer;
 };
 
 using ConnectionPtr = std::shared_ptr<Connection>;

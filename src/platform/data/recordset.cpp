@@ -3,11 +3,14 @@
 #include "data/error.h"
 #include "data/session.h"
 
+#include <limits>
+
 namespace data {
 
 namespace {
 
 constexpr int pageRows = 256;
+constexpr qint64 beforeFirst = std::numeric_limits<qint64>::min(); // of the rows' numbers
 
 QByteArray Quoted(const QString& name) { return '[' + name.toUtf8() + ']'; }
 
@@ -61,7 +64,7 @@ void Recordset::OpenStatement(const StatementText& statement, const std::shared_
         rowIds_.clear();
         kind_ = Kind::Fetched;
     } else if (statement.WholeTable) {
-        FetchPage(std::numeric_limits<qint64>::min());
+        FetchPage(beforeFirst);
         kind_ = Kind::Paged;
     } else {
         Table table = session->Query(statement.Sql, statement.Values, !table_.isEmpty());
@@ -86,7 +89,7 @@ void Recordset::SetColumns(const QStringList& names) {
 
 void Recordset::FetchPage(qint64 behind) {
     const std::shared_ptr<Session> session = RequireSession();
-    const bool first = behind == std::numeric_limits<qint64>::min();
+    const bool first = behind == beforeFirst;
     const QByteArray select = "SELECT rowid, * FROM " + Quoted(table_);
     const QByteArray order = " ORDER BY rowid LIMIT " + QByteArray::number(pageRows);
     Table page = first ? session->Query(select + order, {}, true)
@@ -144,11 +147,6 @@ std::shared_ptr<Session> Recordset::RequireSession() const {
     return session;
 }
 
-bool Recordset::Bof() const {
-    RequireOpen();
-    return rows_.empty() && !pagePassed_;
-}
-
 bool Recordset::Eof() const {
     RequireOpen();
     return !newRow_ && at_ >= rows_.size();
@@ -170,7 +168,7 @@ void Recordset::MoveFirst() {
     RequireOpen();
     FinishPending();
     if (kind_ == Kind::Paged && pagePassed_) {
-        FetchPage(std::numeric_limits<qint64>::min());
+        FetchPage(beforeFirst);
     }
     at_ = 0;
     if (rows_.empty()) {
@@ -290,13 +288,6 @@ void Recordset::UpdateStore() {
     if (!sameFile || session->Change("UPDATE " + Quoted(table_) + assignments + conditions, values) != 1) {
         throw Error(ErrorRowNotLocated);
     }
-}
-
-void Recordset::CancelUpdate() {
-    RequireOpen();
-    changes_.clear();
-    newRow_ = false;
-    added_.clear();
 }
 
 void Recordset::FinishPending() {

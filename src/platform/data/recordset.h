@@ -59,7 +59,6 @@ class Recordset {
 
     FieldList& Fields() { return fields_; }
 
-    bool Bof() const;
     bool Eof() const;
     qint64 RecordCount() const;
     // A pending change is written first, as Update does.
@@ -79,7 +78,6 @@ class Recordset {
     // Writes what SetValue changed. Of a query's row: durable on return, refused where the row was changed or removed
     // since it was read.
     void Update();
-    void CancelUpdate();
 
   private:
     friend class Command;

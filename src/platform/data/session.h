@@ -9,7 +9,6 @@
 #include <QStringList>
 #include <QVariant>
 #include <list>
-#include <utility>
 #include <vector>
 
 struct sqlite3;

@@ -216,7 +216,7 @@ void Emit(const Token& token, StatementText& statement) {
     }
 }
 
-void EmitIn(const Tokens& tokens, size_t column, std::vector<QVariant>& values, StatementText& statement) {
+void EmitIn(const Tokens& tokens, size_t column, const std::vector<QVariant>& values, StatementText& statement) {
     for (size_t at = column; at < column + ColumnTokens(tokens, column); ++at) {
         Emit(tokens[at], statement);
     }
@@ -235,7 +235,7 @@ void EmitRest(const Tokens& tokens, size_t start, StatementText& statement) {
         if (!tokens[at].IsWord(QLatin1String("WHERE"))) {
             continue;
         }
-        std::vector<QVariant> values = OrChain(tokens, at + 1);
+        const std::vector<QVariant> values = OrChain(tokens, at + 1);
         if (!values.empty()) {
             EmitIn(tokens, at + 1, values, statement);
             return;
