@@ -155,11 +155,12 @@ bool AreEntriesAllowed(const QList<ArchiveEntry>& entries) {
     QSet<QString> folders;
     for (const ArchiveEntry& entry : entries) {
         const QStringList components = entry.path.split(QChar(u'/'));
-        const QString folded = Folded(entry.path);
         if (!entry.isPlain || components.size() > depthLimit ||
             !std::all_of(components.cbegin(), components.cend(), IsComponent)) {
             return false;
         }
+        // Only now, as the time that folding takes grows with the square of a run of accents.
+        const QString folded = Folded(entry.path);
         if (entry.isFolder) {
             folders.insert(folded);
             continue;

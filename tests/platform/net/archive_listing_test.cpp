@@ -2,7 +2,9 @@
 
 #include "net/crc32.h"
 
+#include <ctime>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace {
 
@@ -96,6 +98,32 @@ TEST(ArchiveListingTest, RefusesWhatIsNoOrdinaryFile) {
     EXPECT_FALSE(Allowed(Block("hwids.mdb", "5", "A", ""))) << "nothing to check the bytes against";
     EXPECT_FALSE(Allowed("")) << "nothing inside";
     EXPECT_FALSE(Allowed(Block("d", "0", "D", "")));
+}
+
+// Listings as large as they are taken in must not hold up the program: nothing yields while they are judged.
+TEST(ArchiveListingTest, LargeListingsOfAnyFormTakeABoundedTime) {
+    constexpr qsizetype size = 8 << 20;
+    constexpr int entries = 10'000;
+    const auto filled = [](const QByteArray& piece) { return piece.repeated(size / piece.size()); };
+    QByteArray many;
+    for (int i = 0; i < entries; ++i)
+        many += Block("a/b/c/d/e/f/g/" + QByteArray(100, 'n') + QByteArray::number(i) + ".txt");
+    const std::pair<QByteArray, bool> listings[] = {
+        {many, true},
+        // Accents in the wrong order; few enough that the test ends if they are put in order.
+        {Block(QByteArray("\xCC\x81\xCC\xA3").repeated(80'000) + ".txt"), false},
+        {Block(filled("a/") + ".txt"), false},
+        {Block("hwids.mdb") + filled("\n"), true},
+        {"Path = hwids.mdb\nSize = 5\nCRC = 363A3020\n" + filled("Folder = -\n"), true},
+        {"Path = d\n" + filled("Folder = +\n"), false},
+        {filled("Path = a.txt\nSize = 1\nCRC = 1\n\n"), false},
+        {filled("x"), false},
+    };
+    for (const auto& [listing, allowed] : listings) {
+        const std::clock_t begun = std::clock();
+        EXPECT_EQ(Allowed(listing), allowed) << listing.first(30).constData();
+        EXPECT_LT(std::clock() - begun, 10 * CLOCKS_PER_SEC) << listing.first(30).constData();
+    }
 }
 
 TEST(ArchiveListingTest, ATotalBeyondCountingIsNone) {
