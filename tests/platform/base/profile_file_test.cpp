@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <ctime>
 #include <gtest/gtest.h>
 
 namespace {
@@ -88,6 +89,23 @@ TEST_F(SettingsTest, SurvivesNoiseAndRefusesLineBreaks) {
     Put("settings.ini", QByteArray(5 * 1024 * 1024, 'n'));
     EXPECT_FALSE(values::WriteSetting("main", "x", "6", path));
     EXPECT_EQ(Bytes("settings.ini").size(), 5 * 1024 * 1024);
+}
+
+// Nothing yields while settings are read: small files cost little, and the largest of any form not much.
+TEST_F(SettingsTest, FilesOfAnyFormAreReadInABoundedTime) {
+    const std::clock_t begun = std::clock();
+    // What held up a fuzzer while there was made room for the largest file.
+    Put("settings.ini", "y\n=nov!\x8E\x8A\x9A\xF5[c;comment\n[ colors&]junk\nprogra]ors]\nprogramback=8");
+    for (int i = 0; i < 500; ++i)
+        EXPECT_EQ(Read("x"), QString());
+    constexpr qsizetype size = 4 << 20;
+    for (const QByteArray& piece : {QByteArray("\n"), QByteArray("[\n"), QByteArray("=\r\n"), QByteArray("[")}) {
+        Put("settings.ini", "[main]\n" + piece.repeated((size - 20) / piece.size()));
+        EXPECT_EQ(Read("x"), QString()) << piece.toHex().constData();
+        QString path = values::SettingsPath();
+        EXPECT_TRUE(values::WriteSetting("main", "x", "5", path)) << piece.toHex().constData();
+    }
+    EXPECT_LT(std::clock() - begun, 20 * CLOCKS_PER_SEC);
 }
 
 TEST_F(SettingsTest, ABatchStoresAllItsWritesAtItsEnd) {

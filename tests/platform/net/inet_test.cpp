@@ -44,6 +44,17 @@ TEST_F(InetTest, OpenUrlGivesTheBodyWhateverTheStatusIs) {
     EXPECT_EQ(Fetch(Reply(200, {})), QString());
 }
 
+// A body is no second head, wherever a piece of it begins.
+TEST_F(InetTest, ABodyThatLooksLikeAnAnswerComesWhole) {
+    const QByteArray body =
+        "JTTP/1.1 200HTTP/1 O.1 10K\r\n\r\nHTTP/1.1 302 Found\r\nContent-Length: 3\r\n\r\n0\r\n\r\n";
+    for (int piece = 1; piece <= body.size(); piece += 7)
+        EXPECT_EQ(Fetch(Promise(200, body.size()).SendInPieces(body, piece, 0)), QString::fromLatin1(body)) << piece;
+    EXPECT_EQ(Fetch(Answer().Send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" +
+                                  QByteArray::number(body.size(), 16) + "\r\n" + body + "\r\n0\r\n\r\n")),
+              QString::fromLatin1(body));
+}
+
 TEST_F(InetTest, OpenUrlNeverFollowsARedirect) {
     server_.SetAnswer("/secret", Reply(200, "followed"));
     const QByteArray target = "Location: " + server_.Url(QStringLiteral("/secret")).toLatin1() + "\r\n";
