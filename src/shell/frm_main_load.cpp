@@ -32,7 +32,6 @@ namespace {
 constexpr double leastHeight = 8250; // twips
 constexpr double leastWidth = 11250;
 constexpr int pixelScale = 3;
-constexpr int smallIconWidth = 49; // system metric
 constexpr int systemFolderId = 37;
 constexpr int logoOpacity = 99;
 constexpr float tabMetric = 16; // pixels at a display scale of 1
@@ -100,7 +99,7 @@ void FrmMain::Load() {
 
 void FrmMain::SetUpLists() {
     FitLists();
-    const int iconSize = forms::GetSystemMetrics(smallIconWidth);
+    const int iconSize = forms::GetSystemMetrics(forms::SmallIconWidth);
     for (suite::ListView* list : Lists()) {
         list->SetIconSize(iconSize);
         inventory::AddDeviceColumns(list->ListItems());

@@ -10,7 +10,6 @@ namespace forms {
 
 namespace {
 
-constexpr double twipsPerInch = 1440;
 constexpr double leastDotsPerInch = 72; // smaller text is read by nobody
 constexpr double ratioThatFits = 1.05;  // the room that captions have in the design
 
@@ -21,7 +20,7 @@ constexpr double labelHeight = 17;
 
 double TextRatio(double dotsPerInch) {
     const QFontMetricsF metrics(QApplication::font());
-    const double scale = dotsPerInch / 96;
+    const double scale = dotsPerInch / standardDotsPerInch;
     return std::max(metrics.horizontalAdvance(QLatin1String(sample)) / (sampleWidth * scale),
                     metrics.height() / (labelHeight * scale));
 }

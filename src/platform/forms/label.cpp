@@ -1,8 +1,8 @@
 #include "forms/label.h"
 
-#include "draw/system_colours.h"
 #include "forms/accessible.h"
 #include "forms/tool_tip.h"
+#include "forms/toolkit.h"
 
 #include <QAccessible>
 #include <QHelpEvent>
@@ -12,11 +12,6 @@
 namespace forms {
 
 namespace {
-
-QColor Resolved(base::Colour colour) {
-    const base::Colour plain = draw::OleTranslateColor(colour);
-    return {plain.Red(), plain.Green(), plain.Blue()};
-}
 
 // Three rows of dots, denser towards the lower right corner.
 void DrawGrip(QPainter& painter, const QRect& area, const QColor& colour) {
@@ -88,22 +83,13 @@ void Label::SetGrip(bool grip) {
     update();
 }
 
-QString Label::ShownText() const {
-    QString shown;
-    shown.reserve(caption_.size());
-    for (qsizetype i = 0; i < caption_.size(); ++i) {
-        if (caption_.at(i) == u'&' && i + 1 < caption_.size())
-            ++i;
-        shown.append(caption_.at(i));
-    }
-    return shown;
-}
+QString Label::ShownText() const { return ShownCaption(caption_); }
 
 void Label::paintEvent(QPaintEvent* event) {
     Q_UNUSED(event)
     QPainter painter(this);
-    painter.fillRect(rect(), Resolved(backColor_));
-    QColor ink = Resolved(foreColor_);
+    painter.fillRect(rect(), ToQColor(backColor_));
+    QColor ink = ToQColor(foreColor_);
     if (!Enabled())
         ink.setAlphaF(0.5F);
     if (grip_) {

@@ -4,13 +4,12 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <algorithm>
+#include <cmath>
 
 namespace forms {
 
 namespace {
-
-constexpr double twipsPerInch = 1440;
-constexpr double standardDotsPerInch = 96;
 
 double& GivenDotsPerInch() {
     static double given = 0;
@@ -39,6 +38,8 @@ int ToPixels(double twips) { return base::RoundToInt(twips / TwipsPerPixel()); }
 
 double ToTwips(int pixels) { return pixels * TwipsPerPixel(); }
 
+int Scaled(double pixels) { return std::max(1, int(std::lround(pixels * DotsPerInch() / standardDotsPerInch))); }
+
 double ScreenWidth() {
     const QScreen* screen = QGuiApplication::primaryScreen();
     return screen == nullptr ? 0 : ToTwips(screen->geometry().width());
@@ -57,11 +58,11 @@ QRect WorkArea() {
 int GetSystemMetrics(int index) {
     const double scale = DotsPerInch() / standardDotsPerInch;
     switch (index) {
-    case 11:
-    case 12:
+    case BigIconWidth:
+    case BigIconHeight:
         return base::RoundToInt(32 * scale);
-    case 49:
-    case 50:
+    case SmallIconWidth:
+    case SmallIconHeight:
         return base::RoundToInt(16 * scale);
     default:
         return 0;

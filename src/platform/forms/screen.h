@@ -6,6 +6,10 @@
 
 namespace forms {
 
+constexpr double twipsPerInch = 1440;
+// What designs in pixels are made for.
+constexpr double standardDotsPerInch = 96;
+
 // Horizontal and vertical dots per inch are one value on every platform served.
 double DotsPerInch();
 // Another value than the screen's own, for everything that is measured afterwards; 0 is the screen's own again.
@@ -16,6 +20,9 @@ double TwipsPerPixel();
 int ToPixels(double twips);
 double ToTwips(int pixels);
 
+// A length given in pixels at 96 dots per inch, in pixels of this display; at least 1.
+int Scaled(double pixels);
+
 // Width and height of the primary screen in twips.
 double ScreenWidth();
 double ScreenHeight();
@@ -23,7 +30,8 @@ double ScreenHeight();
 // The primary screen without panels and docks, in pixels (SystemParametersInfoA, action 48).
 QRect WorkArea();
 
-// GetSystemMetrics with 11 and 12 (big icon), 49 and 50 (small icon), in pixels; 0 for any other index.
+// The metrics that GetSystemMetrics answers, in pixels; 0 for any other index.
+enum SystemMetric { BigIconWidth = 11, BigIconHeight = 12, SmallIconWidth = 49, SmallIconHeight = 50 };
 int GetSystemMetrics(int index);
 
 // The system-wide setting "show window contents while dragging" (SystemParametersInfoA, actions 38 and 37). The desktop

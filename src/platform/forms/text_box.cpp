@@ -1,7 +1,7 @@
 #include "forms/text_box.h"
 
-#include "draw/system_colours.h"
 #include "forms/screen.h"
+#include "forms/toolkit.h"
 
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -9,13 +9,6 @@
 namespace forms {
 
 namespace {
-
-constexpr double standardDotsPerInch = 96;
-
-QColor Resolved(base::Colour colour) {
-    const base::Colour plain = draw::OleTranslateColor(colour);
-    return {plain.Red(), plain.Green(), plain.Blue()};
-}
 
 // Shows that it has the keyboard also where no caret does: in a locked box.
 class FocusEdit : public QPlainTextEdit {
@@ -30,7 +23,7 @@ class FocusEdit : public QPlainTextEdit {
         QPainter painter(viewport());
         const QRect area = viewport()->rect();
         const QColor ink = palette().color(QPalette::Text);
-        const int line = qMax(1, qRound(DotsPerInch() / standardDotsPerInch));
+        const int line = Scaled(1);
         painter.fillRect(QRect(area.left(), area.top(), area.width(), line), ink);
         painter.fillRect(QRect(area.left(), area.bottom() + 1 - line, area.width(), line), ink);
         painter.fillRect(QRect(area.left(), area.top(), line, area.height()), ink);
@@ -102,10 +95,10 @@ void TextBox::SetAccessibleLabel(const QString& label) {
 
 void TextBox::ApplyColours() {
     // The scroll bars take their shades from the same colour.
-    const QColor back = Resolved(backColor_);
+    const QColor back = ToQColor(backColor_);
     QPalette palette(back, back);
     palette.setColor(QPalette::Base, back);
-    palette.setColor(QPalette::Text, Resolved(foreColor_));
+    palette.setColor(QPalette::Text, ToQColor(foreColor_));
     editor_->setPalette(palette);
 }
 

@@ -1,8 +1,5 @@
 #include "suite/paint_tools.h"
 
-#include "draw/system_colours.h"
-#include "forms/screen.h"
-
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
@@ -22,11 +19,6 @@ double Luminance(const QColor& colour) {
 }
 
 } // namespace
-
-QColor ToQColor(base::Colour colour) {
-    const base::Colour plain = draw::OleTranslateColor(colour);
-    return {plain.Red(), plain.Green(), plain.Blue()};
-}
 
 base::Colour FromQColor(const QColor& colour) {
     return base::Colour::FromRgb(colour.red(), colour.green(), colour.blue());
@@ -48,8 +40,6 @@ QColor ReadableOn(const QColor& back, const QColor& wanted) {
     return Contrast(back, Qt::black) >= Contrast(back, Qt::white) ? QColor(Qt::black) : QColor(Qt::white);
 }
 
-int Scaled(double pixels) { return std::max(1, int(std::lround(pixels * forms::DotsPerInch() / 96.0))); }
-
 void DrawFocusRing(QPainter& painter, const QRect& area, const QColor& ink) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -59,17 +49,6 @@ void DrawFocusRing(QPainter& painter, const QRect& area, const QColor& ink) {
     const double inset = width / 2;
     painter.drawRoundedRect(QRectF(area).adjusted(inset, inset, -inset, -inset), Scaled(2), Scaled(2));
     painter.restore();
-}
-
-QString ShownCaption(const QString& caption) {
-    QString shown;
-    shown.reserve(caption.size());
-    for (qsizetype i = 0; i < caption.size(); ++i) {
-        if (caption[i] == QLatin1Char('&') && i + 1 < caption.size())
-            ++i;
-        shown += caption[i];
-    }
-    return shown;
 }
 
 QPalette ControlPalette(const QColor& back, const QColor& fore) {

@@ -30,7 +30,8 @@ QWindow* LastOwner(const QWidget& window) {
 
 void SetFormIcon(forms::Form& form, const QString& resourceName, bool ownerToo) {
     QIcon icon;
-    for (const auto& [widthMetric, heightMetric] : {std::pair{11, 12}, std::pair{49, 50}}) {
+    for (const auto& [widthMetric, heightMetric] : {std::pair{forms::BigIconWidth, forms::BigIconHeight},
+                                                    std::pair{forms::SmallIconWidth, forms::SmallIconHeight}}) {
         const draw::Picture picture = LoadIconFromRes(resourceName, forms::GetSystemMetrics(widthMetric),
                                                       forms::GetSystemMetrics(heightMetric), 0, false);
         if (!picture.IsEmpty())

@@ -16,10 +16,6 @@ namespace {
 
 constexpr int headerBytes = 6;
 constexpr int entryBytes = 16;
-constexpr int bigIconWidth = 11; // system metrics
-constexpr int bigIconHeight = 12;
-constexpr int smallIconWidth = 49;
-constexpr int smallIconHeight = 50;
 
 int SizeByte(char byte) { return byte == 0 ? 256 : int(uchar(byte)); }
 
@@ -81,16 +77,16 @@ int BestIconEntry(const QVector<IconEntry>& group, int width, int height) {
 }
 
 draw::Picture LoadIconFromRes(const QString& name, int width, int height, int colourDepth, bool smallSize) {
-    const int bigWidth = forms::GetSystemMetrics(bigIconWidth);
-    const int bigHeight = forms::GetSystemMetrics(bigIconHeight);
+    const int bigWidth = forms::GetSystemMetrics(forms::BigIconWidth);
+    const int bigHeight = forms::GetSystemMetrics(forms::BigIconHeight);
     if (width == 0)
         width = bigWidth;
     else if (smallSize && width != bigWidth)
-        width = forms::GetSystemMetrics(smallIconWidth);
+        width = forms::GetSystemMetrics(forms::SmallIconWidth);
     if (height == 0)
         height = bigHeight;
     else if (smallSize && height != bigHeight)
-        height = forms::GetSystemMetrics(smallIconHeight);
+        height = forms::GetSystemMetrics(forms::SmallIconHeight);
     QByteArray resource = ResourceBytes(name);
     const QVector<IconEntry> group = ReadIconGroup(resource);
     const int chosen = ChooseEntry(group, width, height, colourDepth);
