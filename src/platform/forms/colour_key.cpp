@@ -1,6 +1,7 @@
 #include "forms/colour_key.h"
 
 #include <QBackingStore>
+#include <QColor>
 #include <QEvent>
 #include <QPaintEvent>
 #include <QWindow>
@@ -33,10 +34,23 @@ bool HasKey(const QRgb* row, const QRect& area, QRgb key) {
     return any != 0;
 }
 
+// On a screen of few colours the pixels have lost their lower bits, and so must the key.
+QRgb KeyAsPaintedOn(const QImage& image, QRgb key) {
+    QImage dot(1, 1, image.format());
+    dot.fill(QColor(key));
+    return dot.pixel(0, 0) | opaque;
+}
+
 } // namespace
 
 QRegion KeyedPixels(const QImage& image, const QRect& area, QRgb key) {
     const QRect within = area & image.rect();
+    if (within.isEmpty())
+        return {};
+    if (image.depth() != 32) {
+        const QImage pixels = image.copy(within).convertToFormat(QImage::Format_RGB32);
+        return KeyedPixels(pixels, pixels.rect(), KeyAsPaintedOn(image, key)).translated(within.topLeft());
+    }
     QVector<QRect> done;
     QVector<QRect> open; // runs of the row above that may grow downwards
     for (int y = within.top(); y <= within.bottom(); ++y) {
@@ -69,7 +83,6 @@ ColourKeyOverlay::ColourKeyOverlay(QWidget* window) : QWidget(window) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
-    setAccessibleName(QString());
     window->installEventFilter(this);
     setGeometry(window->rect());
     show();
@@ -82,9 +95,8 @@ void ColourKeyOverlay::SetKey(base::Colour key) {
 }
 
 void ColourKeyOverlay::paintEvent(QPaintEvent* event) {
-    const QBackingStore* store = window()->backingStore();
-    const auto* image =
-        store == nullptr ? nullptr : dynamic_cast<const QImage*>(const_cast<QBackingStore*>(store)->paintDevice());
+    QBackingStore* store = window()->backingStore();
+    const auto* image = store == nullptr ? nullptr : dynamic_cast<const QImage*>(store->paintDevice());
     QWindow* handle = window()->windowHandle();
     if (image == nullptr || handle == nullptr)
         return;

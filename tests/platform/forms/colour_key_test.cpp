@@ -25,6 +25,18 @@ TEST(ColourKey, FindsExactlyTheKeyedPixels) {
     EXPECT_EQ(forms::KeyedPixels(image, QRect(1, 1, 100, 100), keyed), expected & QRect(1, 1, 7, 3));
 }
 
+TEST(ColourKey, FindsItsPixelsOnAScreenOfFewColours) {
+    QImage image(9, 5, QImage::Format_RGB16);
+    image.fill(Qt::black);
+    const QRgb keyed = qRgb(0xF8, 0xB8, 0xF7);
+    for (const QPoint at : {QPoint(2, 1), QPoint(3, 1), QPoint(8, 4)})
+        image.setPixelColor(at, QColor(keyed));
+    const QRegion expected = QRegion(2, 1, 2, 1) + QRegion(8, 4, 1, 1);
+    EXPECT_EQ(forms::KeyedPixels(image, image.rect(), keyed), expected);
+    EXPECT_EQ(forms::KeyedPixels(image, QRect(3, 1, 100, 100), keyed), expected & QRect(3, 1, 6, 4));
+    EXPECT_TRUE(forms::KeyedPixels(image, QRect(20, 20, 5, 5), keyed).isEmpty());
+}
+
 TEST(ColourKey, AnyPixelOfAnyControlCountsAndChangesFollow) {
     forms::Form form("FrmTest", 1500, 1500);
     forms::PictureBox box(form.Client(), "Picture1");
@@ -34,9 +46,7 @@ TEST(ColourKey, AnyPixelOfAnyControlCountsAndChangesFollow) {
     form.SetColourKey(key);
     form.Show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
-    QTest::qWait(50);
-    EXPECT_EQ(form.KeyedRegion(), QRegion(10, 10, 20, 20));
+    EXPECT_TRUE(QTest::qWaitFor([&form] { return form.KeyedRegion() == QRegion(10, 10, 20, 20); }));
     box.SetBackColor(base::Colour(0));
-    QTest::qWait(50);
-    EXPECT_TRUE(form.KeyedRegion().isEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([&form] { return form.KeyedRegion().isEmpty(); }));
 }
