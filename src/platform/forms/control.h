@@ -45,7 +45,8 @@ class Control : public QWidget {
     void SetHeight(double twips);
     void Move(double left, double top, double width, double height);
 
-    // The control's own flag, whatever its container shows.
+    // The control's own flags, whatever its container shows. A control that has the keyboard while it is hidden or
+    // disabled gets it back when it is shown or enabled again, so that a handler may disable it around its work.
     bool Visible() const { return visible_; }
     virtual void SetVisible(bool visible);
     bool Enabled() const { return enabled_; }
@@ -61,11 +62,11 @@ class Control : public QWidget {
     // Gives the control the keyboard.
     void SetFocus();
     // The form's word that the keyboard speaks for the control: Return (13) was pressed while it had the focus.
-    virtual void AccessKeyPress(int key){Q_UNUSED(key)}
+    virtual void AccessKeyPress(int /*key*/) {}
 
-    Q_SIGNALS :
-        // Positions in the mouse events are pixels from the control's top left corner.
-        void Click();
+  Q_SIGNALS:
+    // Positions in the mouse events are pixels from the control's top left corner.
+    void Click();
     void DblClick();
     void MouseDown(int button, int shift, double x, double y);
     void MouseMove(int button, int shift, double x, double y);

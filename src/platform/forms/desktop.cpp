@@ -33,8 +33,7 @@ bool IsOpenable(const QString& address) {
 
 QByteArray EncodedAddress(const QString& address) {
     // What may stand in an address as it is, after RFC 3986, and "%", since the program has escaped "&" already. A "#"
-    // and a
-    // "+" from a device name would end the query or turn into a blank at the site.
+    // and a "+" from a device name would end the query or turn into a blank at the site.
     static const QByteArray plain = QByteArrayLiteral("-._~:/?[]@!$&'()*,;=%");
     const QByteArray bytes = address.toUtf8();
     QByteArray encoded;

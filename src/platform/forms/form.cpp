@@ -242,8 +242,6 @@ void Form::SetShadow(int extent, ShadowPainter paint) {
     update();
 }
 
-int Form::ShadowExtent() const { return shadow_->Extent(); }
-
 bool Form::event(QEvent* event) {
     if (event->type() != QEvent::UpdateRequest)
         return QWidget::event(event);

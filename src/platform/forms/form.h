@@ -114,7 +114,6 @@ class Form : public QWidget {
     // Works only while the screen composites; otherwise nothing changes.
     using ShadowPainter = std::function<void(QPainter&, const QRect& outer, const QRect& window)>;
     void SetShadow(int extent, ShadowPainter paint);
-    int ShadowExtent() const;
 
   Q_SIGNALS:
     // Raised in this order: Loading before the form's own Load; Resized after each change of size and before the form's

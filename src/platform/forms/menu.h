@@ -19,6 +19,7 @@ class Menu : public Component {
     ~Menu() override;
 
     QString Caption() const { return caption_; }
+    // Adds the entry at the end. The name is what Click tells.
     void AddEntry(const QString& name, const QString& caption);
     QStringList EntryNames() const;
     // Shows the menu with its corner at a place of the screen, in pixels, and returns when it has closed. The clicked
@@ -27,7 +28,7 @@ class Menu : public Component {
     // Raises Click for an entry as if the user had chosen it. Unknown names do nothing.
     void Choose(const QString& entryName);
     bool IsOpen() const;
-    // Colours of the popup as the scheme has them.
+    // The toolkit's menu behind it, to be coloured; owned by this object.
     QMenu* Popup() const { return menu_.get(); }
 
   Q_SIGNALS:

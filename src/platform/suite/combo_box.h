@@ -1,6 +1,5 @@
 // A drop-down list of texts; the chosen one is its Text. Click is raised when the user chooses an entry, the same one
-// included, and when the program changes ListIndex. A combo box that is disabled while it has the keyboard takes it
-// back when it is enabled again, so that a handler may disable it around its work.
+// included, and when the program changes ListIndex.
 #pragma once
 
 #include "suite/hosted_control.h"
