@@ -38,8 +38,6 @@ data::Connection& RequireConnection() {
     return *DatabaseConnection();
 }
 
-quint64 Generation() { return DatabaseConnection() ? DatabaseConnection()->Generation() : 0; }
-
 // The recordset standing on the first row whose text equals `value` in lower case; null where there is none. The
 // database's comparison knows fewer letters, so it is checked again.
 data::RecordsetPtr FindRow(const TextTable& table, const QString& value) {
@@ -141,15 +139,15 @@ bool WriteEntry(const QString& hwid, const QString& pair) {
 
 // One run against one file. False where the file was replaced meanwhile: the numbers then mean other names.
 bool TryToAdd(const QString& hwid, const QString& name, const QString& manufacturer) {
-    const quint64 generation = Generation();
+    const quint64 generation = DatabaseGeneration();
     const qint32 nameId = FindOrInsert(deviceNames, name);
     const qint32 manufacturerId = FindOrInsert(manufacturers, manufacturer);
     const QString pair = QStringLiteral("%1,%2").arg(nameId).arg(manufacturerId);
     base::Yield();
     if (!data::Ran([] { RequireConnection().BeginTrans(); })) {
-        return Generation() == generation;
+        return DatabaseGeneration() == generation;
     }
-    const bool same = Generation() == generation;
+    const bool same = DatabaseGeneration() == generation;
     EndTransaction(same && WriteEntry(hwid, pair));
     base::Yield();
     return same;

@@ -81,8 +81,7 @@ bool DatabaseBuilder::Write(const QString& path, const QString& version, QString
 
 void DatabaseBuilder::Fill(const QString& path, const QString& version) const {
     const auto connection = std::make_shared<data::Connection>();
-    connection->SetConnectionString(QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + path +
-                                    QStringLiteral(";"));
+    connection->SetConnectionString(data::ConnectionStringFor(path));
     connection->Open();
     connection->BeginTrans();
     // Rows get their numbers in order, 1 being the first of an empty table.

@@ -17,8 +17,6 @@ namespace {
 
 constexpr int mostAttempts = 3; // searches of one window while others keep replacing the database
 
-quint64 Generation() { return DatabaseConnection() ? DatabaseConnection()->Generation() : 0; }
-
 // The two lookups of one entry and those of the next read one state of the database, unless something else ran between
 // them.
 void AddMatches(const QString& hwid, const QString& info, suite::ListItems& rows, data::ReadHold& hold) {
@@ -81,9 +79,9 @@ QString MatchQuery(const QString& text) {
 
 void FindMatches(const QString& query, suite::ListItems& rows) {
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
-        const quint64 generation = Generation();
+        const quint64 generation = DatabaseGeneration();
         RunQuery(query, rows);
-        const quint64 now = Generation();
+        const quint64 now = DatabaseGeneration();
         if (now == generation || now == 0 || values::ProgramClosing()) {
             return;
         }

@@ -77,6 +77,8 @@ QString LookUp(Slot slot, const QString& query, const QString& column, const QSt
 
 const data::ConnectionPtr& DatabaseConnection() { return TheStore().Connection; }
 
+quint64 DatabaseGeneration() { return DatabaseConnection() ? DatabaseConnection()->Generation() : 0; }
+
 data::RecordsetPtr& RecordsetSlot(Slot slot) { return TheStore().Slots[size_t(slot)]; }
 
 void SetFatalHandlers(std::function<void(const QString&)> show, std::function<void()> end) {
@@ -90,8 +92,7 @@ bool OpenDatabaseFile(const QString& path, data::Error* error) {
             const auto connection = std::make_shared<data::Connection>();
             TheStore().Connection = connection;
             connection->SetCursorLocation(data::adUseClient);
-            connection->SetConnectionString(QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + path +
-                                            QStringLiteral(";"));
+            connection->SetConnectionString(data::ConnectionStringFor(path));
             connection->Open(QString(), QString(), data::adConnectUnspecified);
         },
         error);

@@ -15,6 +15,10 @@ namespace database {
 // The open connection; null before the first opening and after CloseDeviceDatabase.
 const data::ConnectionPtr& DatabaseConnection();
 
+// Another number for every opening of a database file; 0 without an open connection. What was read between two equal
+// answers belongs together, numbers of rows above all.
+quint64 DatabaseGeneration();
+
 // The shared recordsets. A slot is made anew before each use; who walks one across a yield keeps a pointer of its own,
 // because another search may put its own rows into the slot meanwhile.
 enum class Slot { Identity, Hwids, DeviceNames, Mfgs, Version };

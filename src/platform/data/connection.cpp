@@ -11,6 +11,11 @@ namespace data {
 
 namespace {
 
+const QString& TheProvider() {
+    static const QString provider = QStringLiteral("Microsoft.Jet.OLEDB.4.0");
+    return provider;
+}
+
 struct ConnectionParts {
     QString Provider;
     QString DataSource;
@@ -43,6 +48,10 @@ ConnectionParts ReadConnectionString(const QString& text) {
 
 } // namespace
 
+QString ConnectionStringFor(const QString& path) {
+    return QStringLiteral("Provider=") + TheProvider() + QStringLiteral(";Data Source=") + path + QLatin1Char(';');
+}
+
 Connection::Connection() = default;
 Connection::~Connection() = default;
 
@@ -64,7 +73,7 @@ void Connection::Open(const QString& /*user*/, const QString& /*password*/, int 
         throw Error(ErrorObjectOpen);
     }
     const ConnectionParts parts = ReadConnectionString(connectionString_);
-    if (parts.Provider.compare(QLatin1String("Microsoft.Jet.OLEDB.4.0"), Qt::CaseInsensitive) != 0) {
+    if (parts.Provider.compare(TheProvider(), Qt::CaseInsensitive) != 0) {
         throw Error(ErrorProviderNotFound);
     }
     session_ = std::make_shared<Session>(base::NativePath(parts.DataSource));

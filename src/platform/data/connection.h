@@ -11,6 +11,9 @@ namespace data {
 
 class Session;
 
+// The connection string that opens the file at `path`, which may be one of the program's own, with backslashes.
+QString ConnectionStringFor(const QString& path);
+
 class Connection {
   public:
     Connection();
@@ -21,8 +24,7 @@ class Connection {
     // Without effect: every rowset is served as by a client-side cursor. Refuses what is no location.
     void SetCursorLocation(int location);
 
-    // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=<path>;". The path may be one of the program's own, with
-    // backslashes.
+    // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=<path>;"; other keys are passed over.
     void SetConnectionString(const QString& text);
 
     // Opens the file, which must exist and be a database. User and password are not asked for by the provider.
