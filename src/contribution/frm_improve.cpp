@@ -36,9 +36,7 @@ namespace contribution {
 
 namespace {
 
-constexpr double columnWidth = 1500;
-constexpr int bouncyStyle = 4;
-constexpr int ascending = 0;
+constexpr double columnWidth = 1500; // twips
 
 QString SubmissionPath() { return values::ProgramFolder() + QStringLiteral("\\new_hardware.txt"); }
 
@@ -97,7 +95,7 @@ void FrmImprove::Load() {
     items.AddColumn(QStringLiteral("Manufacturer"), QStringLiteral("Manufacturer"), columnWidth);
     items.AddColumn(QStringLiteral("HardwareIDs"), QStringLiteral("Hardware IDs"), columnWidth);
     ListViewHardware->SetSortKey(0);
-    ListViewHardware->SetSortOrder(ascending);
+    ListViewHardware->SetSortOrder(int(suite::SortOrder::Ascending));
     ListViewHardware->SetSorted(true);
     ReadKeywords();
     appearance::MakeWindowColorKeyed(this, TitelBar1->BackColor());
@@ -119,7 +117,7 @@ bool FrmImprove::BeginWork(controls::dcButton* button) {
     button->SetEnabled(false);
     LabelStatus->SetCaption(QStringLiteral("Status:"));
     PanelProgress->SetVisible(true);
-    DB1->SetStyle(bouncyStyle);
+    DB1->SetStyle(controls::AnimationBar::Bouncy);
     DB1->BeginDisplay();
     ListViewHardware->SetVisible(false);
     return true;

@@ -16,6 +16,7 @@ namespace contribution {
 namespace {
 
 constexpr int columnSize = 255; // characters
+
 using SetStatus = std::function<void(const QString&)>;
 
 // The fields of the rowset; the last one holds the list of hardware IDs, despite its name.

@@ -30,11 +30,11 @@ namespace {
 using window::MakeLabel;
 using window::Place;
 
-constexpr double leastHeight = 5340; // twips
+// Twips.
+constexpr double leastHeight = 5340;
 constexpr double leastWidth = 8520;
 constexpr double columnWidth = 1500;
-constexpr int bouncyStyle = 4;
-constexpr int descending = 1;
+
 } // namespace
 
 FrmLookup::FrmLookup() : forms::Form(QStringLiteral("FrmLookup"), leastWidth, leastHeight) {
@@ -109,7 +109,7 @@ void FrmLookup::Load() {
 void FrmLookup::SortByLength() {
     LabelListViewHardware->SetSorted(false);
     LabelListViewHardware->SetSortKey(LengthColumn);
-    LabelListViewHardware->SetSortOrder(descending);
+    LabelListViewHardware->SetSortOrder(int(suite::SortOrder::Descending));
     LabelListViewHardware->SetSorted(true);
 }
 
@@ -120,7 +120,7 @@ void FrmLookup::TimerStart_Tick() {
     LabelStatus->SetCaption(QStringLiteral("Status: Searching..."));
     base::Yield();
     suite::ListItems& rows = LabelListViewHardware->ListItems();
-    DB1->SetStyle(bouncyStyle);
+    DB1->SetStyle(controls::AnimationBar::Bouncy);
     DB1->BeginDisplay();
     LabelListViewHardware->SetVisible(false);
     rows.Clear();
