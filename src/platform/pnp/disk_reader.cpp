@@ -117,8 +117,7 @@ std::optional<ScsiAddress> ParseAddress(const std::string& name) {
 std::string UsbDevice(const std::string& path) {
     for (std::string folder = path; !folder.empty(); folder = ParentPath(folder)) {
         const std::string name = LastComponent(folder);
-        if (name.find(':') == std::string::npos && name.find('-') != std::string::npos && name[0] >= '0' &&
-            name[0] <= '9')
+        if (IsUsbPlace(name) && name.find(':') == std::string::npos)
             return folder;
     }
     return {};

@@ -60,6 +60,10 @@ bool IsPciAddress(const std::string& component) {
            AllHex(component, colon + 4, 2) && component[colon + 7] >= '0' && component[colon + 7] <= '7';
 }
 
+bool IsUsbPlace(const std::string& component) {
+    return AllDigits(component.substr(0, 1)) && component.find('-') != std::string::npos;
+}
+
 std::string PciFolder(const std::string& path) {
     std::string folder = path;
     while (!folder.empty() && !IsPciAddress(LastComponent(folder)))
@@ -71,15 +75,10 @@ int TreeLevel(const std::string& path) {
     int functions = 0;
     int others = 0;
     for (const std::string& part : Components(path)) {
-        if (IsPciAddress(part)) {
+        if (IsPciAddress(part))
             ++functions;
-        } else if (IsNumbered(part, "usb") || IsHidInstance(part)) {
+        else if (IsNumbered(part, "usb") || IsUsbPlace(part) || IsHidInstance(part))
             ++others;
-        } else if (!part.empty() && std::isdigit(static_cast<unsigned char>(part[0])) != 0 &&
-                   part.find('-') != std::string::npos) {
-            // A hub port ("1-2.3") or an interface on it ("1-2.3:1.0"); each is a level of its own.
-            ++others;
-        }
     }
     return 2 + std::max(1, functions) + others;
 }

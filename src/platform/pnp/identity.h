@@ -27,6 +27,8 @@ std::string StablePath(const std::string& path);
 bool IsNumbered(std::string_view component, std::string_view prefix);
 // Whether a path component is the address of a PCI function ("0000:00:1f.2").
 bool IsPciAddress(const std::string& component);
+// Whether a path component is a hub port ("1-2.3") or an interface on it ("1-2.3:1.0").
+bool IsUsbPlace(const std::string& component);
 // The folder of the innermost PCI function on the path; empty if there is none.
 std::string PciFolder(const std::string& path);
 

@@ -38,22 +38,18 @@ void Context::TakeDriver(const Node& node, Device& device) {
     if (name.empty())
         return;
     device.service = CleanAttribute(name);
-    const QByteArray key = QByteArray::fromStdString(link.empty() ? name : link);
-    const auto known = versions_.constFind(key);
-    if (known != versions_.constEnd()) {
-        device.driverVersion = *known;
-        return;
-    }
-    QString version = link.empty() ? QString() : At(link).Text("module/version");
-    if (version.isEmpty())
+    const auto [known, isNew] = versions_.try_emplace(link.empty() ? name : link);
+    QString& version = known->second;
+    if (isNew && !link.empty())
+        version = At(link).Text("module/version");
+    if (isNew && version.isEmpty())
         version = KernelRelease();
-    versions_.insert(key, version);
     device.driverVersion = version;
 }
 
 std::string Context::Stable(const std::string& path) {
     const std::size_t begin = path.find("/usb");
-    const std::string stable = StablePath(path);
+    std::string stable = StablePath(path);
     if (begin == std::string::npos)
         return stable;
     const std::size_t end = std::min(path.find('/', begin + 1), path.size());
@@ -62,17 +58,17 @@ std::string Context::Stable(const std::string& path) {
         return stable;
     // The buses of one controller keep their order, whatever other controllers are counted before them.
     const std::string controller = path.substr(0, begin);
-    const QByteArray key = QByteArray::fromStdString(controller + "/" + bus);
-    if (!usbBuses_.contains(key)) {
+    const auto [known, isNew] = usbBuses_.try_emplace(path.substr(0, end));
+    if (isNew) {
         int rank = 0;
         for (const std::string& name : files_.List(controller)) {
             if (name == bus)
                 break;
             rank += IsNumbered(name, "usb") ? 1 : 0;
         }
-        usbBuses_.insert(key, QByteArray("usb#") + QByteArray::number(rank));
+        known->second = "usb#" + std::to_string(rank);
     }
-    std::string result = StablePath(controller) + "/" + usbBuses_.value(key).toStdString();
+    std::string result = StablePath(controller) + "/" + known->second;
     for (const std::string& part : Components(path.substr(end))) {
         // "1-2.3:1.0" without the number of the bus.
         const std::size_t dash = part.find('-');

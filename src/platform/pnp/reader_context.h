@@ -7,8 +7,8 @@
 #include "pnp/sources.h"
 #include "pnp/sysfs.h"
 
-#include <QHash>
 #include <string>
+#include <unordered_map>
 
 namespace pnp {
 
@@ -45,8 +45,9 @@ class Context {
     ModuleAliases modules_;
     bool releaseKnown_ = false;
     QString release_;
-    QHash<QByteArray, QString> versions_;
-    QHash<QByteArray, QByteArray> usbBuses_;
+    // Versions of drivers by their folder; "usb#0" for the first bus of a controller, by its folder.
+    std::unordered_map<std::string, QString> versions_;
+    std::unordered_map<std::string, std::string> usbBuses_;
 };
 
 } // namespace pnp

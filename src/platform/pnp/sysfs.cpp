@@ -175,7 +175,7 @@ std::vector<std::string> Sysfs::List(const std::string& path) const { return Lis
 bool Sysfs::Has(const std::string& path) const { return IsThere(AT_FDCWD, root_ + path); }
 
 std::string Sysfs::Resolve(const std::string& path) const {
-    const std::string target = Link(path);
+    std::string target = Link(path);
     if (!target.empty())
         return target;
     struct stat status {};
