@@ -1,5 +1,6 @@
 #include "suite/hosted_control.h"
 
+#include "forms/tool_tip.h"
 #include "suite/paint_tools.h"
 
 #include <QEvent>
@@ -54,8 +55,6 @@ void HostedControl::Refresh() {
     Control::Refresh();
 }
 
-QSize HostedControl::sizeHint() const { return inner_ ? inner_->sizeHint() : Control::sizeHint(); }
-
 QString HostedControl::TipText() const {
     const QString text = ShownText();
     return fontMetrics().horizontalAdvance(text) > TextRoom() ? text : QString();
@@ -84,7 +83,7 @@ bool HostedControl::eventFilter(QObject* watched, QEvent* event) {
         break;
     case QEvent::ToolTip:
         if (watched == inner_ && toolTip().isEmpty()) {
-            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), TipText(), inner_);
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), forms::PlainTip(TipText()), inner_);
             return true;
         }
         break;

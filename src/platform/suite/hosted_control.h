@@ -25,8 +25,6 @@ class HostedControl : public forms::Control {
     QWidget* Inner() const { return inner_; }
     void Refresh() override;
 
-    QSize sizeHint() const override;
-
   protected:
     // Takes over the widget, which is a child of this control. Called once, from the constructor of the control.
     void Host(QWidget* inner);

@@ -219,6 +219,12 @@ TEST_F(SuiteControls, TextsThatAreCutOffAreToolTips) {
     picker->SetCaption(QStringLiteral("Text"));
     picker->SetColor(Colour(0x0000FF));
     EXPECT_EQ(tip(picker->Inner()), QStringLiteral("#FF0000"));
+    // An entry may be a file's name, and must not load what it would have loaded.
+    auto* combo = Make<suite::ComboBox>("Combo2");
+    combo->Move(0, 0, 1200, 300);
+    combo->AddItem(QStringLiteral("<img src='evil.svg'> from a stranger"));
+    combo->SetListIndex(0);
+    EXPECT_EQ(tip(combo->Inner()), QStringLiteral("<qt>&lt;img src='evil.svg'&gt; from a stranger</qt>"));
 }
 
 // What a skin sets on each kind of control must be there by its name.
