@@ -36,15 +36,13 @@ class AccessiblePicture : public QAccessibleWidget {
 };
 
 QAccessibleInterface* Make(const QString& className, QObject* object) {
+    Q_UNUSED(className)
     if (auto* picture = qobject_cast<AlphaImgCtl*>(object))
         return new AccessiblePicture(picture);
-    auto* widget = qobject_cast<QWidget*>(object);
-    if (!widget)
-        return nullptr;
-    if (className == QLatin1String(GroupBox::staticMetaObject.className()))
-        return new QAccessibleWidget(widget, QAccessible::Grouping);
-    if (className == QLatin1String(TabControlPage::staticMetaObject.className()))
-        return new QAccessibleWidget(widget, QAccessible::PropertyPage);
+    if (auto* group = qobject_cast<GroupBox*>(object))
+        return new QAccessibleWidget(group, QAccessible::Grouping);
+    if (auto* page = qobject_cast<TabControlPage*>(object))
+        return new QAccessibleWidget(page, QAccessible::PropertyPage);
     return nullptr;
 }
 

@@ -31,7 +31,6 @@ void AlphaImgCtl::SetPicture(const draw::Picture& picture) {
     if (picture_ == picture)
         return;
     picture_ = picture;
-    updateGeometry();
     update();
 }
 
@@ -56,8 +55,6 @@ void AlphaImgCtl::Press() {
     if (alive)
         Q_EMIT Click();
 }
-
-QSize AlphaImgCtl::sizeHint() const { return {picture_.Width(), picture_.Height()}; }
 
 void AlphaImgCtl::paintEvent(QPaintEvent*) {
     QPainter painter(this);

@@ -29,8 +29,6 @@ class AlphaImgCtl : public forms::Control {
     // What a click does: raises MouseUp of the left button and Click.
     void Press();
 
-    QSize sizeHint() const override;
-
   protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

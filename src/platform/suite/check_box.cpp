@@ -19,11 +19,6 @@ class CheckFace : public QCheckBox {
   public:
     explicit CheckFace(QWidget* parent) : QCheckBox(parent) { setAttribute(Qt::WA_Hover); }
 
-    QSize sizeHint() const override {
-        return {Scaled(kBox + kGap + 4) + fontMetrics().horizontalAdvance(ShownCaption(text())),
-                std::max(Scaled(kBox), fontMetrics().height()) + Scaled(4)};
-    }
-
   protected:
     bool hitButton(const QPoint& place) const override { return rect().contains(place); }
 

@@ -34,11 +34,6 @@ class PickerFace : public QPushButton {
         setAutoDefault(true);
     }
 
-    QSize sizeHint() const override {
-        return {Scaled(kSwatchWidth + kGap + 6) + fontMetrics().horizontalAdvance(text()),
-                std::max(Scaled(kSwatchHeight), fontMetrics().height()) + Scaled(6)};
-    }
-
   protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);

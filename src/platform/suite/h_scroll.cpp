@@ -4,10 +4,14 @@
 
 #include <QPainter>
 #include <QScrollBar>
+#include <utility>
 
 namespace suite {
 
 namespace {
+
+constexpr int mostByDefault = 32767;
+constexpr int pageStep = 10;
 
 class BarFace : public QScrollBar {
   public:
@@ -39,8 +43,8 @@ class BarFace : public QScrollBar {
 } // namespace
 
 HScroll::HScroll(QWidget* container, const QString& name) : Control(container, name), bar_(new BarFace(this)) {
-    bar_->setRange(0, 32767);
-    bar_->setPageStep(10);
+    bar_->setRange(0, mostByDefault);
+    bar_->setPageStep(pageStep);
     bar_->setFocusPolicy(Qt::StrongFocus);
     setFocusProxy(bar_);
     bar_->show();
@@ -64,10 +68,6 @@ int HScroll::Max() const { return bar_->maximum(); }
 void HScroll::SetMax(int value) { bar_->setMaximum(value); }
 int HScroll::Value() const { return bar_->value(); }
 void HScroll::SetValue(int value) { bar_->setValue(value); }
-int HScroll::SmallChange() const { return bar_->singleStep(); }
-void HScroll::SetSmallChange(int value) { bar_->setSingleStep(value); }
-int HScroll::LargeChange() const { return bar_->pageStep(); }
-void HScroll::SetLargeChange(int value) { bar_->setPageStep(value); }
 
 void HScroll::SetAccessibleLabel(const QString& label) {
     setAccessibleName(label);

@@ -13,8 +13,6 @@ class HScroll : public forms::Control {
     Q_PROPERTY(int Min READ Min WRITE SetMin)
     Q_PROPERTY(int Max READ Max WRITE SetMax)
     Q_PROPERTY(int Value READ Value WRITE SetValue)
-    Q_PROPERTY(int SmallChange READ SmallChange WRITE SetSmallChange)
-    Q_PROPERTY(int LargeChange READ LargeChange WRITE SetLargeChange)
 
   public:
     HScroll(QWidget* container, const QString& name);
@@ -26,10 +24,6 @@ class HScroll : public forms::Control {
     int Value() const;
     // Values outside the range are moved to its end.
     void SetValue(int value);
-    int SmallChange() const;
-    void SetSmallChange(int value);
-    int LargeChange() const;
-    void SetLargeChange(int value);
     void SetAccessibleLabel(const QString& label);
     QScrollBar* Bar() const { return bar_; }
 
@@ -42,7 +36,7 @@ class HScroll : public forms::Control {
 
   private:
     QScrollBar* bar_;
-    int reported_ = 0;
+    int reported_ = 0; // the value at the last Change
 };
 
 } // namespace suite

@@ -18,7 +18,9 @@ enum class Kind {
 
 enum class Tone { None, Ink, Body, Shade, White, Blue, Sky, Green, Amber, Dark };
 
-// Coordinates are those of a field of 16 by 16; half coordinates put thin lines on whole pixels at 16 and 32.
+constexpr double kField = 16;
+
+// Coordinates are those of a square field of that side; half coordinates put thin lines on whole pixels at 16 and 32.
 struct Shape {
     Glyph glyph;
     Kind kind;
@@ -339,18 +341,6 @@ void DrawShape(QPainter& painter, const Shape& shape) {
 
 } // namespace
 
-void DrawGlyph(QPainter& painter, Glyph glyph, const QRectF& area) {
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(area.topLeft());
-    painter.scale(area.width() / 16, area.height() / 16);
-    for (const Shape& shape : kShapes) {
-        if (shape.glyph == glyph)
-            DrawShape(painter, shape);
-    }
-    painter.restore();
-}
-
 QPixmap GlyphPixmap(Glyph glyph, int pixels) {
     if (glyph == Glyph::None || pixels < 1)
         return {};
@@ -361,7 +351,12 @@ QPixmap GlyphPixmap(Glyph glyph, int pixels) {
     pixmap = QPixmap(pixels, pixels);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    DrawGlyph(painter, glyph, QRectF(0, 0, pixels, pixels));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(pixels / kField, pixels / kField);
+    for (const Shape& shape : kShapes) {
+        if (shape.glyph == glyph)
+            DrawShape(painter, shape);
+    }
     painter.end();
     QPixmapCache::insert(key, pixmap);
     return pixmap;

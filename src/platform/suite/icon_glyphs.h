@@ -5,14 +5,8 @@
 #include "suite/icon_modules.h"
 
 #include <QPixmap>
-#include <QRectF>
-
-class QPainter;
 
 namespace suite {
-
-// Fills `area` (best a square) with the glyph; draws nothing for Glyph::None.
-void DrawGlyph(QPainter& painter, Glyph glyph, const QRectF& area);
 
 // A square picture with a transparent ground; null for Glyph::None and for sizes below 1. Cached by the toolkit.
 QPixmap GlyphPixmap(Glyph glyph, int pixels);

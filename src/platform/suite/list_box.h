@@ -1,4 +1,5 @@
-// A plain list of texts, such as the keywords that a scan skips. It can be shown, and usually is not.
+// A plain list of texts, such as the keywords that a scan skips. Usually hidden; what it shows are the texts that it
+// had when it was last shown.
 #pragma once
 
 #include "suite/hosted_control.h"

@@ -26,13 +26,6 @@ void ListItem::SetText(const QString& text) {
     owner_.NoteChange(*this);
 }
 
-void ListItem::SetIcon(qint32 icon) {
-    if (icon_ == icon)
-        return;
-    icon_ = icon;
-    owner_.NoteChange(*this);
-}
-
 std::optional<QString> ListItem::SubItems(int index) const {
     if (index < 1)
         return std::nullopt;

@@ -38,7 +38,6 @@ class ListItem {
 
     // The id under which the icon store holds the row's icon; 0 for none.
     qint32 Icon() const { return icon_; }
-    void SetIcon(qint32 icon);
 
     // The text of sub-item `index`. An item has one sub-item fewer than the list has columns: beyond them, nothing.
     std::optional<QString> SubItems(int index) const;

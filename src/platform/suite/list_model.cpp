@@ -32,11 +32,6 @@ void ListModel::RowRemoved(int row) {
     endRemoveRows();
 }
 
-void ListModel::RowsChanged() {
-    if (rows_ > 0 && columns_ > 0)
-        Q_EMIT dataChanged(index(0, 0), index(rows_ - 1, columns_ - 1));
-}
-
 void ListModel::Reordered() {
     if (rows_ != items_.Count()) {
         Attach();

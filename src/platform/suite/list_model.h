@@ -16,12 +16,12 @@ class ListModel : public QAbstractTableModel {
     ListModel(const ListItems& items, QObject* parent);
 
     bool Attached() const { return attached_; }
+    // Takes all rows as they are at present, attached already or not.
     void Attach();
     void Detach();
-    // Follow a change of the items; only while attached.
+    // Follow a change of the items, rows counted from 0; only while attached.
     void RowInserted(int row);
     void RowRemoved(int row);
-    void RowsChanged();
     void Reordered();
     // Columns follow whether attached or not.
     void ColumnsChanged();

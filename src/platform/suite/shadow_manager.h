@@ -40,6 +40,7 @@ class ShadowManager : public QObject {
     // true enters the update mode: what is set from now on is applied at once when it is left again. Calls nest.
     void SetUpdateMode(bool updating);
 
+    // Kept and not drawn, as is the second size below: there is one style.
     int StyleFlags() const { return styleFlags_; }
     void SetStyleFlags(int flags) { styleFlags_ = flags; }
     const BlendCurve& Curve() const { return curve_; }

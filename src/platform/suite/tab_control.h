@@ -16,7 +16,7 @@ class TabControl;
 class TabStrip;
 
 // The colours of a tab control: faces of tabs that are at rest, under the pointer and selected, their texts, the strip
-// behind them, the pane below and its frame.
+// behind them, the pane below and its frame. ControlFace is kept and not drawn: no part of this look has that colour.
 class TabColorSet : public QObject {
     Q_OBJECT
     Q_PROPERTY(base::Colour ButtonNormal MEMBER ButtonNormal NOTIFY Changed)
@@ -67,7 +67,7 @@ class TabPaintManager : public QObject {
     void SetEnlarged(bool enlarged);
     const QFont& Font() const { return font_; }
     void SetFont(const QFont& font);
-    // The least height of a tab's inside, and how much room is kept beside its text, in pixels.
+    // How much room is kept beside a tab's text, both sides together, and the least height of its inside, in pixels.
     int ItemWidth() const { return itemWidth_; }
     int ItemHeight() const { return itemHeight_; }
     void SetItemMetrics(int width, int height);
