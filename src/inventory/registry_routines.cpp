@@ -7,6 +7,8 @@
 #include <QDateTime>
 #include <QLocale>
 #include <array>
+#include <cstring>
+#include <limits>
 
 namespace inventory {
 
@@ -19,6 +21,9 @@ constexpr quint32 View64 = 256;
 constexpr quint32 FirstBuffer = 1024;
 constexpr quint32 KeyNameLength = 260;
 constexpr quint32 ValueNameLength = 4096;
+// What fits 32 bits, with a sign or without.
+constexpr double LeastWord = std::numeric_limits<qint32>::min();
+constexpr double GreatestWord = std::numeric_limits<quint32>::max();
 
 // A key opened for the time of one operation.
 class OpenedKey {
@@ -229,7 +234,7 @@ bool RegistryRoutines::SetRegistryValue(const QString& name, const QVariant& val
     case RegistryWord: {
         const QString text = fromHexText ? QStringLiteral("&H") + value.toString() : value.toString();
         const std::optional<double> number = base::TextToNumber(text);
-        if (!number)
+        if (!number || *number < LeastWord || *number > GreatestWord)
             return false;
         const quint32 word = quint32(qint64(*number));
         bytes = QByteArray(reinterpret_cast<const char*>(&word), sizeof word);

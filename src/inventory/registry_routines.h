@@ -55,8 +55,8 @@ class RegistryRoutines {
                               bool expandStrings = false, bool dwordAsHex = false) const;
     // The text of a plain or expandable string; empty for anything else.
     QString GetStringValue(const QString& name, bool expandStrings = false) const;
-    // Texts for the text types, QByteArray for bytes, a number (or, `fromHexText`, hexadecimal digits) for words; other
-    // types write nothing. True if it was written.
+    // Texts for the text types, QByteArray for bytes, a number of 32 bits (or, `fromHexText`, hexadecimal digits) for
+    // words; all else writes nothing. True if it was written.
     bool SetRegistryValue(const QString& name, const QVariant& value, qint32 type, bool fromHexText = false) const;
 
   private:

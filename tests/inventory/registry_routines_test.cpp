@@ -58,7 +58,9 @@ TEST_F(Registry, NumbersAndBytes) {
     EXPECT_EQ(registry.GetRegistryValue(name, {}, nullptr, false, true), QVariant(QStringLiteral("1F")));
     EXPECT_EQ(RoundTrip(QByteArray("\x05\xA0\x00", 3), inventory::RegistryBinary),
               QVariant(QStringLiteral("05 A0 00 ")));
-    EXPECT_FALSE(registry.SetRegistryValue(name, QStringLiteral("no number"), inventory::RegistryWord));
+    EXPECT_EQ(RoundTrip(4294967295.0, inventory::RegistryWord), QVariant(-1));
+    for (const char* text : {"no number", "4294967296", "-2147483649", "1E300"})
+        EXPECT_FALSE(registry.SetRegistryValue(name, QString::fromLatin1(text), inventory::RegistryWord)) << text;
     EXPECT_FALSE(registry.SetRegistryValue(name, 1, 11));
 }
 
