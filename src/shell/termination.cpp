@@ -4,6 +4,7 @@
 #include "forms/forms.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -14,6 +15,12 @@ namespace {
 
 constexpr std::array endingSignals = {SIGTERM, SIGINT, SIGHUP};
 
+// What was set before us, by whoever started the program.
+std::array<sighandler_t, endingSignals.size()>& Before() {
+    static std::array<sighandler_t, endingSignals.size()> handlers = {SIG_DFL, SIG_DFL, SIG_DFL};
+    return handlers;
+}
+
 // A handler may call next to nothing, so it writes one byte that the event loop reads.
 std::array<int, 2>& Pipe() {
     static std::array<int, 2> ends = {-1, -1};
@@ -21,8 +28,10 @@ std::array<int, 2>& Pipe() {
 }
 
 void Tell(int) {
+    const int error = errno; // of whatever call the signal came into
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = write(Pipe()[0], &byte, 1);
+    errno = error;
 }
 
 } // namespace
@@ -38,13 +47,18 @@ Termination::Termination() {
         if (forms::Form* main = forms::Forms::Instance().Find(QStringLiteral("FrmMain")))
             main->Unload();
     });
-    for (const int number : endingSignals)
-        std::signal(number, Tell);
+    for (size_t i = 0; i < endingSignals.size(); ++i) {
+        Before()[i] = std::signal(endingSignals[i], Tell);
+        // Who has a program started to outlive its terminal (nohup) has the signal ignored.
+        if (Before()[i] == SIG_IGN)
+            std::signal(endingSignals[i], SIG_IGN);
+    }
 }
 
 Termination::~Termination() {
-    for (const int number : endingSignals)
-        std::signal(number, SIG_DFL);
+    if (notifier_)
+        for (size_t i = 0; i < endingSignals.size(); ++i)
+            std::signal(endingSignals[i], Before()[i]);
     for (int& end : Pipe()) {
         if (end >= 0)
             close(end);

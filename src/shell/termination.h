@@ -1,5 +1,6 @@
 // Requests from outside to end the program (SIGTERM, SIGINT, SIGHUP): the main window is closed as by its close button,
-// so settings and database are left in order.
+// so settings and database are left in order. One at a time; a signal that is ignored when it begins stays ignored, and
+// what was set before comes back with its end.
 #pragma once
 
 #include <QSocketNotifier>
