@@ -26,8 +26,8 @@ namespace {
 // The program measures in device pixels and scales by itself; the toolkit must not scale a second time.
 constexpr const char* scalingSwitch = "QT_ENABLE_HIGHDPI_SCALING";
 
-// Twips: the widest window is the main one, the highest that of contributions.
-constexpr double widestWindow = 11250;
+// The widest window is the main one, the highest that of contributions; twips.
+constexpr double widestWindow = shell::mainWidth;
 constexpr double highestWindow = 8715;
 
 void PrepareEnvironment() {

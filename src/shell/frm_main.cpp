@@ -27,7 +27,7 @@
 
 namespace shell {
 
-FrmMain::FrmMain() : forms::Form(QStringLiteral("FrmMain"), 11250, 8250) {
+FrmMain::FrmMain() : forms::Form(QStringLiteral("FrmMain"), mainWidth, mainHeight) {
     CreateControls();
     Connect();
 }

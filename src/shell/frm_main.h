@@ -39,6 +39,10 @@ namespace shell {
 constexpr int tabCount = 4;
 constexpr int logoCount = 3;
 
+// The window's design size, and the least that it can be made; twips.
+constexpr double mainWidth = 11250;
+constexpr double mainHeight = 8250;
+
 class FrmMain : public forms::Form {
     Q_OBJECT
 
@@ -123,7 +127,10 @@ class FrmMain : public forms::Form {
     void SetMainButtonsEnabled(bool enabled);
     void BeginProgress();
     void EndProgress();
-    void ShowDatabaseInfo();
+    // The buttons off, the status and the progress shown; yields.
+    void BeginDatabaseWork(const QString& status);
+    // Opens the database and shows its version and size; false if the program is closing and nothing is to follow.
+    bool OpenDatabase();
     void ClearListsForScan();
     void SetTabCaption(int tab, qint32 count);
 

@@ -40,7 +40,7 @@ void FrmMain::CreateControls() {
     QWidget* client = Client();
     Anchor1 = new controls::Anchor(this, QStringLiteral("Anchor1"));
 
-    TitelBar1 = window::MakeTitelBar(client, 11250);
+    TitelBar1 = window::MakeTitelBar(client, mainWidth);
 
     CommandGetHardware = Place(MakeButton(client, "CommandGetHardware", "Refresh Hardware Lists"), 150, 615, 2700, 480);
     CommandImproveHardware =
@@ -72,7 +72,7 @@ void FrmMain::CreateControls() {
         Place(MakeLabel(client, "LabelDatabaseVersion", "Database Version:"), 150, 7890, 4200, 270, window::BottomLeft);
     LabelTotalDevices = Place(MakeLabel(client, "LabelTotalDevices", "Devices In Database:"), 4500, 7890, 5700, 270,
                               window::BottomWide);
-    LabelResize = window::MakeGrip(client, 11250, 8250);
+    LabelResize = window::MakeGrip(client, mainWidth, mainHeight);
 
     Picture1 = Place(new forms::PictureBox(client, QStringLiteral("Picture1")), 0, 0, 15, 15);
     Picture1->SetVisible(false);

@@ -29,12 +29,10 @@ namespace shell {
 
 namespace {
 
-constexpr double leastHeight = 8250; // twips
-constexpr double leastWidth = 11250;
-constexpr int pixelScale = 3;
-constexpr int systemFolderId = 37;
-constexpr int logoOpacity = 99;
-constexpr float tabMetric = 16; // pixels at a display scale of 1
+constexpr int pixelScale = 3;      // a scale mode
+constexpr int systemFolderId = 37; // CSIDL_SYSTEM
+constexpr int logoOpacity = 99;    // per cent
+constexpr double tabMetric = 16;   // pixels at a display scale of 1
 
 QString WithBackslash(QString folder) {
     if (!folder.endsWith(u'\\'))
@@ -53,10 +51,10 @@ void FrmMain::Load() {
     window::SetFormIcon(*this, QStringLiteral("AAA"), true);
     base::Yield();
     window::MeasureDpi();
-    Anchor1->SetMinHeight(int(leastHeight));
-    Anchor1->SetMinWidth(int(leastWidth));
-    SetHeight(leastHeight);
-    SetWidth(leastWidth);
+    Anchor1->SetMinHeight(int(mainHeight));
+    Anchor1->SetMinWidth(int(mainWidth));
+    SetHeight(mainHeight);
+    SetWidth(mainWidth);
     base::Yield();
     program.ShadowDisabled = values::ReadFlag(QStringLiteral("main"), QStringLiteral("CheckDisableShadow"));
     program.ShadowEnabled = !program.ShadowDisabled;
@@ -132,7 +130,7 @@ void FrmMain::SetUpLogos() {
 }
 
 void FrmMain::SetUpTabs() {
-    const double metric = double(tabMetric) * double(values::Program().DpiScale);
+    const double metric = tabMetric * double(values::Program().DpiScale);
     TabControl1->PaintManager()->SetEnlarged(true);
     TabControl1->PaintManager()->SetFont(TabControl1->font());
     TabControl1->PaintManager()->SetItemMetrics(int(metric), int(metric));

@@ -35,9 +35,22 @@ void FrmMain::EndProgress() {
     DB1->EndDisplay();
 }
 
-void FrmMain::ShowDatabaseInfo() {
+void FrmMain::BeginDatabaseWork(const QString& status) {
+    SetMainButtonsEnabled(false);
+    LabelStatus->SetCaption(status);
+    BeginProgress();
+    base::Yield();
+}
+
+bool FrmMain::OpenDatabase() {
+    database::OpenDeviceDatabase();
+    base::Yield();
+    database::ReadVersionAndCount();
+    if (values::ProgramClosing())
+        return false;
     LabelTotalDevices->SetCaption(database::DeviceCountCaption());
     LabelDatabaseVersion->SetCaption(database::DatabaseVersionCaption());
+    return true;
 }
 
 void FrmMain::CheckForDatabaseUpdateSilent() {
@@ -48,18 +61,9 @@ void FrmMain::CheckForDatabaseUpdateSilent() {
 
 void FrmMain::TimerStartup_Tick() {
     TimerStartup->SetEnabled(false);
-    SetMainButtonsEnabled(false);
-    LabelStatus->SetCaption(QStringLiteral("Status: Reading Database Version && Device Count From hwids.mdb"));
-    BeginProgress();
-    base::Yield();
-    if (values::ProgramClosing())
+    BeginDatabaseWork(QStringLiteral("Status: Reading Database Version && Device Count From hwids.mdb"));
+    if (values::ProgramClosing() || !OpenDatabase())
         return;
-    database::OpenDeviceDatabase();
-    base::Yield();
-    database::ReadVersionAndCount();
-    if (values::ProgramClosing())
-        return;
-    ShowDatabaseInfo();
     base::Yield();
     if (values::Program().CheckForUpdatesAtStart)
         CheckForDatabaseUpdateSilent();
@@ -74,20 +78,14 @@ void FrmMain::TimerStartup_Tick() {
 
 void FrmMain::TimerCountDatabase_Tick() {
     TimerCountDatabase->SetEnabled(false);
-    SetMainButtonsEnabled(false);
-    LabelStatus->SetCaption(QStringLiteral("Status: Reading Database Version && Device Count From hwids.dat"));
-    BeginProgress();
-    base::Yield();
+    // The text is fixed, the file's other ending included.
+    BeginDatabaseWork(QStringLiteral("Status: Reading Database Version && Device Count From hwids.dat"));
     if (values::ProgramClosing())
         return;
     database::CloseDeviceDatabase();
     base::Yield();
-    database::OpenDeviceDatabase();
-    base::Yield();
-    database::ReadVersionAndCount();
-    if (values::ProgramClosing())
+    if (!OpenDatabase())
         return;
-    ShowDatabaseInfo();
     EndProgress();
     SetMainButtonsEnabled(true);
     base::Yield();
