@@ -68,15 +68,17 @@ class CheckFace : public QCheckBox {
 CheckBox::CheckBox(QWidget* container, const QString& name, const QString& caption)
     : HostedControl(container, name), box_(new CheckFace(this)) {
     Host(box_);
-    connect(box_, &QCheckBox::clicked, this, [this] {
-        const QPointer<CheckBox> alive(this);
-        Q_EMIT Click();
-        if (alive)
-            Q_EMIT MouseUp(forms::LeftButton, 0, width() / 2.0, height() / 2.0);
-    });
+    connect(box_, &QCheckBox::clicked, this, &CheckBox::TellChange);
     SetBackColor(base::Colour(0x8000000FU));
     SetForeColor(base::Colour(0x80000012U));
     SetCaption(caption);
+}
+
+void CheckBox::TellChange() {
+    const QPointer<CheckBox> alive(this);
+    Q_EMIT Click();
+    if (alive)
+        Q_EMIT MouseUp(forms::LeftButton, 0, width() / 2.0, height() / 2.0);
 }
 
 void CheckBox::SetCaption(const QString& caption) {

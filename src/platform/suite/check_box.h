@@ -26,6 +26,8 @@ class CheckBox : public HostedControl {
     int TextRoom() const override;
 
   private:
+    void TellChange();
+
     QCheckBox* box_;
     QString caption_;
 };
