@@ -6,6 +6,7 @@
 #include "draw/region.h"
 #include "draw/system_colours.h"
 #include "forms/desktop.h"
+#include "forms/tool_tip.h"
 
 #include <QHelpEvent>
 #include <QShortcut>
@@ -345,7 +346,8 @@ void dcButton::TellValueChanged() { AccessibleCheckChanged(this); }
 bool dcButton::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
         if (!rect().contains(Layout().caption))
-            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), AccessibleText(caption_), this);
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), forms::PlainTip(AccessibleText(caption_)),
+                               this);
         return true;
     }
     return DrawnControl::event(event);

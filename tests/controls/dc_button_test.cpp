@@ -3,7 +3,9 @@
 
 #include <QAccessible>
 #include <QFocusEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
+#include <QToolTip>
 #include <QWidget>
 #include <gtest/gtest.h>
 
@@ -370,6 +372,24 @@ TEST(ButtonAccessibility, TellsRoleNameKeyAndCheckedState) {
     EXPECT_TRUE(spoken->state().checked);
     button.SetEnabled(false);
     EXPECT_TRUE(spoken->state().disabled);
+}
+
+TEST(ButtonToolTip, TellsACaptionThatIsCutOffAsItStands) {
+    QWidget container;
+    dcButton button(&container, QStringLiteral("CommandTip"));
+    container.show();
+    const auto ask = [&button](const QString& caption, int width) {
+        button.SetCaption(caption);
+        button.resize(width, 20);
+        const QPoint at(5, 5);
+        QHelpEvent help(QEvent::ToolTip, at, button.mapToGlobal(at));
+        QCoreApplication::sendEvent(&button, &help);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(ask(QStringLiteral("Look &Up"), 100), QString());
+    EXPECT_EQ(ask(QStringLiteral("Look &Up Everything"), 30), QStringLiteral("Look Up Everything"));
+    EXPECT_EQ(ask(QStringLiteral("<b>Everything</b>"), 30), QStringLiteral("<qt>&lt;b&gt;Everything&lt;/b&gt;</qt>"));
+    QToolTip::hideText();
 }
 
 } // namespace
