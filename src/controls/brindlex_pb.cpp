@@ -2,6 +2,7 @@
 
 #include "controls/accessible.h"
 #include "controls/dib_section.h"
+#include "controls/gradient.h"
 #include "draw/system_colours.h"
 #include "forms/form.h"
 #include "forms/late_bound.h"
@@ -151,8 +152,8 @@ void BrindlexPB::UpdateBlendImages(const BlendKey& key) {
     if (key == blendKey_)
         return;
     blendKey_ = key;
-    backBlend_ = MakeBlendImage(key.size, key.backColor, key.parentColor);
-    barBlend_ = MakeBlendImage(key.size, key.barColor, key.parentColor);
+    backBlend_ = TwoGradients(key.size, key.parentColor, key.backColor, key.parentColor).ToPicture();
+    barBlend_ = TwoGradients(key.size, key.parentColor, key.barColor, key.parentColor).ToPicture();
 }
 
 ProgressPaint BrindlexPB::PaintState() {

@@ -1,7 +1,6 @@
 #include "controls/brindlex_pb_painter.h"
 
 #include "base/numbers.h"
-#include "controls/gradient.h"
 #include "draw/system_colours.h"
 
 #include <algorithm>
@@ -201,25 +200,6 @@ SegmentSize SegmentSizeFor(int controlWidth, double dpiScale) {
     if (size.Step() > 0)
         size.chunk += controlWidth % size.Step();
     return size;
-}
-
-draw::Picture MakeBlendImage(QSize size, base::Colour colour, base::Colour parentColour) {
-    draw::Surface blended(size);
-    const int half = size.height() / 2;
-    clsGradient gradient;
-    gradient.SetColor1(colour);
-    gradient.SetColor2(parentColour);
-    const auto pasteHalf = [&](int top, int height, double angle) {
-        draw::Surface part(size.width(), height);
-        part.Cls(colour); // what shows where the half is too thin for a gradient
-        gradient.SetAngle(angle);
-        gradient.Draw(part);
-        blended.BitBlt(0, top, part.Width(), part.Height(), part, 0, 0);
-    };
-    pasteHalf(0, half, 90);
-    // An odd height gives the lower half the row that is left.
-    pasteHalf(half, size.height() - half, 270);
-    return blended.ToPicture();
 }
 
 } // namespace controls

@@ -39,9 +39,6 @@ struct ProgressPaint {
 
 void DrawProgress(draw::Surface& target, const ProgressPaint& paint);
 
-// An image of the size that runs from `colour` at half height to `parentColour` at the upper and the lower edge.
-draw::Picture MakeBlendImage(QSize size, base::Colour colour, base::Colour parentColour);
-
 // Width of one drawn segment and of the gap behind it, in pixels.
 struct SegmentSize {
     int chunk = 0;

@@ -215,4 +215,23 @@ qint32 clsGradient::DrawGradientLines(draw::Surface& context, qint32 width, qint
     return qint32(2 * lines);
 }
 
+draw::Surface TwoGradients(QSize size, base::Colour top, base::Colour middle, base::Colour bottom) {
+    draw::Surface whole(size);
+    const int half = size.height() / 2;
+    clsGradient gradient;
+    gradient.SetColor1(middle);
+    const auto pasteHalf = [&](int from, int height, double angle, base::Colour edge) {
+        draw::Surface part(size.width(), height);
+        part.Cls(middle); // what shows where the half is too thin for a gradient
+        gradient.SetAngle(angle);
+        gradient.SetColor2(edge);
+        gradient.Draw(part);
+        whole.BitBlt(0, from, part.Width(), part.Height(), part, 0, 0);
+    };
+    pasteHalf(0, half, 90, top);
+    // An odd height gives the lower half the row that is left.
+    pasteHalf(half, size.height() - half, 270, bottom);
+    return whole;
+}
+
 } // namespace controls

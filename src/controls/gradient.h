@@ -39,4 +39,7 @@ class clsGradient {
     float angle_ = 315.0F;
 };
 
+// A surface that runs from `middle` at half height to `top` at the upper and `bottom` at the lower edge. Plain colours.
+draw::Surface TwoGradients(QSize size, base::Colour top, base::Colour middle, base::Colour bottom);
+
 } // namespace controls

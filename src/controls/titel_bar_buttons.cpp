@@ -38,25 +38,6 @@ constexpr ButtonRow buttonRows[] = {
 
 double Radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
-// From `top` over `middle` at half height to `bottom`.
-draw::Surface BlendFace(QSize size, base::Colour top, base::Colour middle, base::Colour bottom) {
-    const int half = size.height() / 2;
-    draw::Surface upper(size.width(), half);
-    draw::Surface lower(size.width(), size.height() - half);
-    clsGradient gradient;
-    gradient.SetAngle(90);
-    gradient.SetColor1(middle);
-    gradient.SetColor2(draw::OleTranslateColor(top));
-    gradient.Draw(upper);
-    gradient.SetAngle(270);
-    gradient.SetColor2(draw::OleTranslateColor(bottom));
-    gradient.Draw(lower);
-    draw::Surface face(size);
-    face.BitBlt(0, 0, size.width(), half, upper, 0, 0);
-    face.BitBlt(0, half, size.width(), size.height() - half, lower, 0, 0);
-    return face;
-}
-
 // An outlined window with a filled bar along its top; all four numbers are parts of the face.
 void DrawWindowGlyph(draw::Surface& face, double left, double top, double width, double height, base::Colour colour) {
     const int x = base::RoundToInt(left * face.Width());
@@ -113,7 +94,8 @@ QSize TitelBar::ButtonSize() const {
 
 draw::Picture TitelBar::ComposeFace(Face face, base::Colour middle, base::Colour glyph) const {
     draw::Surface prepare =
-        BlendFace(ButtonSize(), state_.backColorV2Begin, draw::OleTranslateColor(middle), state_.backColorV2End);
+        TwoGradients(ButtonSize(), draw::OleTranslateColor(state_.backColorV2Begin), draw::OleTranslateColor(middle),
+                     draw::OleTranslateColor(state_.backColorV2End));
     const base::Colour colour = draw::OleTranslateColor(glyph);
     switch (face) {
     case Face::Question:
