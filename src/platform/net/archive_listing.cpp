@@ -12,8 +12,8 @@ namespace net {
 namespace {
 
 constexpr qsizetype entryLimit = 10'000;
-constexpr qsizetype depthLimit = 8;
-// What a file system takes in one component, with room for a suffix.
+constexpr qsizetype depthLimit = 8; // components of a path
+// The bytes that a file system takes in one component, with room for a suffix.
 constexpr qsizetype componentLimit = 200;
 
 constexpr std::array<const char16_t*, 3> dataEndings = {u".mdb", u".txt", u".md"};

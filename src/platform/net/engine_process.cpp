@@ -16,9 +16,9 @@ namespace {
 
 constexpr std::array<const char*, 4> systemFolders = {"/usr/bin", "/usr/local/bin", "/usr/lib/p7zip", "/usr/lib/7zip"};
 constexpr std::array<const char*, 3> engineNames = {"7za", "7zz", "7z"};
-constexpr qsizetype pieceSize = 256 * 1024;
-constexpr int waitTurn = 50;
-constexpr int killWait = 5'000;
+constexpr qsizetype pieceSize = 256 * 1024; // bytes
+constexpr int waitTurn = 50;                // milliseconds; a stop is noticed at the latest then
+constexpr int killWait = 5'000;             // milliseconds
 // An archive decides how much memory its unpacking wants; beyond this the engine fails instead of the machine.
 constexpr rlim_t memoryLimit = rlim_t(3) << 30;
 

@@ -11,9 +11,10 @@ namespace net {
 
 namespace {
 
+// In bytes.
 constexpr qsizetype openUrlLimit = 1024 * 1024;
 constexpr qsizetype pieceLimit = 64 * 1024;
-// One turn of a wait; a stop is noticed at the latest then.
+// One turn of a wait, in milliseconds; a stop is noticed at the latest then.
 constexpr int waitTurn = 50;
 
 QList<QByteArray> HeaderLines(const QString& headers) {

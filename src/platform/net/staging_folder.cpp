@@ -12,7 +12,7 @@ namespace {
 
 constexpr char16_t namePrefix[] = u".unpacking-";
 // Pieces of this size are sent on to the disk as they come, so that the wait at the end is short.
-constexpr qint64 writeBehind = 8 * 1024 * 1024;
+constexpr qint64 writeBehind = 8 * 1024 * 1024; // bytes
 
 // The lock goes with its holder, however that ends. -1 where another process holds it.
 int LockFolder(const QString& path) {
@@ -22,6 +22,20 @@ int LockFolder(const QString& path) {
         return -1;
     }
     return descriptor;
+}
+
+// Folders of processes that were killed: nobody holds their locks.
+void RemoveStale(const QString& target) {
+    const QStringList names = QDir(target).entryList({QString::fromUtf16(namePrefix) + QChar(u'*')},
+                                                     QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
+    for (const QString& name : names) {
+        const QString path = target + QChar(u'/') + name;
+        const int lock = LockFolder(path);
+        if (lock >= 0) {
+            QDir(path).removeRecursively();
+            close(lock);
+        }
+    }
 }
 
 } // namespace
@@ -48,19 +62,6 @@ StagingFolder::~StagingFolder() {
     }
     if (lock_ >= 0) {
         close(lock_);
-    }
-}
-
-void StagingFolder::RemoveStale(const QString& target) const {
-    const QStringList names = QDir(target).entryList({QString::fromUtf16(namePrefix) + QChar(u'*')},
-                                                     QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
-    for (const QString& name : names) {
-        const QString path = target + QChar(u'/') + name;
-        const int lock = LockFolder(path);
-        if (lock >= 0) {
-            QDir(path).removeRecursively();
-            close(lock);
-        }
     }
 }
 

@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QString>
-#include <QStringList>
 
 namespace net {
 
@@ -30,8 +29,6 @@ class StagingFolder {
     QString FilePath(qsizetype index) const;
 
   private:
-    void RemoveStale(const QString& target) const;
-
     QString path_;
     int lock_ = -1;
     QFile file_;

@@ -8,6 +8,7 @@ namespace net {
 
 namespace {
 
+// In bytes.
 constexpr qsizetype unreadLimit = 256 * 1024;
 // All header lines of all answers to one request; a flood beyond it ends the transfer.
 constexpr qsizetype headerLimit = 256 * 1024;

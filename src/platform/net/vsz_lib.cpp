@@ -17,7 +17,7 @@ namespace net {
 
 namespace {
 
-constexpr qsizetype listingLimit = 8 * 1024 * 1024;
+constexpr qsizetype listingLimit = 8 * 1024 * 1024; // bytes
 
 // Cuts the engine's stream into files by the sizes of the listing, which it follows in order.
 class StreamSplitter {
@@ -37,9 +37,9 @@ class StreamSplitter {
             const qsizetype piece = std::min<qint64>(size, entries_.at(index_).size - taken_);
             checksum_ = Crc32(checksum_, data, piece);
             taken_ += piece;
+            failed_ = !staging_.Write(data, piece) || (taken_ == entries_.at(index_).size && !Finish());
             data += piece;
             size -= piece;
-            failed_ = !staging_.Write(data - piece, piece) || (taken_ == entries_.at(index_).size && !Finish());
         }
         return !failed_;
     }

@@ -17,8 +17,8 @@ namespace net {
 
 namespace {
 
-constexpr qsizetype answerLimit = 64 * 1024;
-// However slowly the peer takes the body, the caller is not held longer.
+constexpr qsizetype answerLimit = 64 * 1024; // bytes of header lines
+// However slowly the peer takes the body, the caller is not held longer; in milliseconds.
 constexpr long wholeLimit = 15 * 60 * 1000;
 
 struct Session {
