@@ -54,6 +54,12 @@ void Surface::SelectClipRgn(const Region& region) {
     }
 }
 
+QVector<QRect> Surface::ClipWithin(const QRect& rect) const {
+    QVector<QRect> parts;
+    ForEachClipped(rect, [&parts](const QRect& part) { parts.append(part); });
+    return parts;
+}
+
 void Surface::ResetClip() {
     clip_.clear();
     if (IsDrawable())

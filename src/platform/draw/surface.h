@@ -67,7 +67,6 @@ enum DrawTextFormat : unsigned {
     DT_BOTTOM = 0x8,
     DT_WORDBREAK = 0x10,
     DT_SINGLELINE = 0x20,
-    DT_EXPANDTABS = 0x40,
     DT_NOCLIP = 0x100,
     DT_CALCRECT = 0x400,
     DT_NOPREFIX = 0x800,
@@ -152,16 +151,10 @@ class Surface {
     Pen SelectPen(const Pen& pen);
     Brush SelectBrush(const Brush& brush);
     const Pen& CurrentPen() const { return pen_; }
-    // The pen's width in pixels.
-    int DrawWidth() const { return pen_.width; }
-    void SetDrawWidth(int pixels) { pen_.width = qMax(1, pixels); }
     void SetTextColor(base::Colour colour) { textColour_ = colour; }
-    base::Colour GetTextColor() const { return textColour_; }
     void SetBkColor(base::Colour colour) { backColour_ = colour; }
-    base::Colour GetBkColor() const { return backColour_; }
     // TRANSPARENT at first.
     void SetBkMode(BackgroundMode mode) { backgroundMode_ = mode; }
-    BackgroundMode GetBkMode() const { return backgroundMode_; }
     void SetFont(const QFont& font) { font_ = font; }
     const QFont& Font() const { return font_; }
 
@@ -194,7 +187,8 @@ class Surface {
     // `rect` is shrunk to what is left inside with BF_ADJUST.
     void DrawEdge(QRect& rect, unsigned edge, unsigned flags);
 
-    // False for less than two vertices, an index without vertex or an unknown mode.
+    // Each rectangle from the one corner's colour to the other's. False, and nothing drawn, for an index without vertex
+    // or an unknown mode.
     bool GradientFill(std::span<const TriVertex> vertices, std::span<const GradientRect> rects, quint32 mode);
 
     // Copies. Source and target may be one surface. What lies outside either is left out. False for a raster operation
@@ -237,7 +231,10 @@ class Surface {
     // Makes the image this surface's own again if copies of it were handed out. Before any write through Row.
     void Detach();
     bool IsInClip(int x, int y) const;
-    template <typename PaintPart> void ForEachClipped(const QRect& rect, PaintPart paintPart);
+    // Calls `paintPart` for each part of the rectangle that the clipping lets through.
+    template <typename PaintPart> void ForEachClipped(const QRect& rect, PaintPart paintPart) const;
+    // The same parts, to be the clipping for a while.
+    QVector<QRect> ClipWithin(const QRect& rect) const;
     void FillSolid(const QRect& rect, QRgb pixel);
     void FillPattern(const QRect& rect, const QImage& pattern);
     void DrawThinLine(QPoint from, QPoint to, QRgb pixel);
@@ -258,7 +255,7 @@ class Surface {
     QFont font_;
 };
 
-template <typename PaintPart> void Surface::ForEachClipped(const QRect& rect, PaintPart paintPart) {
+template <typename PaintPart> void Surface::ForEachClipped(const QRect& rect, PaintPart paintPart) const {
     for (const QRect& clip : clip_) {
         const QRect part = clip & rect;
         if (!part.isEmpty())

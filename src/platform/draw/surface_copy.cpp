@@ -6,6 +6,7 @@
 #include <QTransform>
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace draw {
 namespace {
@@ -190,15 +191,11 @@ void Surface::DrawPicture(const Picture& picture, int x, int y, int width, int h
 void Surface::TilePicture(const Picture& picture, const QRect& rect) {
     if (picture.IsEmpty() || rect.isEmpty() || !IsDrawable())
         return;
-    const QVector<QRect> clip = clip_;
     const QRect visible = rect & image_.rect();
     // Tiles before the visible part are skipped by whole widths and heights.
     const int firstX = rect.left() + (visible.left() - rect.left()) / picture.Width() * picture.Width();
     const int firstY = rect.top() + (visible.top() - rect.top()) / picture.Height() * picture.Height();
-    clip_.clear();
-    for (const QRect& part : clip)
-        if (const QRect inside = part & visible; !inside.isEmpty())
-            clip_.append(inside);
+    const QVector<QRect> clip = std::exchange(clip_, ClipWithin(visible));
     for (int y = firstY; y <= visible.bottom(); y += picture.Height())
         for (int x = firstX; x <= visible.right(); x += picture.Width())
             DrawPicture(picture, x, y);
@@ -211,12 +208,8 @@ bool Surface::DrawStateA(const Picture& picture, int x, int y, int width, int he
     if (picture.IsEmpty() || !formFits)
         return false;
     const Picture shown = flags & DSS_DISABLED ? Picture::IconFromImage(Disabled(picture.Image())) : picture;
-    const QVector<QRect> clip = clip_;
     const QRect area(x, y, width > 0 ? width : picture.Width(), height > 0 ? height : picture.Height());
-    clip_.clear();
-    for (const QRect& part : clip)
-        if (const QRect inside = part & area; !inside.isEmpty())
-            clip_.append(inside);
+    const QVector<QRect> clip = std::exchange(clip_, ClipWithin(area));
     DrawPicture(shown, x, y);
     clip_ = clip;
     return true;

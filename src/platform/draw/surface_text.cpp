@@ -64,12 +64,8 @@ int Surface::DrawTextW(const QString& text, QRect& rect, unsigned format) {
         y += rect.height() - layout.Height();
 
     const QVector<QRect> clip = clip_;
-    if (!(format & DT_NOCLIP)) {
-        clip_.clear();
-        for (const QRect& part : clip)
-            if (const QRect inside = part & rect; !inside.isEmpty())
-                clip_.append(inside);
-    }
+    if (!(format & DT_NOCLIP))
+        clip_ = ClipWithin(rect);
     for (const TextLine& line : layout.lines) {
         int x = rect.left();
         if (format & DT_CENTER)

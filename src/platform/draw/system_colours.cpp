@@ -1,5 +1,7 @@
 #include "draw/system_colours.h"
 
+#include "draw/pixels.h"
+
 #include <QPalette>
 #include <array>
 
@@ -8,16 +10,13 @@ namespace {
 
 using Table = std::array<base::Colour, SysColorCount>;
 
-constexpr base::Colour Rgb(quint32 rgb) {
-    return base::Colour::FromRgb(int(rgb >> 16 & 0xFF), int(rgb >> 8 & 0xFF), int(rgb & 0xFF));
-}
-
 constexpr Table classicColours = {
-    Rgb(0xC8C8C8), Rgb(0x000000), Rgb(0x99B4D1), Rgb(0xBFCDDB), Rgb(0xF0F0F0), Rgb(0xFFFFFF), Rgb(0x646464),
-    Rgb(0x000000), Rgb(0x000000), Rgb(0x000000), Rgb(0xB4B4B4), Rgb(0xF4F7FC), Rgb(0xABABAB), Rgb(0x3399FF),
-    Rgb(0xFFFFFF), Rgb(0xF0F0F0), Rgb(0xA0A0A0), Rgb(0x6D6D6D), Rgb(0x000000), Rgb(0x434E54), Rgb(0xFFFFFF),
-    Rgb(0x696969), Rgb(0xE3E3E3), Rgb(0x000000), Rgb(0xFFFFE1), Rgb(0x000000), Rgb(0x0066CC), Rgb(0xB9D1EA),
-    Rgb(0xD7E4F2), Rgb(0x3399FF), Rgb(0xF0F0F0),
+    FromRgb(0xC8C8C8), FromRgb(0x000000), FromRgb(0x99B4D1), FromRgb(0xBFCDDB), FromRgb(0xF0F0F0), FromRgb(0xFFFFFF),
+    FromRgb(0x646464), FromRgb(0x000000), FromRgb(0x000000), FromRgb(0x000000), FromRgb(0xB4B4B4), FromRgb(0xF4F7FC),
+    FromRgb(0xABABAB), FromRgb(0x3399FF), FromRgb(0xFFFFFF), FromRgb(0xF0F0F0), FromRgb(0xA0A0A0), FromRgb(0x6D6D6D),
+    FromRgb(0x000000), FromRgb(0x434E54), FromRgb(0xFFFFFF), FromRgb(0x696969), FromRgb(0xE3E3E3), FromRgb(0x000000),
+    FromRgb(0xFFFFE1), FromRgb(0x000000), FromRgb(0x0066CC), FromRgb(0xB9D1EA), FromRgb(0xD7E4F2), FromRgb(0x3399FF),
+    FromRgb(0xF0F0F0),
 };
 
 struct PaletteEntry {
@@ -70,8 +69,7 @@ void SetSysColor(int index, base::Colour colour) {
 
 void SetSysColors(const QPalette& palette) {
     for (const PaletteEntry& entry : paletteEntries) {
-        const QColor colour = palette.color(entry.group, entry.role);
-        SetSysColor(entry.index, base::Colour::FromRgb(colour.red(), colour.green(), colour.blue()));
+        SetSysColor(entry.index, FromRgb(palette.color(entry.group, entry.role).rgb()));
     }
 }
 

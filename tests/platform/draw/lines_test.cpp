@@ -1,6 +1,7 @@
 #include "surface_art.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using draw_test::Art;
 using draw_test::black;
