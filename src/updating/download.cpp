@@ -20,10 +20,8 @@ namespace {
 
 constexpr qint32 defaultChunk = 1024;
 constexpr char16_t defaultSaveLocation[] = u"C:\\File1.tmp";
-// One turn of a wait, in milliseconds.
+// One turn of a wait, in milliseconds; a stop is noticed at the latest then.
 constexpr int waitTurn = 50;
-// The answer of a question that is never put: yes.
-constexpr int overwriteAnswer = 6;
 
 QString DefaultUrl() { return values::ServerAddresses().WebSite + QStringLiteral("/"); }
 
@@ -142,15 +140,19 @@ void DownLoadControl::GetFileInformation() {
     }
 }
 
+void DownLoadControl::WaitForHeaders() {
+    while (i1_.StillExecuting()) {
+        base::YieldBlocking(waitTurn);
+    }
+}
+
 bool DownLoadControl::RequestHeaders() {
     i1_.SetURL(url_);
     if (!i1_.Execute(std::nullopt, QStringLiteral("GET"))) {
         return false;
     }
     Q_EMIT StatusChange(QStringLiteral("Initiating Connection."));
-    while (i1_.StillExecuting()) {
-        base::YieldBlocking(waitTurn);
-    }
+    WaitForHeaders();
     Q_EMIT StatusChange(QStringLiteral("Connection Accepted, Retrieving File Information."));
     return true;
 }
@@ -229,13 +231,21 @@ std::optional<QString> DownLoadControl::Target() const {
     return saveLocation_.first(*fileDot + 1) + url_.sliced(*urlDot + 1);
 }
 
-void DownLoadControl::DownLoad() {
+// False where a cancel is pending, without a word, and without a connection where one is asked for.
+bool DownLoadControl::MayStart() {
     if (cCancel_) {
-        return;
+        return false;
     }
     if (onlineCheck_ && !connected_) {
         ReportNoConnection();
         i1_.Cancel();
+        return false;
+    }
+    return true;
+}
+
+void DownLoadControl::DownLoad() {
+    if (!MayStart()) {
         return;
     }
     i1_.SetURL(url_);
@@ -244,23 +254,16 @@ void DownLoadControl::DownLoad() {
         Fail();
         return;
     }
-    if (base::FileExists(*target)) {
-        const int answer = overwriteAnswer;
-        if ((!promptOverwrite_ || answer == overwriteAnswer) && !base::DeleteFileW(*target)) {
-            Fail();
-            return;
-        }
+    // Nobody is asked, whatever PromptOverwrite says.
+    if (base::FileExists(*target) && !base::DeleteFileW(*target)) {
+        Fail();
+        return;
     }
     Run(*target, 0);
 }
 
 void DownLoadControl::DLResume() {
-    if (cCancel_) {
-        return;
-    }
-    if (onlineCheck_ && !connected_) {
-        ReportNoConnection();
-        i1_.Cancel();
+    if (!MayStart()) {
         return;
     }
     i1_.SetURL(url_);
@@ -283,9 +286,7 @@ void DownLoadControl::DLResume() {
         Fail();
         return;
     }
-    while (i1_.StillExecuting()) {
-        base::YieldBlocking(waitTurn);
-    }
+    WaitForHeaders();
     Run(target, static_cast<qint32>(offset));
 }
 
@@ -358,19 +359,18 @@ DownLoadControl::LoopEnd DownLoadControl::TransferLoop(qint32 offset) {
 
 // False for a division by zero: no time has passed, nothing came, or the size is 0.
 bool DownLoadControl::ReportChunk(qint32 runTotal, qint32 offset) {
-    bytesReceived_ = runTotal;
     const float elapsed = base::SecondsSinceMidnight() - startTime_;
     if (elapsed == 0.0F) {
         return false;
     }
-    lastRate_ = static_cast<float>(runTotal) / elapsed;
-    if (lastRate_ == 0.0F) {
+    const float rate = static_cast<float>(runTotal) / elapsed; // bytes per second
+    if (rate == 0.0F) {
         return false;
     }
     const double received = double(runTotal) + offset;
-    lastTimeLeft_ = static_cast<float>((fileSize_ - received) / double(lastRate_));
-    Q_EMIT Rate(FormatRate(double(lastRate_)));
-    Q_EMIT TimeLeft(FormatTimeLeft(lastTimeLeft_));
+    const auto timeLeft = static_cast<float>((fileSize_ - received) / double(rate));
+    Q_EMIT Rate(FormatRate(double(rate)));
+    Q_EMIT TimeLeft(FormatTimeLeft(timeLeft));
     Q_EMIT RecievedBytes(static_cast<qint32>(received));
     if (fileSize_ == 0) {
         return false;

@@ -110,9 +110,11 @@ class DownLoadControl : public QObject {
 
     bool TestConnection();
     void ReportNoConnection();
+    void WaitForHeaders();
     bool RequestHeaders();
     bool ReportRefusal(const QString& code);
     bool TakeHeaders();
+    bool MayStart();
     std::optional<QString> Target() const;
     bool OpenTarget(const QString& target, qint64 position);
     void Run(const QString& target, qint32 offset);
@@ -139,10 +141,7 @@ class DownLoadControl : public QObject {
     bool cCancel_ = false;
     bool cPause_ = false;
     bool inDL_ = false;
-    qint32 bytesReceived_ = 0;
     float startTime_ = 0; // seconds since midnight
-    float lastRate_ = 0;  // bytes per second
-    float lastTimeLeft_ = 0;
 };
 
 } // namespace updating
