@@ -33,16 +33,16 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace updating {
 
 namespace {
 
 const QString formName = QStringLiteral("FrmUpdate");
-const QString mainFormName = QStringLiteral("FrmMain");
 constexpr double windowWidth = 6240; // twips
 constexpr double windowHeight = 3600;
-constexpr int pixelScale = 3;
+constexpr int pixelScale = 3; // the scale mode of pixels
 
 struct ErrorText {
     qint32 Code;
@@ -60,14 +60,13 @@ constexpr std::array<ErrorText, 8> errorTexts = {{
     {403, "Error Code - [403] Access Denied!"},
 }};
 
-forms::Form* MainForm() { return forms::Forms::Instance().Find(mainFormName); }
-
 template <typename T> T* OnMainForm(const char* name) {
-    forms::Form* main = MainForm();
+    forms::Form* main = forms::Forms::Instance().Find(QStringLiteral("FrmMain"));
     return main != nullptr ? main->Find<T>(QLatin1String(name)) : nullptr;
 }
 
-QString DatabaseVersionCaption() {
+// The local version, as the checks and the panel's title take it.
+QString ShownVersionCaption() {
     const auto* label = OnMainForm<forms::Label>("LabelDatabaseVersion");
     return label != nullptr ? label->Caption() : QString();
 }
@@ -89,8 +88,6 @@ FrmUpdate::FrmUpdate() : forms::Form(formName, windowWidth, windowHeight) {
     CreateControls();
     Connect();
 }
-
-FrmUpdate::~FrmUpdate() = default;
 
 bool FrmUpdate::Stopped() const { return values::ProgramClosing() || IsUnloaded(); }
 
@@ -139,7 +136,7 @@ void FrmUpdate::Load() {
     window::CentreOnScreen(*this);
     PanelProgram->SetTitleCaption(QStringLiteral("Current Program Version: ") + values::Program().ProgramVersion);
     PanelDatabase->SetTitleCaption(QStringLiteral("Device Database Version: ") +
-                                   VersionInCaption(DatabaseVersionCaption()));
+                                   VersionInCaption(ShownVersionCaption()));
     SetAutoRedraw(true);
     SetScaleMode(pixelScale);
     appearance::ApplyColorsToForm(this);
@@ -174,7 +171,7 @@ CheckView FrmUpdate::ViewOf(forms::Label* online, forms::Label* available, contr
 void FrmUpdate::CheckForUpdate() { updating::CheckForUpdate(*Inet1, ViewOf(Label1, Label2, CommmandOpenBrindlex)); }
 
 void FrmUpdate::CheckForDatabaseUpdate() {
-    updating::CheckForDatabaseUpdate(*Inet2, DatabaseVersionCaption(), ViewOf(Label4, Label3, CommandDownloadDatabase));
+    updating::CheckForDatabaseUpdate(*Inet2, ShownVersionCaption(), ViewOf(Label4, Label3, CommandDownloadDatabase));
 }
 
 void FrmUpdate::TimerCheckForUpdates_Tick() {
@@ -258,29 +255,26 @@ void FrmUpdate::DL1_DLComplete() {
     ImportantLabelUnzip->SetVisible(true);
     PanelDownloading->SetTitleCaption(QStringLiteral("Decompressing Database..."));
     base::Yield();
-    const QString archive = ArchivePath();
-    if (!archive.isEmpty()) {
-        UnpackDatabase(archive);
-    }
-    zip.reset();
+    UnpackDatabase(ArchivePath());
     base::Yield();
     HandOverToMainWindow();
 }
 
 void FrmUpdate::UnpackDatabase(const QString& archive) {
-    zip = std::make_unique<net::VszLib>();
-    zip->SetStop([this] { return Stopped(); });
-    zip->SetDatabaseReplacer(&ReplaceDatabase);
-    connect(zip.get(), &net::VszLib::Progress, this,
+    net::VszLib zip;
+    zip.SetStop([this] { return Stopped(); });
+    zip.SetDatabaseReplacer(&ReplaceDatabase);
+    connect(&zip, &net::VszLib::Progress, this,
             [this](int, double current, double total) { zip_Progress(current, total); });
+    // Without an engine the archive does not open, which is told below.
     bool loaded = false;
-    zip->LoadEngine(values::ProgramFolder() + QStringLiteral("\\7za.dll"), loaded);
-    if (!zip->OpenArchive(archive)) {
+    zip.LoadEngine(values::ProgramFolder() + QStringLiteral("\\7za.dll"), loaded);
+    if (!zip.OpenArchive(archive)) {
         ReportUnpackFailure(QStringLiteral("Failed to open the download database file!"));
         return;
     }
     base::Yield();
-    if (!zip->ExtractAll(values::ProgramFolder())) {
+    if (!zip.ExtractAll(values::ProgramFolder())) {
         ReportUnpackFailure(QStringLiteral("Failed to decompress the download database file!"));
         return;
     }

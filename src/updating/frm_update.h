@@ -6,8 +6,6 @@
 #include "forms/form.h"
 #include "updating/update_check.h"
 
-#include <memory>
-
 namespace controls {
 class BrindlexPB;
 class PanelFx;
@@ -22,7 +20,6 @@ class Timer;
 
 namespace net {
 class Inet;
-class VszLib;
 } // namespace net
 
 namespace suite {
@@ -38,7 +35,6 @@ class FrmUpdate : public forms::Form {
 
   public:
     FrmUpdate();
-    ~FrmUpdate() override;
 
     controls::TitelBar* TitelBar1 = nullptr;
     controls::PanelFx* PanelProgram = nullptr;
@@ -105,9 +101,6 @@ class FrmUpdate : public forms::Form {
 
     CheckView ViewOf(forms::Label* online, forms::Label* available, controls::dcButton* button);
     bool Stopped() const;
-
-    // Set only while unpacking.
-    std::unique_ptr<net::VszLib> zip;
 };
 
 // Tells the collection of forms how the update window is made.

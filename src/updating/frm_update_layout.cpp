@@ -19,8 +19,7 @@ namespace updating {
 namespace {
 
 constexpr int twipsPerDesignPixel = 15;
-constexpr int titleHeight = 20;
-constexpr int gradientStyle = 1;
+constexpr int titleHeight = 20; // pixels
 
 template <typename Control> Control* Place(Control* control, const QRect& pixels) {
     return window::Place(control, pixels.x() * twipsPerDesignPixel, pixels.y() * twipsPerDesignPixel,
@@ -39,7 +38,7 @@ controls::PanelFx* Panel(QWidget* container, const char* name, const char* title
     auto* panel = Place(new controls::PanelFx(container, QLatin1String(name)), pixels);
     panel->InitProperties();
     panel->SetTitleCaption(QLatin1String(title));
-    panel->SetBackGroundStyle(gradientStyle);
+    panel->SetBackGroundStyle(controls::PanelFx::Gradient);
     panel->SetTileHeight(qRound(titleHeight * twipsPerDesignPixel / controls::TitelBar::TwipsPerPixelX()));
     return panel;
 }
