@@ -12,7 +12,7 @@ namespace support {
 
 namespace {
 
-constexpr int turn = 10;
+constexpr int turn = 10; // milliseconds in which a wait notices the server's end
 
 qint64 ContentLength(const QByteArray& head) {
     const qsizetype at = head.toLower().indexOf("\r\ncontent-length:");
@@ -100,6 +100,15 @@ void ScriptedServer::SetAnswer(const QByteArray& path, const Answer& answer) {
 QList<QByteArray> ScriptedServer::Requests() const {
     const std::lock_guard lock(mutex_);
     return requests_;
+}
+
+bool ScriptedServer::ClosesAllWithin(int milliseconds) const {
+    QElapsedTimer timer;
+    timer.start();
+    while (openConnections_ > 0 && !timer.hasExpired(milliseconds)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(turn));
+    }
+    return openConnections_ == 0;
 }
 
 void ScriptedServer::Listen() {

@@ -35,7 +35,7 @@ class Answer {
     Answer& Stall();
     // Closes with a reset instead of an orderly end.
     Answer& Reset();
-    // Answers without reading the request first.
+    // Answers without reading the request first; of the answer for "*" alone, as no path is known then.
     Answer& WithoutReading();
 
     const std::vector<Step>& Steps() const { return steps_; }
@@ -62,13 +62,16 @@ class ScriptedServer {
     // "http://127.0.0.1:port" and `path` behind it.
     QString Url(const QString& path = {}) const;
 
-    // The answer for a path (as in the request line). Paths without one get 404.
+    // The answer for a path (as in the request line), or for "*", which stands for all paths without one of their own.
+    // Without that, they get 404.
     void SetAnswer(const QByteArray& path, const Answer& answer);
 
     // The requests so far as they came, head and body.
     QList<QByteArray> Requests() const;
     // Connections that are open at this moment.
     int OpenConnections() const { return openConnections_; }
+    // Whether all are closed, after at most so many milliseconds, in which nothing is dispatched.
+    bool ClosesAllWithin(int milliseconds) const;
 
   private:
     void Listen();
