@@ -1,7 +1,6 @@
 #include "updating/frm_update.h"
 
 #include "base/paths.h"
-#include "base/yield.h"
 #include "controls/brindlex_pb.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
@@ -24,7 +23,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest/QTest>
 #include <gtest/gtest.h>
@@ -237,8 +235,8 @@ TEST_F(FrmUpdateTest, InTheMiddleOnlyCancelClosesTheWindow) {
     EXPECT_EQ(Read(QStringLiteral("hwids.7z")).size(), 4 * 1024) << "the partial file stays";
     EXPECT_FALSE(main_->count->Enabled());
     EXPECT_TRUE(data::IsDatabaseFile(folder_.filePath(QStringLiteral("hwids.mdb"))));
-    QTest::qWait(100);
-    EXPECT_EQ(server_.OpenConnections(), 0) << "the window's end drops the connection";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return server_.OpenConnections() == 0; }, 5'000))
+        << "the window's end drops the connection";
     Open();
     EXPECT_EQ(Read(QStringLiteral("hwids.7z")), "missing") << "the next opening sweeps it";
 }
