@@ -17,6 +17,7 @@
 #include "suite/list_tree.h"
 #include "suite/list_view.h"
 #include "support/scripted_server.h"
+#include "support/usb_device.h"
 #include "upload_request.h"
 #include "values/addresses.h"
 #include "values/program_values.h"
@@ -35,41 +36,15 @@ using support::Reply;
 
 namespace {
 
-// Two devices of two IDs each, a disk that the database knows, a device for the keywords.
-constexpr char machineText[] = R"(
-/devices/pci0000:00/0000:00:14.0/usb1/1-1 @ bus/usb
-  idVendor = 1234
-  idProduct = 0001
-  bcdDevice = 0100
-  bDeviceClass = 09
-  product = Zoom Camera™
-  manufacturer = Alpha
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:14.0/usb1/1-2 @ bus/usb
-  idVendor = 1234
-  idProduct = 0002
-  bcdDevice = 0100
-  bDeviceClass = 09
-  product = Disk
-  manufacturer = Beta
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:14.0/usb1/1-3 @ bus/usb
-  idVendor = 1234
-  idProduct = 0003
-  bcdDevice = 0100
-  bDeviceClass = 09
-  product = QEMU Tablet
-  manufacturer = Gamma
-  driver -> /bus/usb/drivers/usb
-/devices/pci0000:00/0000:00:14.0/usb1/1-4 @ bus/usb
-  idVendor = 1234
-  idProduct = 0004
-  bcdDevice = 0100
-  bDeviceClass = 09
-  product = Optical Mouse
-  manufacturer = Delta
-  driver -> /bus/usb/drivers/usb
-)";
+// Of two IDs: one with the revision and one without.
+QByteArray UsbDevice(int port, const QByteArray& product, const QByteArray& name, const QByteArray& maker) {
+    return support::UsbDevice(port, product, name, maker, "  bcdDevice = 0100\n" + support::usbDriver);
+}
+
+// Two devices to be offered, a disk that the database knows, a device for the keywords.
+const QByteArray machineText = UsbDevice(1, "0001", "Zoom Camera™", "Alpha") + UsbDevice(2, "0002", "Disk", "Beta") +
+                               UsbDevice(3, "0003", "QEMU Tablet", "Gamma") +
+                               UsbDevice(4, "0004", "Optical Mouse", "Delta");
 const QByteArray uploadPath = "/files/hardware_ids/upload_hardware_id_v1.php";
 
 class FrmImproveTest : public testing::Test {
@@ -119,7 +94,16 @@ class FrmImproveTest : public testing::Test {
     static void ClickAndWait(FrmImprove* window, controls::dcButton* button) {
         QTest::mouseClick(button, Qt::LeftButton);
         EXPECT_TRUE(QTest::qWaitFor([window] { return Done(window); }, 20000));
-        QTest::qWait(300);
+        EXPECT_TRUE(ShowsItsTotal(window));
+    }
+    // Waits for the timer that writes the number of the rows.
+    static bool ShowsItsTotal(const FrmImprove* window) {
+        return QTest::qWaitFor(
+            [window] {
+                return window->InfoLabelListTotal->Caption() == QStringLiteral("Total Hardware Not In Database: %1")
+                                                                    .arg(window->ListViewHardware->ListItems().Count());
+            },
+            5000);
     }
     FrmImprove* OpenAndScan() {
         FrmImprove* window = Open();
@@ -181,7 +165,7 @@ TEST_F(FrmImproveTest, AWholeRunAddsUploadsAndOffersNothingTwice) {
     suite::ListTree* tree = window->ListViewHardware->Tree();
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(tree->model()->index(1, 0)).center());
     QTest::keyClick(tree, Qt::Key_Delete);
-    QTest::qWait(300);
+    EXPECT_TRUE(ShowsItsTotal(window));
     EXPECT_EQ(window->InfoLabelListTotal->Caption(), "Total Hardware Not In Database: 3");
 
     ClickAndWait(window, window->CommandSaveSubmit);

@@ -7,6 +7,7 @@
 #include "shell/frm_main.h"
 #include "suite/list_box.h"
 #include "suite/list_items.h"
+#include "support/usb_device.h"
 #include "values/program_values.h"
 
 #include <QDir>
@@ -46,13 +47,11 @@ class ImproveScanTest : public testing::Test {
     forms::Forms& all_ = forms::Forms::Instance();
 };
 
-// A working device on a port of its own.
-QByteArray UsbDevice(int port, const QByteArray& name, const QByteArray& maker, const QByteArray& more = {}) {
-    return "/devices/pci0000:00/0000:00:14.0/usb1/1-" + QByteArray::number(port) +
-           " @ bus/usb\n  idVendor = 1234\n  idProduct = 0001\n  bDeviceClass = 09\n  product = " + name +
-           "\n  manufacturer = " + maker + "\n" + more;
+// Devices of one product number, so of one ID.
+QByteArray UsbDevice(int port, const QByteArray& name, const QByteArray& maker,
+                     const QByteArray& more = support::usbDriver) {
+    return support::UsbDevice(port, "0001", name, maker, more);
 }
-const QByteArray driven = "  driver -> /bus/usb/drivers/usb\n";
 
 TEST_F(ImproveScanTest, TheAllowedSetHas107BytesAndTabAndNonBreakingSpace) {
     int allowed = 0;
@@ -103,10 +102,9 @@ TEST_F(ImproveScanTest, KeywordsMatchAnyFieldInAnyCase) {
 
 TEST_F(ImproveScanTest, WorkingDevicesBecomeOneRowForEachId) {
     const DeviceFixture machine(
-        UsbDevice(1, "  Zoom\xC2\xA0 Camera ", "Some Maker", driven) +
-        UsbDevice(2, "Zoom Camera", "Some Maker", driven) + UsbDevice(3, "Not working", "Some Maker") +
-        UsbDevice(4, "Ger\xC3\xA4t", "Some Maker", driven) + UsbDevice(5, "Standard Hub", "Some Maker", driven) +
-        UsbDevice(6, QByteArray(250, 'n') + "ame too long", "Some Maker", driven) +
+        UsbDevice(1, "  Zoom\xC2\xA0 Camera ", "Some Maker") + UsbDevice(2, "Zoom Camera", "Some Maker") +
+        UsbDevice(3, "Not working", "Some Maker", {}) + UsbDevice(4, "Ger\xC3\xA4t", "Some Maker") +
+        UsbDevice(5, "Standard Hub", "Some Maker") + UsbDevice(6, QByteArray(250, 'n') + "ame too long", "Some Maker") +
         "/devices/pci0000:00/0000:00:02.0 @ bus/pci\n  vendor = 0x8086\n  device = 0x100e\n  class = 0x020000\n"
         "  revision = 0x01\n  subsystem_vendor = 0x1111\n  subsystem_device = 0x2222\n"
         "  driver -> /bus/pci/drivers/e1000\n");
@@ -127,7 +125,7 @@ TEST_F(ImproveScanTest, NothingIsOfferedWithoutDevicesOrAtTheProgramsEnd) {
         const DeviceFixture none;
         EXPECT_TRUE(Scan().isEmpty());
     }
-    const DeviceFixture machine(UsbDevice(1, "Camera", "Some Maker", driven));
+    const DeviceFixture machine(UsbDevice(1, "Camera", "Some Maker"));
     EXPECT_FALSE(Scan().isEmpty());
     values::Program().ProgramClosing = true;
     EXPECT_TRUE(Scan().isEmpty());
