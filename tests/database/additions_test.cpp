@@ -1,4 +1,3 @@
-#include "data/command.h"
 #include "database/additions.h"
 #include "database/contribution_line.h"
 #include "store_fixture.h"
@@ -24,10 +23,6 @@ class AdditionsTest : public StoreFixture {
     static bool AddAndAsk(const QString& line) {
         AddDeviceToDatabase(line);
         return IsDeviceInDatabase(line);
-    }
-
-    static void SetInfo(const QString& info) {
-        Run(QStringLiteral("UPDATE hwids SET info = '") + info + QStringLiteral("'"));
     }
 };
 
@@ -79,14 +74,14 @@ TEST_F(AdditionsTest, AnInsertThatFailsLeavesTheLastNumberInUse) {
 
 TEST_F(AdditionsTest, FindsAPairAnywhereButKnowsOnlyWholeLines) {
     AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
-    SetInfo(QStringLiteral("11,12\r\n"));
+    SetInfo(QStringLiteral("ID"), QStringLiteral("11,12\r\n"));
     AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
     EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("11,12\r\n")));
     EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
 
-    SetInfo(QStringLiteral("1,1"));
+    SetInfo(QStringLiteral("ID"), QStringLiteral("1,1"));
     EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
-    SetInfo(QStringLiteral("\r\n1,1"));
+    SetInfo(QStringLiteral("ID"), QStringLiteral("\r\n1,1"));
     EXPECT_TRUE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
 }
 
@@ -104,7 +99,7 @@ TEST_F(AdditionsTest, AnotherProgramsWritesAreNotLost) {
     // Between finding the names and writing the entry another program appends to the same row.
     bool appended = false;
     QTimer::singleShot(0, [&] {
-        Run(QStringLiteral("UPDATE hwids SET info = '1,1\r\n7,7\r\n'"));
+        SetInfo(QStringLiteral("ID"), QStringLiteral("1,1\r\n7,7\r\n"));
         appended = true;
     });
     AddDeviceToDatabase(QStringLiteral("ID|||Second|||Maker"));

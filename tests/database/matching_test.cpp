@@ -1,5 +1,3 @@
-#include "data/command.h"
-#include "data/replace_file.h"
 #include "database/matching.h"
 #include "store_fixture.h"
 
@@ -18,12 +16,6 @@ class MatchingTest : public StoreFixture {
         return Texts(rows);
     }
 
-    static void AddColumns(suite::ListItems& rows) {
-        for (const char* key : {"Name", "Manufacturer", "HardwareIDs", "L"}) {
-            rows.AddColumn(QLatin1String(key), QLatin1String(key), 1500);
-        }
-    }
-
     static std::vector<QString> Texts(const suite::ListItems& rows) {
         std::vector<QString> texts;
         for (int i = 1; i <= rows.Count(); ++i) {
@@ -31,15 +23,6 @@ class MatchingTest : public StoreFixture {
             texts.push_back(row.Text() + u'/' + row.CellText(1) + u'/' + row.CellText(2) + u'/' + row.CellText(3));
         }
         return texts;
-    }
-
-    static void SetInfo(const QString& hwid, const QString& info) {
-        data::Command command;
-        command.SetActiveConnection(DatabaseConnection());
-        command.SetCommandText(QStringLiteral("UPDATE hwids SET info = ? WHERE hwid = ?"));
-        command.AppendParameter({QString(), data::adLongVarChar, data::adParamInput, 1000, info});
-        command.AppendParameter({QString(), data::adVarChar, data::adParamInput, 1000, hwid});
-        command.Execute();
     }
 };
 

@@ -1,6 +1,5 @@
 // Every statement that reaches the store, as the store itself records it: whatever devices call themselves and whatever
 // a database holds, the statements are the same, and no text of theirs is part of one.
-#include "data/command.h"
 #include "database/additions.h"
 #include "database/matching.h"
 #include "store_fixture.h"
@@ -67,20 +66,9 @@ class StatementRecordTest : public StoreFixture {
 
     static int Search(const QString& ids) {
         suite::ListItems rows;
-        for (const char* key : {"Name", "Manufacturer", "HardwareIDs", "L"}) {
-            rows.AddColumn(QLatin1String(key), QLatin1String(key), 1500);
-        }
+        AddColumns(rows);
         FindMatches(MatchQuery(ids), rows);
         return rows.Count();
-    }
-
-    static void SetInfo(const QString& hwid, const QString& info) {
-        data::Command command;
-        command.SetActiveConnection(DatabaseConnection());
-        command.SetCommandText(QStringLiteral("UPDATE hwids SET info = ? WHERE hwid = ?"));
-        command.AppendParameter({QString(), data::adLongVarChar, data::adParamInput, 1000, info});
-        command.AppendParameter({QString(), data::adVarChar, data::adParamInput, 1000, hwid});
-        command.Execute();
     }
 };
 

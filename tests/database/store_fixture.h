@@ -2,8 +2,10 @@
 #pragma once
 
 #include "base/paths.h"
+#include "data/command.h"
 #include "database/database_builder.h"
 #include "database/store.h"
+#include "suite/list_items.h"
 #include "values/program_values.h"
 
 #include <QFile>
@@ -35,6 +37,22 @@ class StoreFixture : public testing::Test {
     static void Run(const QString& statement) {
         data::Recordset change;
         change.Open(statement, database::DatabaseConnection());
+    }
+
+    static void SetInfo(const QString& hwid, const QString& info) {
+        data::Command command;
+        command.SetActiveConnection(database::DatabaseConnection());
+        command.SetCommandText(QStringLiteral("UPDATE hwids SET info = ? WHERE hwid = ?"));
+        command.AppendParameter({QString(), data::adLongVarChar, data::adParamInput, info.size(), info});
+        command.AppendParameter({QString(), data::adVarChar, data::adParamInput, hwid.size(), hwid});
+        command.Execute();
+    }
+
+    // The columns of a list of matches.
+    static void AddColumns(suite::ListItems& rows) {
+        for (const char* key : {"Name", "Manufacturer", "HardwareIDs", "L"}) {
+            rows.AddColumn(QLatin1String(key), QLatin1String(key), 1500);
+        }
     }
 
     static QStringList Column(const QString& query, const QString& column) {
