@@ -3,6 +3,7 @@
 #include "values/program_values.h"
 #include "values/settings.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <ctime>
