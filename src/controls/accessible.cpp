@@ -4,6 +4,7 @@
 #include "controls/brindlex_pb.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
+#include "controls/titel_bar.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -16,8 +17,7 @@ namespace {
 
 class ButtonAccessible : public QAccessibleWidget {
   public:
-    explicit ButtonAccessible(dcButton* button)
-        : QAccessibleWidget(button, button->CheckBoxMode() ? QAccessible::CheckBox : QAccessible::Button) {}
+    explicit ButtonAccessible(dcButton* button) : QAccessibleWidget(button, QAccessible::Button) {}
 
     QAccessible::Role role() const override {
         return Button()->CheckBoxMode() ? QAccessible::CheckBox : QAccessible::Button;
@@ -116,8 +116,20 @@ class ProgressAccessible : public QAccessibleWidget, public QAccessibleValueInte
     BrindlexPB* Bar() const { return static_cast<BrindlexPB*>(widget()); }
 };
 
-QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
-    Q_UNUSED(className)
+class CaptionButtonAccessible : public QAccessibleWidget {
+  public:
+    explicit CaptionButtonAccessible(AlphaImage* button) : QAccessibleWidget(button, QAccessible::Button) {}
+
+    QStringList actionNames() const override { return {pressAction()}; }
+
+    void doAction(const QString& action) override {
+        auto* button = static_cast<AlphaImage*>(widget());
+        if (action == pressAction() && button->Enabled())
+            Q_EMIT button->MouseUp();
+    }
+};
+
+QAccessibleInterface* MakeInterface(const QString& /*className*/, QObject* object) {
     if (auto* button = qobject_cast<dcButton*>(object))
         return new ButtonAccessible(button);
     if (auto* bar = qobject_cast<AnimationBar*>(object))
@@ -126,17 +138,20 @@ QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
         return new PanelAccessible(panel);
     if (auto* bar = qobject_cast<BrindlexPB*>(object))
         return new ProgressAccessible(bar);
+    if (auto* button = qobject_cast<AlphaImage*>(object))
+        return new CaptionButtonAccessible(button);
+    if (auto* bar = qobject_cast<TitelBar*>(object))
+        return new QAccessibleWidget(bar, QAccessible::TitleBar);
     return nullptr;
 }
 
 } // namespace
 
 void InstallAccessibility() {
-    static const bool installed = [] {
+    [[maybe_unused]] static const bool installed = [] {
         QAccessible::installFactory(MakeInterface);
         return true;
     }();
-    Q_UNUSED(installed)
 }
 
 QString AccessibleText(const QString& caption) {

@@ -1,6 +1,7 @@
 #include "controls/brindlex_pb.h"
 
 #include "controls/accessible.h"
+#include "controls/ambient_font.h"
 #include "controls/dib_section.h"
 #include "controls/gradient.h"
 #include "draw/system_colours.h"
@@ -8,7 +9,6 @@
 #include "forms/late_bound.h"
 #include "forms/screen.h"
 
-#include <QApplication>
 #include <algorithm>
 #include <cmath>
 
@@ -84,7 +84,7 @@ void BrindlexPB::ReadProperties(const base::PropertyBag& bag) {
     ForEachValue([this, &bag](const char* key, auto member) {
         values_.*member = bag.Read(QString::fromLatin1(key), values_.*member);
     });
-    setFont(bag.Read(QStringLiteral("Font"), AmbientFont()));
+    setFont(bag.Read(QStringLiteral("Font"), AmbientFont(*this)));
     MarkDirty();
 }
 
@@ -94,11 +94,7 @@ void BrindlexPB::WriteProperties(base::PropertyBag& bag) const {
         bag.WriteProperty(QString::fromLatin1(key), QVariant::fromValue(values_.*member),
                           QVariant::fromValue(defaults.*member));
     });
-    bag.WriteProperty(QStringLiteral("Font"), font(), AmbientFont());
-}
-
-QFont BrindlexPB::AmbientFont() const {
-    return parentWidget() == nullptr ? QApplication::font() : parentWidget()->font();
+    bag.WriteProperty(QStringLiteral("Font"), font(), AmbientFont(*this));
 }
 
 void BrindlexPB::SetFont(const QFont& font) {

@@ -156,7 +156,6 @@ class BrindlexPB : public forms::DrawnControl {
     void StorePicture(draw::Picture& member, const draw::Picture& picture);
     double Fraction() const;
     base::Colour ParentBackColor() const;
-    QFont AmbientFont() const;
     void UpdateBlendImages(const BlendKey& key);
     ProgressPaint PaintState();
 

@@ -196,8 +196,6 @@ class dcButton : public forms::DrawnControl {
     void LayoutChanged();
     ButtonPaint PaintState() const;
     base::Colour AmbientForeColor() const;
-    QFont AmbientFont() const;
-    void TellValueChanged();
 
     // -1 stands for the current state. Without `force` only a change of state or focus counts.
     void Repaint(int state, bool force);

@@ -1,10 +1,9 @@
 // What the button keeps between runs.
 #include "controls/dc_button.h"
 
+#include "controls/ambient_font.h"
 #include "draw/system_colours.h"
 #include "forms/late_bound.h"
-
-#include <QApplication>
 
 namespace controls {
 
@@ -25,10 +24,6 @@ void WritePicture(base::PropertyBag& bag, const QString& key, const draw::Pictur
 base::Colour dcButton::AmbientForeColor() const {
     const QVariant ambient = forms::GetProperty(parent(), "ForeColor");
     return ambient.canConvert<base::Colour>() ? ambient.value<base::Colour>() : draw::SystemColour(draw::COLOR_BTNTEXT);
-}
-
-QFont dcButton::AmbientFont() const {
-    return parentWidget() == nullptr ? QApplication::font() : parentWidget()->font();
 }
 
 void dcButton::InitProperties() {
@@ -73,7 +68,7 @@ void dcButton::ReadProperties(const base::PropertyBag& bag) {
     handPointer_ = bag.Read(QStringLiteral("HandPointer"), false);
     mousePointer_ = bag.Read(QStringLiteral("MousePointer"), 0);
     mouseIcon_ = bag.Read(QStringLiteral("MouseIcon"), draw::Picture());
-    setFont(bag.Read(QStringLiteral("Font"), AmbientFont()));
+    setFont(bag.Read(QStringLiteral("Font"), AmbientFont(*this)));
     pictureNormal_ = bag.Read(QStringLiteral("PicNormal"), draw::Picture());
     pictureHot_ = bag.Read(QStringLiteral("PicHot"), draw::Picture());
     pictureDown_ = bag.Read(QStringLiteral("PicDown"), draw::Picture());
@@ -108,7 +103,7 @@ void dcButton::WriteProperties(base::PropertyBag& bag) const {
     write("HandPointer", handPointer_, false);
     write("MousePointer", mousePointer_, 0);
     WritePicture(bag, QStringLiteral("MouseIcon"), mouseIcon_);
-    write("Font", font(), AmbientFont());
+    write("Font", font(), AmbientFont(*this));
     WritePicture(bag, QStringLiteral("PicNormal"), pictureNormal_);
     WritePicture(bag, QStringLiteral("PicHot"), pictureHot_);
     WritePicture(bag, QStringLiteral("PicDown"), pictureDown_);

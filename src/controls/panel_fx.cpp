@@ -1,6 +1,7 @@
 #include "controls/panel_fx.h"
 
 #include "controls/accessible.h"
+#include "controls/ambient_font.h"
 #include "draw/region.h"
 #include "draw/surface.h"
 #include "draw/system_colours.h"
@@ -8,7 +9,6 @@
 #include "forms/screen.h"
 #include "forms/tool_tip.h"
 
-#include <QApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPointer>
@@ -71,7 +71,7 @@ void PanelFx::ReadProperties(const base::PropertyBag& bag) {
     ForEachValue([this, &bag](const char* key, auto member) {
         values_.*member = bag.Read(QString::fromLatin1(key), values_.*member);
     });
-    setFont(bag.Read(QStringLiteral("Font"), AmbientFont()));
+    setFont(bag.Read(QStringLiteral("Font"), AmbientFont(*this)));
     SetTitleCaption(values_.titleCaption);
     ApplyRegion();
 }
@@ -82,10 +82,8 @@ void PanelFx::WriteProperties(base::PropertyBag& bag) const {
         bag.WriteProperty(QString::fromLatin1(key), QVariant::fromValue(values_.*member),
                           QVariant::fromValue(defaults.*member));
     });
-    bag.WriteProperty(QStringLiteral("Font"), font(), AmbientFont());
+    bag.WriteProperty(QStringLiteral("Font"), font(), AmbientFont(*this));
 }
-
-QFont PanelFx::AmbientFont() const { return parentWidget() == nullptr ? QApplication::font() : parentWidget()->font(); }
 
 void PanelFx::SetRoundEdge(int pixels) {
     values_.roundEdge = To16Bit(pixels);

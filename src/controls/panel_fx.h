@@ -180,7 +180,6 @@ class PanelFx : public forms::DrawnControl {
     static qint16 To16Bit(int value) { return qint16(qBound(-32768, value, 32767)); }
 
     void ApplyRegion();
-    QFont AmbientFont() const;
     void FillPart(draw::Surface& surface, const QRect& area, Part part) const;
     void DrawTitleIcon(draw::Surface& surface);
     int CaptionLeft(const draw::Surface& surface) const;

@@ -122,7 +122,7 @@ void TitelBar::ReadProperties(const base::PropertyBag& bag) {
     state_.pictureButton = bag.Read(QStringLiteral("PictureButton"), draw::Picture());
     SetCaption(bag.Read(QStringLiteral("Caption"), QString()));
     SetToolTipText(bag.Read(QStringLiteral("ToolTipText"), QString()));
-    QWidget::setFont(bag.Read(QStringLiteral("Font"), parentWidget() != nullptr ? parentWidget()->font() : QFont()));
+    QWidget::setFont(bag.Read(QStringLiteral("Font"), AmbientFont(*this)));
     UpdateTitleBarButtons();
     base::Yield();
     Refresh();
@@ -137,7 +137,7 @@ void TitelBar::WriteProperties(base::PropertyBag& bag) const {
     bag.WriteProperty(QStringLiteral("PictureButton"), QVariant::fromValue(state_.pictureButton), none);
     bag.WriteProperty(QStringLiteral("Caption"), state_.caption, QString());
     bag.WriteProperty(QStringLiteral("ToolTipText"), ToolTipText(), QString());
-    bag.WriteProperty(QStringLiteral("Font"), font(), parentWidget() != nullptr ? parentWidget()->font() : QFont());
+    bag.WriteProperty(QStringLiteral("Font"), font(), AmbientFont(*this));
 }
 
 void TitelBar::SetCaption(const QString& caption) {
