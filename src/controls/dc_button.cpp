@@ -118,7 +118,7 @@ void dcButton::SetValue(bool value) {
         return;
     }
     if (changed)
-        TellValueChanged();
+        AccessibleCheckChanged(this);
     Repaint(-1, true);
 }
 
@@ -209,15 +209,6 @@ void dcButton::SetDisplayAsDefault(bool on) {
     mouseDownHeld_ = false;
     spaceHeld_ = false;
     if (Enabled() && !mouseOver_ && !hasFocus_)
-        Repaint(-1, true);
-}
-
-void dcButton::ColorScheme(bool noRefresh) {
-    backColor_ = base::Colour(0x808080);
-    foreColor_ = base::Colour(0xFFFFFF);
-    backStartColor_ = base::Colour(0x404040);
-    ComputeColours();
-    if (!noRefresh)
         Repaint(-1, true);
 }
 
@@ -340,8 +331,6 @@ ButtonPaint dcButton::PaintState() const {
 ButtonLayout dcButton::Layout() const { return LayoutContent(PaintState()); }
 
 void dcButton::Draw(draw::Surface& surface) { PaintButton(surface, PaintState()); }
-
-void dcButton::TellValueChanged() { AccessibleCheckChanged(this); }
 
 bool dcButton::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {

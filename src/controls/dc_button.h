@@ -217,10 +217,11 @@ class dcButton : public forms::DrawnControl {
     void TakeCapture();
     void DropCapture();
 
-    base::Colour backColor_{0x808080};
-    base::Colour backStartColor_{0x404040};
-    base::Colour foreColor_{0xFFFFFF};
-    base::Colour maskColor_{0xC0C0C0};
+    // InitProperties gives these their first values.
+    base::Colour backColor_;
+    base::Colour backStartColor_;
+    base::Colour foreColor_;
+    base::Colour maskColor_;
     ButtonColours colours_;
     QString caption_;
     draw::Picture mouseIcon_;
@@ -241,16 +242,16 @@ class dcButton : public forms::DrawnControl {
     bool handPointer_ = false;
 
     int currentState_ = NormalState;
-    int lastButton_ = 0;
-    bool lastFocusPainted_ = false;
+    int lastButton_ = 0;            // the mouse button that went down last, or the mark of a double click
+    bool lastFocusPainted_ = false; // hasFocus_ at the last repaint
     bool hasFocus_ = false;
     bool windowActive_ = false;
     bool displayAsDefault_ = false;
-    bool pressed_ = false;
-    bool mouseDownHeld_ = false;
+    bool pressed_ = false;       // held down, by the mouse or the space key
+    bool mouseDownHeld_ = false; // by the mouse
+    bool spaceHeld_ = false;     // by the space key
     bool mouseOver_ = false;
-    bool tracking_ = false;
-    bool spaceHeld_ = false;
+    bool tracking_ = false; // the pointer has entered; its leaving is still to be told
     bool hidden_ = false;
     bool clickDue_ = false; // a press arrived whose release inside makes a click
 
@@ -258,10 +259,10 @@ class dcButton : public forms::DrawnControl {
     QString popupDefault_;
     int popupAlignment_ = 0;
     int popupFlags_ = 0;
-    bool popupSet_ = false;
-    bool popupOpen_ = false;
-    bool popupJustClosed_ = false;
-    bool popupShowing_ = false;
+    bool popupSet_ = false;        // a popup takes the place of Click, even if its menu is gone
+    bool popupOpen_ = false;       // from its opening to the release of the press that opened it
+    bool popupJustClosed_ = false; // the next press may be the one that closed it
+    bool popupShowing_ = false;    // its loop is on the stack
     QElapsedTimer sincePopup_;
     QShortcut* shortcut_ = nullptr;
 };

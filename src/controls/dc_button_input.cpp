@@ -3,6 +3,7 @@
 #include "controls/dc_button.h"
 
 #include "base/yield.h"
+#include "controls/accessible.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -68,8 +69,7 @@ void dcButton::mouseDoubleClickEvent(QMouseEvent* event) {
         OnDblClick();
 }
 
-void dcButton::leaveEvent(QEvent* event) {
-    Q_UNUSED(event)
+void dcButton::leaveEvent(QEvent*) {
     // The toolkit tells it unasked; the button has asked since the pointer moved over it.
     if (tracking_)
         OnLeave();
@@ -209,7 +209,7 @@ void dcButton::OnClick() {
     spaceHeld_ = false;
     if (checkBoxMode_) {
         value_ = !value_;
-        TellValueChanged();
+        AccessibleCheckChanged(this);
     }
     Repaint(RestingState(), mouseOver_ ? checkBoxMode_ : true);
     if (!popupSet_) {

@@ -54,6 +54,15 @@ void dcButton::InitProperties() {
     LayoutChanged();
 }
 
+void dcButton::ColorScheme(bool noRefresh) {
+    backColor_ = defaultBackColor;
+    backStartColor_ = defaultBackStartColor;
+    foreColor_ = newForeColor;
+    ComputeColours();
+    if (!noRefresh)
+        Repaint(-1, true);
+}
+
 void dcButton::ReadProperties(const base::PropertyBag& bag) {
     backColor_ = bag.Read(QStringLiteral("BackColor"), defaultBackColor);
     backStartColor_ = bag.Read(QStringLiteral("BackStartColor"), defaultBackStartColor);
