@@ -9,6 +9,8 @@
 namespace controls {
 namespace {
 
+constexpr double radiansPerDegree = 0.017453292519943278;
+
 struct FloatPoint {
     float x;
     float y;
@@ -33,7 +35,7 @@ base::Colour Resolved(base::Colour colour) {
 
 // Products in double precision, everything else in single.
 void RotatePoint(const FloatPoint& centre, FloatPoint& point, float degrees) {
-    const float radians = float(degrees * 0.017453292519943278);
+    const float radians = float(degrees * radiansPerDegree);
     const double sine = std::sin(radians);
     const double cosine = std::cos(radians);
     const float dx = point.x - centre.x;

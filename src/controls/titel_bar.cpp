@@ -2,13 +2,13 @@
 #include "controls/titel_bar.h"
 
 #include "base/yield.h"
-#include "controls/titel_bar_accessible.h"
+#include "controls/accessible.h"
+#include "controls/ambient_font.h"
 #include "draw/system_colours.h"
 #include "forms/form.h"
 #include "forms/screen.h"
 
 #include <QApplication>
-#include <limits>
 
 namespace controls {
 
@@ -19,7 +19,7 @@ constexpr int newHeightPixels = 32;
 constexpr int scaleModePixels = 3;
 constexpr int timerMilliseconds = 25;
 constexpr int highestIconStyle = 2;
-constexpr int highestStyle = 14;
+constexpr int highestStyle = titel_bar::NarrowStyle;
 
 template <typename T> struct BagRow {
     const char* key;
@@ -54,7 +54,7 @@ constexpr BagRow<int> numberRows[] = {
     {"PicturePosMode", &TitelBarState::picturePosMode, 0},
     {"PicturePosX", &TitelBarState::picturePosX, 6},
     {"PicturePosY", &TitelBarState::picturePosY, 4},
-    {"Style", &TitelBarState::style, 13},
+    {"Style", &TitelBarState::style, titel_bar::SlantedStyle},
 };
 
 constexpr BagRow<bool> switchRows[] = {
@@ -86,7 +86,7 @@ int StoredIconStyle(int style) { return qMin(style, highestIconStyle); }
 } // namespace
 
 TitelBar::TitelBar(QWidget* container, const QString& name) : DrawnControl(container, name) {
-    InstallTitelBarAccessibility();
+    InstallAccessibility();
     setFocusPolicy(Qt::ClickFocus);
     setMouseTracking(true);
     MakeButtons();
@@ -96,8 +96,6 @@ TitelBar::TitelBar(QWidget* container, const QString& name) : DrawnControl(conta
     UpdateTitleBarButtons();
     SetTBX_();
 }
-
-TitelBar::~TitelBar() = default;
 
 void TitelBar::InitProperties() {
     state_ = TitelBarState();

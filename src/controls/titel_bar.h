@@ -64,7 +64,6 @@ class TitelBar : public forms::DrawnControl {
     static constexpr int Tracking = 1;
 
     TitelBar(QWidget* container, const QString& name);
-    ~TitelBar() override;
 
     // A control that was just put on a window, or one that comes back from its bag.
     void InitProperties();

@@ -22,6 +22,11 @@ constexpr int spinMilliseconds = 25;
 constexpr int spinStepDegrees = 20;
 constexpr int fullTurnDegrees = 360;
 
+// Pixels between the bar's right edge, or the button right of it, and a button, besides the style's margin.
+constexpr int closeDistance = 3;
+constexpr int buttonDistance = 1;
+constexpr int narrowMargin = 6; // of the narrow style; the slanted one takes a button's width
+
 struct ButtonRow {
     const char* image;
     const char* timer;
@@ -157,8 +162,10 @@ const AlphaImage* TitelBar::LastShownButton() const {
 void TitelBar::SetTBX_() {
     laidOutFor_ = size();
     AlphaImage* close = buttons_[CloseButton].image;
-    const int margin = state_.style == 13 ? close->width() : state_.style == 14 ? 6 : 0;
-    const int inset = state_.style == 13 || state_.style == 14 ? 2 : 1;
+    const bool slanted = state_.style == titel_bar::SlantedStyle;
+    const bool narrow = state_.style == titel_bar::NarrowStyle;
+    const int margin = slanted ? close->width() : narrow ? narrowMargin : 0;
+    const int belowMiddle = slanted || narrow ? 3 : 2;
     close->SetEnabled(state_.showCloseEnabled);
     buttons_[MaximiseButton].image->SetEnabled(state_.showMaximizedEnabled);
     buttons_[MinimiseButton].image->SetEnabled(state_.showMinimizedEnabled);
@@ -169,13 +176,13 @@ void TitelBar::SetTBX_() {
         const bool shown = IsShown(ButtonIndex(index));
         const bool isClose = index == CloseButton;
         if (shown || isClose)
-            image->move(right - image->width() - (isClose ? 3 : 1) - margin,
-                        (height() - image->height()) / 2 + inset + 1);
+            image->move(right - image->width() - (isClose ? closeDistance : buttonDistance) - margin,
+                        (height() - image->height()) / 2 + belowMiddle);
         image->SetVisible(shown);
         if (shown)
             right = image->x();
         else if (isClose)
-            right = width() - 3 - margin;
+            right = width() - closeDistance - margin;
     }
 }
 
@@ -197,7 +204,8 @@ void TitelBar::HoverOff(ButtonIndex index) {
 }
 
 // The corners of the button's picture, turned about its vertical axis: the width goes with the cosine, the height
-// stays.
+// stays. The factors that come to 0 and 1 stay in the formula, since their last bits decide which way a half is
+// rounded.
 void TitelBar::TurnSpinPoints(ButtonIndex index, double degrees) {
     const draw::Picture& picture = buttons_[index].image->Picture();
     const int w = picture.Width();

@@ -10,13 +10,11 @@
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QToolTip>
-#include <limits>
 
 namespace controls {
 
 namespace {
 
-constexpr int slantedStyle = 13;
 constexpr int rowsWithoutHeight = 25;
 constexpr double slantHeights = 1.2; // the diagonal starts so many heights left of the buttons
 constexpr int dotRows = 4;
@@ -75,7 +73,7 @@ int TitelBar::SlantStart() const {
 }
 
 void TitelBar::SetVerlauf(base::Colour v1Begin, base::Colour v1End, base::Colour v2Begin, base::Colour v2End) {
-    if (state_.style != slantedStyle)
+    if (state_.style != titel_bar::SlantedStyle)
         return;
     draw::Surface& surface = hdc();
     DrawBands(surface, {draw::OleTranslateColor(v1Begin), draw::OleTranslateColor(v1End),
@@ -167,7 +165,7 @@ int TitelBar::CaptionStart() const {
 
 // The caption as far as the strip reaches; beyond it the text would float over what lies behind the window.
 QString TitelBar::ShownCaption() const {
-    const int end = state_.style == slantedStyle ? SlantStart() : width();
+    const int end = state_.style == titel_bar::SlantedStyle ? SlantStart() : width();
     const int room = end - CaptionStart();
     const QFontMetrics metrics(font());
     QString text = state_.caption.left(longestCaption);

@@ -20,6 +20,11 @@ inline constexpr base::Colour White{0xFFFFFFU};
 inline constexpr base::Colour Charcoal{0x3C3C3CU};
 inline constexpr base::Colour Black{0U};
 
+// The styles that differ from the others: the strip with its slanted end and buttons set apart, and buttons a little
+// way off the right edge.
+inline constexpr int SlantedStyle = 13;
+inline constexpr int NarrowStyle = 14;
+
 } // namespace titel_bar
 
 struct TitelBarState {
@@ -58,7 +63,7 @@ struct TitelBarState {
     bool showMinimizedEnabled = true;
     bool showMaximizedEnabled = false;
     bool showHelpEnabled = false;
-    int style = 13;
+    int style = titel_bar::SlantedStyle;
 };
 
 } // namespace controls
