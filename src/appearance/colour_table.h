@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/colour.h"
+#include "draw/system_colours.h"
 
 #include <QString>
 #include <array>
@@ -55,9 +56,6 @@ constexpr base::Colour Rgb(quint32 rrggbb) {
     return base::Colour::FromRgb(int(rrggbb >> 16 & 0xFF), int(rrggbb >> 8 & 0xFF), int(rrggbb & 0xFF));
 }
 
-// A colour of the desktop's own scheme by the platform's index.
-constexpr base::Colour SystemColour(quint32 index) { return base::Colour(0x80000000U | index); }
-
 struct ColourRow {
     ColourIndex Index;
     const char* Key;   // in section "colors"
@@ -66,42 +64,32 @@ struct ColourRow {
     base::Colour WindowsDefault; // a system colour or a plain value
 };
 
-constexpr quint32 colorActiveCaption = 2;
-constexpr quint32 colorWindow = 5;
-constexpr quint32 colorWindowText = 8;
-constexpr quint32 colorCaptionText = 9;
-constexpr quint32 colorHighlight = 13;
-constexpr quint32 colorHighlightText = 14;
-constexpr quint32 colorBtnFace = 15;
-constexpr quint32 colorBtnShadow = 16;
-constexpr quint32 colorBtnText = 18;
-
 // clang-format off
 inline constexpr std::array<ColourRow, 28> colourRows = {{
-    {ProgramBack,            "programback",            "Background",       Rgb(0x404040), SystemColour(colorBtnFace)},
-    {ProgramText,            "programtext",            "Text",             Rgb(0xFFFFFF), SystemColour(colorBtnText)},
-    {ButtonTopBack,          "buttontopback",          "Background",       Rgb(0x808080), SystemColour(colorActiveCaption)},
-    {ButtonText,             "buttontext",             "Text",             Rgb(0xFFFFFF), SystemColour(colorBtnText)},
-    {TextBack,               "textback",               "Background",       Rgb(0xC0C0C0), SystemColour(colorWindow)},
-    {TextText,               "texttext",               "Text",             Rgb(0x000000), SystemColour(colorWindowText)},
-    {TitleTopBack,           "titletopback",           "Top",              Rgb(0x3399FF), SystemColour(colorActiveCaption)},
-    {TitleBottomBack,        "titlebottomback",        "Bottom && Border", Rgb(0x000000), SystemColour(colorActiveCaption)},
-    {TitleTopBack2,          "titletopback2",          "Top Right",        Rgb(0xC0C0C0), SystemColour(colorActiveCaption)},
-    {TitleBottomBack2,       "titlebottomback2",       "Bottom Right",     Rgb(0xC0C0C0), SystemColour(colorActiveCaption)},
-    {TitleText,              "titletext",              "Text",             Rgb(0xFFFFFF), SystemColour(colorCaptionText)},
+    {ProgramBack,            "programback",            "Background",       Rgb(0x404040), draw::SystemColour(draw::COLOR_BTNFACE)},
+    {ProgramText,            "programtext",            "Text",             Rgb(0xFFFFFF), draw::SystemColour(draw::COLOR_BTNTEXT)},
+    {ButtonTopBack,          "buttontopback",          "Background",       Rgb(0x808080), draw::SystemColour(draw::COLOR_ACTIVECAPTION)},
+    {ButtonText,             "buttontext",             "Text",             Rgb(0xFFFFFF), draw::SystemColour(draw::COLOR_BTNTEXT)},
+    {TextBack,               "textback",               "Background",       Rgb(0xC0C0C0), draw::SystemColour(draw::COLOR_WINDOW)},
+    {TextText,               "texttext",               "Text",             Rgb(0x000000), draw::SystemColour(draw::COLOR_WINDOWTEXT)},
+    {TitleTopBack,           "titletopback",           "Top",              Rgb(0x3399FF), draw::SystemColour(draw::COLOR_ACTIVECAPTION)},
+    {TitleBottomBack,        "titlebottomback",        "Bottom && Border", Rgb(0x000000), draw::SystemColour(draw::COLOR_ACTIVECAPTION)},
+    {TitleTopBack2,          "titletopback2",          "Top Right",        Rgb(0xC0C0C0), draw::SystemColour(draw::COLOR_ACTIVECAPTION)},
+    {TitleBottomBack2,       "titlebottomback2",       "Bottom Right",     Rgb(0xC0C0C0), draw::SystemColour(draw::COLOR_ACTIVECAPTION)},
+    {TitleText,              "titletext",              "Text",             Rgb(0xFFFFFF), draw::SystemColour(draw::COLOR_CAPTIONTEXT)},
     {ImportantText,          "importanttext",          "Important Text",   Rgb(0xFDC800), Rgb(0x0085C3)},
     {InfoText,               "infotext",               "Info Text",        Rgb(0x3399FF), Rgb(0x00C000)},
-    {LogoBack,               "logoback",               "Logo Background",  Rgb(0x808080), SystemColour(colorBtnShadow)},
-    {ImportantButtonTopBack, "importantbuttontopback", "Background",       Rgb(0x3399FF), SystemColour(colorActiveCaption)},
-    {ImportantButtonText,    "importantbuttontext",    "Text",             Rgb(0xFFFFFF), SystemColour(colorCaptionText)},
-    {PbBack,                 "pbback",                 "Background",       Rgb(0xC0C0C0), SystemColour(colorWindow)},
-    {PbText,                 "pbtext",                 "Text",             Rgb(0x000000), SystemColour(colorWindowText)},
-    {PbBar,                  "pbbar",                  "Fill",             Rgb(0x3399FF), SystemColour(colorHighlight)},
-    {PbFillText,             "pbfilltext",             "Fill Text",        Rgb(0x000000), SystemColour(colorHighlightText)},
-    {MbBack,                 "mbback",                 "Background",       Rgb(0xC0C0C0), SystemColour(colorWindow)},
-    {MbText,                 "mbtext",                 "Text",             Rgb(0x000000), SystemColour(colorWindowText)},
-    {MbBar,                  "mbbar",                  "Fill",             Rgb(0xFDC800), SystemColour(colorHighlight)},
-    {MbFillText,             "mbfilltext",             "Fill Text",        Rgb(0x000000), SystemColour(colorHighlightText)},
+    {LogoBack,               "logoback",               "Logo Background",  Rgb(0x808080), draw::SystemColour(draw::COLOR_BTNSHADOW)},
+    {ImportantButtonTopBack, "importantbuttontopback", "Background",       Rgb(0x3399FF), draw::SystemColour(draw::COLOR_ACTIVECAPTION)},
+    {ImportantButtonText,    "importantbuttontext",    "Text",             Rgb(0xFFFFFF), draw::SystemColour(draw::COLOR_CAPTIONTEXT)},
+    {PbBack,                 "pbback",                 "Background",       Rgb(0xC0C0C0), draw::SystemColour(draw::COLOR_WINDOW)},
+    {PbText,                 "pbtext",                 "Text",             Rgb(0x000000), draw::SystemColour(draw::COLOR_WINDOWTEXT)},
+    {PbBar,                  "pbbar",                  "Fill",             Rgb(0x3399FF), draw::SystemColour(draw::COLOR_HIGHLIGHT)},
+    {PbFillText,             "pbfilltext",             "Fill Text",        Rgb(0x000000), draw::SystemColour(draw::COLOR_HIGHLIGHTTEXT)},
+    {MbBack,                 "mbback",                 "Background",       Rgb(0xC0C0C0), draw::SystemColour(draw::COLOR_WINDOW)},
+    {MbText,                 "mbtext",                 "Text",             Rgb(0x000000), draw::SystemColour(draw::COLOR_WINDOWTEXT)},
+    {MbBar,                  "mbbar",                  "Fill",             Rgb(0xFDC800), draw::SystemColour(draw::COLOR_HIGHLIGHT)},
+    {MbFillText,             "mbfilltext",             "Fill Text",        Rgb(0x000000), draw::SystemColour(draw::COLOR_HIGHLIGHTTEXT)},
     {TitleButtonBack,        "titlebuttonback",        "Button Back",      Rgb(0x1165BB), Rgb(0x1165BB)},
     {TitleButtonFore,        "titlebuttonfore",        "Button Top",       Rgb(0xFFFFFF), Rgb(0xFFFFFF)},
     {TitleButtonXBack,       "titlebuttonxback",       "Button X Back",    Rgb(0xD92300), Rgb(0xD92300)},

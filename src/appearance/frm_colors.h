@@ -3,6 +3,7 @@
 // Every change shows at once in all windows and is saved at once.
 #pragma once
 
+#include "appearance/colour_table.h"
 #include "forms/form.h"
 
 #include <array>
@@ -64,7 +65,7 @@ class FrmColors : public forms::Form {
     void SwitchShadow();
     void SwitchSegments(const QString& key, const suite::CheckBox* box, controls::BrindlexPB* example);
 
-    std::array<suite::ColorPicker*, 30> pickers_{};
+    std::array<suite::ColorPicker*, pickerArraySize> pickers_{};
     controls::TitelBar* titleBar_ = nullptr;
     suite::ComboBox* presets_ = nullptr;
     controls::dcButton* save_ = nullptr;

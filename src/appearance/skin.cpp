@@ -18,6 +18,9 @@ namespace appearance {
 namespace {
 
 constexpr int flat = 2; // the Appearance of frames and colour pickers
+// Pixels by which the top edge of a frame lies above what is seen of it.
+constexpr int hiddenTopOfBox = 50;
+constexpr int hiddenTopOfWindow = 200;
 
 QObject* TitleBarOf(const forms::Form* form) { return form->FindControl(QStringLiteral("TitelBar1")); }
 
@@ -67,7 +70,7 @@ void FramePictureBox(QObject* control) {
     if (!box)
         return;
     box->Cls();
-    box->DrawBox(0, -50, forms::ToPixels(box->Width()) - 1, forms::ToPixels(box->Height()) - 1);
+    box->DrawBox(0, -hiddenTopOfBox, forms::ToPixels(box->Width()) - 1, forms::ToPixels(box->Height()) - 1);
     box->Refresh();
 }
 
@@ -179,7 +182,7 @@ void RefreshControls(forms::Form* form) {
 
 void DrawWindowFrame(forms::Form* form) {
     const auto* const titleBar = qobject_cast<forms::Control*>(TitleBarOf(form));
-    const int top = titleBar ? forms::ToPixels(titleBar->Height()) - 200 : -200;
+    const int top = (titleBar ? forms::ToPixels(titleBar->Height()) : 0) - hiddenTopOfWindow;
     form->Cls();
     form->DrawBox(0, top, forms::ToPixels(form->Width()) - 1, forms::ToPixels(form->Height()) - 1);
     form->Refresh();

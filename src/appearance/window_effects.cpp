@@ -20,6 +20,8 @@ constexpr int extendedStyleIndex = -20;
 constexpr quint32 layeredStyle = 0x80000; // WS_EX_LAYERED
 constexpr quint32 colourKeyFlag = 1;      // LWA_COLORKEY
 constexpr int folderBufferSize = 257;     // characters, the terminator included
+constexpr int shadowStyle = 8 | 16;       // the manager keeps it and has one style
+constexpr int opaque = 255;               // of a shadow at its strongest
 
 // The extended styles that windows were given here; the only one with a meaning on this platform is the layered one.
 QHash<const forms::Form*, quint32>& ExtendedStyles() {
@@ -71,23 +73,22 @@ void InitShadow() {
     suite::ShadowManager& manager = suite::SharedShadowManager();
     if (!manager.Available())
         return;
-    manager.SetStyleFlags(8 | 16);
+    manager.SetStyleFlags(shadowStyle);
     // Strongest just beyond the window's edge, fading to nothing.
     manager.SetBlendCurve({{0.0F, float(Scaled(1)) / 100, 1.0F}, {0.0F, 1.0F, 0.0F}});
     manager.SetUpdateMode(true);
     const int size = Scaled(10);
     const int secondSize = Scaled(15);
-    constexpr int transparency = 255;
     manager.SetSize(size);
     manager.SetOffsetX(0);
     manager.SetOffsetY(0);
     manager.SetSecondSize(secondSize);
-    manager.SetTransparency(transparency);
+    manager.SetTransparency(opaque);
     manager.SetGlobalSize(size);
     manager.SetGlobalOffsetX(0);
     manager.SetGlobalOffsetY(0);
     manager.SetGlobalSecondSize(secondSize);
-    manager.SetGlobalTransparency(transparency);
+    manager.SetGlobalTransparency(opaque);
     manager.SetUpdateMode(false);
 }
 
