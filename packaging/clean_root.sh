@@ -1,5 +1,6 @@
 # Sourced by test-package: a Debian without anything of ours, in a folder. It is made once and kept under build/clean-root;
 # each use writes to a layer above it, which goes with the mount namespace of the caller.
+# shellcheck shell=bash
 
 clean_root_cache=$PWD/build/clean-root
 
@@ -56,7 +57,7 @@ leave_clean_root() {
 
 # write_machine TEXT FOLDER: the tree of a made-up PC, told in the form of tests/platform/pnp/device_fixture.h.
 write_machine() {
-  local line path= place name value
+  local line path='' place name value
   while IFS= read -r line; do
     case $line in
       /*)

@@ -1,4 +1,6 @@
-# Sourced by run and check: installs the Debian packages that are missing, quietly, and nothing else.
+# Sourced by every script that builds or tests: names the Debian packages that each purpose needs, installs those that
+# are missing, quietly, and configures a build.
+# shellcheck shell=bash disable=SC2034
 
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libxcb1-dev libxcb-shape0-dev
   libgl-dev hwdata fonts-dejavu-core)
