@@ -16,7 +16,7 @@ constexpr qint64 largestFile = 64 << 20; // bytes; the real ones have about 1.5 
 // Where Debian's hwdata, pciutils and usbutils keep them.
 QString DefaultIdFile(const QString& name) {
     for (const char* folder : {"/usr/share/hwdata/", "/usr/share/misc/"}) {
-        const QString path = QLatin1String(folder) + name;
+        QString path = QLatin1String(folder) + name;
         if (QFileInfo::exists(path)) {
             return path;
         }

@@ -122,7 +122,7 @@ std::vector<QStringList> TableRows(const ListText& text) {
 } // namespace
 
 QString CsvText(const ListText& text) {
-    const QString whole = inventory::WholeListText(text.list, inventory::ListTextScope::WholeRow);
+    QString whole = inventory::WholeListText(text.list, inventory::ListTextScope::WholeRow);
     if (text.matches == nullptr)
         return whole;
     // Row by row rather than line by line: a text of a device may hold a line break.
