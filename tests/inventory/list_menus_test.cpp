@@ -218,7 +218,6 @@ TEST_F(ListMenusTest, ALookupWindowGetsTheTextsOfTheRow) {
         return made;
     });
     inventory::OpenLookup(*main_->list->SelectedItem());
-    QTest::qWait(50);
     EXPECT_EQ(all_.Find("FrmLookup"), lookup);
 }
 
