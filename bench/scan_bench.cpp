@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
+#include <algorithm>
 #include <array>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -32,15 +33,16 @@ void Scan(std::array<suite::ListItems, inventory::DeviceListCount>& lists) {
 void WholeScan(benchmark::State& state) {
     const int devices = int(state.range(0));
     pnp::SetDeviceRoot(bench::MadeUpMachine(devices));
-    values::Program().SystemFolder = QStringLiteral("C:\\Windows\\System32\\");
     std::array<suite::ListItems, inventory::DeviceListCount> lists;
     for (suite::ListItems& list : lists)
         inventory::AddDeviceColumns(list);
     QElapsedTimer sinceServed;
     qint64 longest = 0;
     QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout,
-                     [&] { longest = std::max(longest, sinceServed.nsecsElapsed()), sinceServed.start(); });
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        longest = std::max(longest, sinceServed.nsecsElapsed());
+        sinceServed.start();
+    });
     timer.start(0);
     for (auto _ : state) {
         sinceServed.start();
@@ -91,7 +93,9 @@ BENCHMARK(Bind)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(WholeListText)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
+    values::Program().SystemFolder = QStringLiteral("C:\\Windows\\System32\\");
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
+    return 0;
 }
