@@ -11,6 +11,7 @@
 #include "forms/dialogs.h"
 #include "forms/forms.h"
 #include "forms/label.h"
+#include "forms/timer.h"
 #include "inventory/frm_menu.h"
 #include "shell/frm_main.h"
 #include "suite/list_view.h"
@@ -128,9 +129,11 @@ class LoopTest : public testing::Test {
         values::Program() = values::ProgramValues();
         main_ = static_cast<shell::FrmMain*>(all_.Shared(QStringLiteral("FrmMain")));
         main_->Show();
-        EXPECT_TRUE(
-            QTest::qWaitFor([this] { return main_->LabelStatus->Caption() == QLatin1String("Status: Done"); }, 20000));
-        QTest::qWait(300);
+        // The timer that counts the rows stands still during a scan.
+        const auto done = [this] {
+            return main_->LabelStatus->Caption() == QLatin1String("Status: Done") && main_->Timer1->Enabled();
+        };
+        EXPECT_TRUE(QTest::qWaitFor(done, 20000));
     }
 
     void End() {

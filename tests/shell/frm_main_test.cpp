@@ -7,9 +7,7 @@
 #include "controls/titel_bar.h"
 #include "forms/screen.h"
 #include "forms/text_box.h"
-#include "forms/timer.h"
 #include "suite/list_tree.h"
-#include "suite/list_view.h"
 #include "suite/tab_control.h"
 #include "values/settings.h"
 #include "windows_fixture.h"
@@ -132,8 +130,7 @@ TEST_F(FrmMainTest, ColumnClicksSortAndTheDeleteKeyRemoves) {
     ASSERT_NE(list->SelectedItem(), nullptr);
     EXPECT_EQ(list->SelectedItem()->Text(), "Beta Hub");
     EXPECT_EQ(main->ListViewNoSystemDevices->ListItems().Count(), 3); // the other lists keep it
-    QTest::qWait(350);
-    EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (2)");
+    EXPECT_TRUE(QTest::qWaitFor([main] { return main->TabControl1->Item(0)->Caption() == "All Hardware (2)"; }));
     list->ListItems().SetSelectedItem(nullptr);
     QTest::keyClick(list->Tree(), Qt::Key_Delete);
     EXPECT_EQ(list->ListItems().Count(), 2);
@@ -201,9 +198,7 @@ TEST_F(FrmMainTest, ClosingEndsEverythingAlsoInTheMiddleOfAScan) {
     EXPECT_TRUE(values::ProgramClosing());
     EXPECT_TRUE(all_.Loaded().isEmpty());
     EXPECT_EQ(database::DatabaseConnection(), nullptr);
-    QTest::qWait(60);
-    all_.Bury();
-    EXPECT_GE(allGone_, 1);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return allGone_ > 0; })) << "the process would stay";
 }
 
 TEST_F(FrmMainTest, ClosedInTheMiddleOfItsLoadItLeavesNoWindowBehind) {

@@ -5,7 +5,6 @@
 #include "forms/control.h"
 #include "inventory/open_lookup.h"
 #include "suite/list_tree.h"
-#include "suite/list_view.h"
 #include "suite/tab_control.h"
 #include "windows_fixture.h"
 
@@ -39,7 +38,8 @@ class WindowsAudit : public WindowsFixture {
         if (name == "FrmLookup") {
             inventory::OpenLookup(*main_->ListViewHardware->ListItems().Item(1));
             form = all_.Find(name);
-            QTest::qWait(600);
+            auto* status = form->Find<forms::Label>("LabelStatus");
+            EXPECT_TRUE(QTest::qWaitFor([status] { return status->Caption().startsWith("Results: "); }));
         } else {
             form = all_.Shared(name);
             form->Show();

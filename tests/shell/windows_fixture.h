@@ -12,8 +12,10 @@
 #include "forms/dialogs.h"
 #include "forms/forms.h"
 #include "forms/label.h"
+#include "forms/timer.h"
 #include "inventory/frm_menu.h"
 #include "shell/frm_main.h"
+#include "suite/list_view.h"
 #include "updating/frm_update.h"
 #include "values/program_values.h"
 
@@ -65,11 +67,15 @@ class WindowsFixture : public testing::Test {
         return main;
     }
 
+    // Until the first scan is over and the tabs tell its counts.
     shell::FrmMain* StartAndScan() {
         WriteDatabase();
         shell::FrmMain* main = Start();
-        EXPECT_TRUE(QTest::qWaitFor([main] { return main->LabelStatus->Caption() == "Status: Done"; }, 20000));
-        QTest::qWait(400);
+        const auto done = [main] {
+            return main->LabelStatus->Caption() == "Status: Done" && main->Timer1->Enabled() &&
+                   main->ShownCount[0] == main->ListViewHardware->ListItems().Count();
+        };
+        EXPECT_TRUE(QTest::qWaitFor(done, 20000));
         return main;
     }
 
