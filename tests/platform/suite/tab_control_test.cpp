@@ -62,7 +62,7 @@ TEST_F(TabControlTest, CaptionsChangeAndThePlainTitleStays) {
     EXPECT_GT(tabs->Strip()->tabRect(0).width(), before);
 }
 
-TEST_F(TabControlTest, EveryColourOfTheSetReachesThePicture) {
+TEST_F(TabControlTest, TheColoursOfTheSetReachThePicture) {
     form.Show();
     const Colour normal(0x111111), selected(0x222222), pane(0x444444), frame(0x555555), header(0x666666);
     Set("PaintManager.ColorSet.ButtonNormal", normal);
@@ -73,19 +73,25 @@ TEST_F(TabControlTest, EveryColourOfTheSetReachesThePicture) {
     Set("PaintManager.ColorSet.HeaderFaceDark", header);
     Set("PaintManager.ColorSet.HeaderFaceLight", header);
     Set("PaintManager.ColorSet.BorderHighlight", Colour(0x777777));
-    Set("PaintManager.ColorSet.SelectedText", Colour(0x0000FF));
-    Set("PaintManager.ColorSet.NormalText", Colour(0x00FF00));
+    Set("PaintManager.ColorSet.SelectedText", Colour::FromRgb(255, 0, 0));
+    Set("PaintManager.ColorSet.NormalText", Colour::FromRgb(0, 255, 0));
     Set("PaintManager.ColorSet.HighlightText", Colour(0xFF0000));
     Set("PaintManager.ColorSet.ControlFace", Colour(0x888888));
     Set("BackColor", Colour(0x999999));
     for (int i = 0; i < 4; ++i)
         EXPECT_TRUE(forms::SetProperty(tabs->Page(i), "BackColor", QVariant::fromValue(pane)) ==
                     forms::PropertyResult::Set);
+    // Letters without curves or slopes have pixels of the plain colour.
+    tabs->Item(0)->SetCaption(QString(4, QChar(0x2588)));
+    tabs->Item(1)->SetCaption(QString(4, QChar(0x2588)));
     const QImage picture = tabs->grab().toImage();
     const auto grey = [](int value) { return QColor(value, value, value); };
     const QRect first = tabs->Strip()->tabRect(0), second = tabs->Strip()->tabRect(1);
     EXPECT_EQ(picture.pixelColor(first.left() + 5, first.center().y()), grey(0x22));
     EXPECT_EQ(picture.pixelColor(second.left() + 5, second.center().y()), grey(0x11));
+    EXPECT_EQ(picture.pixelColor(first.center()), QColor(255, 0, 0));
+    EXPECT_EQ(picture.pixelColor(second.center()), QColor(0, 255, 0));
+    EXPECT_EQ(picture.pixelColor(first.center().x(), first.top() + 1), grey(0x77));
     EXPECT_EQ(picture.pixelColor(picture.width() - 5, 5), grey(0x66));
     EXPECT_EQ(picture.pixelColor(picture.width() / 2, picture.height() / 2), grey(0x44));
     EXPECT_EQ(picture.pixelColor(0, picture.height() / 2), grey(0x55));
