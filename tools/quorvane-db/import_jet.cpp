@@ -117,7 +117,7 @@ QString ReadJetFile(const QString& path, JetFile& file) {
         {"version", {QStringLiteral("dbversion")}, file.Version},
     };
     for (const auto& [name, columns, table] : tables) {
-        const QString error = ReadTable(tools, path, QLatin1String(name), columns, table);
+        QString error = ReadTable(tools, path, QLatin1String(name), columns, table);
         if (!error.isEmpty()) {
             return error;
         }
