@@ -13,18 +13,18 @@ documents=(*.md docs/*.md)
 for document in "${documents[@]}"; do
   folder=$(dirname "$document")
   while read -r target; do
-    case $target in http*: | http*://* | '#'*) continue ;; esac
+    case $target in http*://* | '#'*) continue ;; esac
     [ -e "$folder/${target%%#*}" ] || fail "$document: link to $target"
   done < <(grep -oP '\]\(\K[^)]+' "$document")
   # Paths below a folder of this repository, and bare names of sources and scripts.
   while read -r name; do
     case $name in
-      src/* | tests/* | tools/* | docs/* | server/* | resources/* | packaging/* | cmake/* | bench/* | .ci/*)
+      src/* | tests/* | tools/* | docs/* | server/* | resources/* | packaging/* | cmake/* | bench/* | fuzz/* | .ci/*)
         case $name in *NAME*) continue ;; esac
         [ -e "${name%%[ :]*}" ] || fail "$document: no $name" ;;
       *.cpp | *.h | *.php | *.cmake | *.sh)
-        case $name in NAME* | *NAME*) continue ;; esac
-        [ -n "$(find src tests tools server cmake bench packaging -name "${name##*/}" -print -quit)" ] ||
+        case $name in *NAME*) continue ;; esac
+        [ -n "$(find src tests tools server cmake bench fuzz packaging -name "${name##*/}" -print -quit)" ] ||
           fail "$document: no $name" ;;
     esac
   done < <(grep -v '^```' "$document" | grep -oP '`\K[^`\s]+(?=`)')

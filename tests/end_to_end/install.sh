@@ -3,9 +3,7 @@
 # without room, or from a folder that cannot be written, leaves no half of them.
 set -u
 . "$(dirname "$0")/virtual_screen.sh"
-for tool in Xvfb openbox xdotool xwd; do
-  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
-done
+need_tools Xvfb openbox xdotool xwd
 start_screen
 prefix=$scratch/prefix
 cmake --install "$QUORVANE_BUILD" --prefix "$prefix" >"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
@@ -19,8 +17,6 @@ for file in share/applications/quorvane.desktop share/man/man1/quorvane{,-db,-li
   [ -s "$prefix/$file" ] || fail "$file is missing"
 done
 find "$prefix" | sort >"$scratch/installed"
-
-gone() { ! kill -0 "$1" 2>/dev/null; }
 
 # start PATTERN COMMAND...: until a window with such a title stands there.
 start() {
@@ -94,5 +90,4 @@ start 'Quorvane v' "$scratch/stick/quorvane"
 end 0 alt+F4
 [ ! -e "$XDG_DATA_HOME" ] || fail "a copied folder writes elsewhere"
 
-[ $failures = 0 ] && echo "install: ok"
-exit $((failures > 0))
+verdict install

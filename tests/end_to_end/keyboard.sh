@@ -3,31 +3,12 @@
 # look it up, copy the matches, close.
 set -u
 . "$(dirname "$0")/virtual_screen.sh"
-for tool in Xvfb openbox xdotool xclip xwd sqlite3; do
-  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
-done
+need_tools Xvfb openbox xdotool xclip xwd sqlite3
 start_screen
-make_program_folder
-"$QUORVANE_BIN/quorvane-db" build --output "$program/hwids.mdb" 2>/dev/null || { echo "no database"; exit 1; }
-cd "$program" || exit 1
-./quorvane 2>"$scratch/errors" &
-quorvane=$!
-pids+=($quorvane)
+run_program
 
-keys() { for key in "$@"; do xdotool key "$key"; sleep 0.08; done; }
 picture() { xwd -silent -id "$main" | cksum; }
 
-# choose N: the entry that is N down in an open popup.
-choose() {
-  sleep 0.3
-  for _ in $(seq "$1"); do keys Down; done
-  keys Return
-  sleep 0.3
-}
-
-wait_for 20 window_named 'Quorvane v' || fail "no main window"
-main=$(window_named 'Quorvane v')
-wait_until_still "$main" || fail "the first scan did not end"
 xdotool windowactivate --sync "$main"
 
 # Four buttons and three logos stand before the tabs.
@@ -42,9 +23,7 @@ expect "picture of the first tab" "$(picture)" "$first"
 "$QUORVANE_BIN/quorvane-list" | tr -d '\r' | sed -e 1d -e '/^$/d' >"$scratch/list"
 while IFS= read -r row; do
   name=${row%%,*}
-  id=$(printf '%s' "${row##*,}" | tr '|' '\n' | grep -xE 'PCI.VEN_....&DEV_....' | head -n 1)
-  [ -n "$id" ] && [ "$(cut -d, -f1 "$scratch/list" | grep -cF -- "$name")" = 1 ] &&
-    [ "$(sqlite3 "$program/hwids.mdb" "SELECT count(*) FROM hwids WHERE hwid = '$id'")" != 0 ] && break
+  [ "$(cut -d, -f1 "$scratch/list" | grep -cF -- "$name")" = 1 ] && in_database "$row" && break
   name=
 done <"$scratch/list"
 [ -n "$name" ] || { echo "SKIPPED: no device of this machine is in the database"; exit 77; }
@@ -81,12 +60,5 @@ wait_until_still "$(lookup_opened)"
 close_lookup || fail "the second lookup window does not close"
 
 xdotool windowactivate --sync "$main" key alt+F4
-if wait_for 5 bash -c "! kill -0 $quorvane"; then
-  wait $quorvane
-  expect "status" $? 0
-else
-  fail "the process does not end"
-fi
-[ ! -s "$scratch/errors" ] || { echo "standard error:"; cat "$scratch/errors"; }
-[ $failures = 0 ] && echo "keyboard: ok"
-exit $((failures > 0))
+expect_end
+verdict keyboard

@@ -3,22 +3,11 @@
 # clipboard and open the browser, the close button ends the process with status 0.
 set -u
 . "$(dirname "$0")/virtual_screen.sh"
-for tool in Xvfb openbox xdotool xclip xwd import sqlite3; do
-  command -v $tool >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
-done
+need_tools Xvfb openbox xdotool xclip xwd import sqlite3
 start_screen
-make_program_folder
-"$QUORVANE_BIN/quorvane-db" build --output "$program/hwids.mdb" 2>/dev/null || { echo "no database"; exit 1; }
-cd "$program" || exit 1
-./quorvane 2>"$scratch/errors" &
-quorvane=$!
-pids+=($quorvane)
-
-wait_for 20 window_named 'Quorvane v' || fail "no main window"
-main=$(window_named 'Quorvane v')
-wait_until_still "$main" || fail "the first scan did not end"
+run_program
 eval "$(xdotool getwindowgeometry --shell "$main")"
-left=$X top=$Y
+left=$X top=$Y # pixels of the screen; places in the window are added to them
 
 # The rows stand in the order of quorvane-list sorted by name, which is how the list comes up.
 "$QUORVANE_BIN/quorvane-list" >"$scratch/list"
@@ -27,20 +16,15 @@ left=$X top=$Y
 # Select the first row, then copy the whole list through the popup menu.
 xdotool mousemove $((left + 200)) $((top + 140)) click 1
 sleep 0.3
-xdotool key shift+F10
-sleep 0.5
-for _ in 1 2 3 4; do xdotool key Down; sleep 0.05; done
-xdotool key Return
-sleep 0.5
+keys shift+F10
+choose 4
 clipboard >"$scratch/clipboard"
 expect "rows on the clipboard" "$(sort "$scratch/clipboard" | tr -d '\r' | sed '/^$/d')" \
   "$(sort "$scratch/list" | tr -d '\r' | sed '/^$/d')"
 
 # Search by hardware IDs: the browser gets the first ID, its "&" escaped once and its backslash as such.
-xdotool key shift+F10
-sleep 0.5
-for _ in 1 2 3; do xdotool key Down; sleep 0.05; done
-xdotool key Return
+keys shift+F10
+choose 3
 wait_for 5 test -s "$scratch/opened" || fail "no browser was started"
 case $(cat "$scratch/opened" 2>/dev/null) in
   https://*'/?q='*'%5C'*'%20Driver') ;;
@@ -77,10 +61,7 @@ while IFS= read -r line; do
   case $line in
     *,PCI\\VEN_*)
       # A device that the ID files do not name has no match.
-      ids=${line##*,}
-      id=$(printf '%s' "$ids" | tr '|' '\n' | grep -xE 'PCI.VEN_....&DEV_....' | head -n 1)
-      known=$(sqlite3 "$program/hwids.mdb" "SELECT count(*) FROM hwids WHERE hwid = '$id'")
-      [ "$known" = 0 ] ||
+      ! in_database "$line" ||
         import -window "$lookup" -crop 548x90+10+210 +repage txt:- | grep -q 'srgb(253,200,0)' ||
         fail "no best match for '$name'" ;;
   esac
@@ -90,13 +71,5 @@ done < <(sed 1d "$scratch/list" | tr -d '\r' | sed '/^$/d')
 # Closing the main window closes everything and ends the process.
 xdotool windowactivate --sync "$main" 2>/dev/null
 xdotool mousemove $((left + 717)) $((top + 19)) click 1
-if wait_for 5 bash -c "! kill -0 $quorvane"; then
-  wait $quorvane
-  expect "status" $? 0
-else
-  kill -TERM $quorvane
-  wait_for 5 bash -c "! kill -0 $quorvane" || fail "the process does not end"
-fi
-[ ! -s "$scratch/errors" ] || { echo "standard error:"; cat "$scratch/errors"; }
-[ $failures = 0 ] && echo "end to end: ok"
-exit $((failures > 0))
+expect_end
+verdict lookup

@@ -1,5 +1,6 @@
-# Sourced by the end-to-end scripts: a virtual screen with a window manager, a folder of its own for the program, a browser
-# and a clipboard that can be read. Needs QUORVANE_BIN, the folder with the built programs.
+# Sourced by the end-to-end scripts and whatever else shows windows to nobody: a virtual screen with a window manager, a
+# folder of its own for the program, a browser and a clipboard that can be read. Needs QUORVANE_BIN, the folder with the
+# built programs.
 
 scratch=$(mktemp -d)
 pids=()
@@ -20,6 +21,20 @@ fail() {
 # expect WHAT ACTUAL EXPECTED
 expect() {
   [ "$2" = "$3" ] || fail "$1: got '$2', expected '$3'"
+}
+
+# verdict NAME: ends the script.
+verdict() {
+  [ $failures = 0 ] && echo "$1: ok"
+  exit $((failures > 0))
+}
+
+# need_tools TOOL...: skips the script where one is missing.
+need_tools() {
+  local tool
+  for tool in "$@"; do
+    command -v "$tool" >/dev/null || { echo "SKIPPED: $tool is not installed"; exit 77; }
+  done
 }
 
 # start_screen [SIZE]
@@ -46,6 +61,58 @@ make_program_folder() {
   chmod +x "$scratch/path/xdg-open"
   for name in www-browser x-www-browser firefox; do cp "$scratch/path/xdg-open" "$scratch/path/$name"; done
   export PATH="$scratch/path:$PATH" BROWSER="$scratch/path/xdg-open"
+}
+
+# build_database FILE [OPTION...]: from the system's ID files, unless the options name others.
+build_database() {
+  local file=$1
+  shift
+  "$QUORVANE_BIN/quorvane-db" build --output "$file" "$@" >/dev/null 2>&1 || { echo "no database"; exit 1; }
+}
+
+# run_program: in a folder of its own with a database, until it has scanned this machine; $quorvane is the process, $main
+# the window.
+run_program() {
+  make_program_folder
+  build_database "$program/hwids.mdb"
+  cd "$program" || exit 1
+  ./quorvane 2>"$scratch/errors" &
+  quorvane=$!
+  pids+=("$quorvane")
+  wait_for 20 window_named 'Quorvane v' || fail "no main window"
+  main=$(window_named 'Quorvane v')
+  wait_until_still "$main" || fail "the first scan did not end"
+}
+
+gone() { ! kill -0 "$1" 2>/dev/null; }
+
+# expect_end: of the program that run_program started, by itself, with status 0.
+expect_end() {
+  if wait_for 5 gone "$quorvane"; then
+    wait "$quorvane"
+    expect "status" $? 0
+  else
+    fail "the process does not end"
+  fi
+  [ ! -s "$scratch/errors" ] || { echo "standard error:"; cat "$scratch/errors"; }
+}
+
+# in_database ROW: whether the program's database knows the device of a row of quorvane-list by its PCI ID.
+in_database() {
+  local id
+  id=$(printf '%s' "${1##*,}" | tr '|' '\n' | grep -xE 'PCI.VEN_....&DEV_....' | head -n 1)
+  [ -n "$id" ] && [ "$(sqlite3 "$program/hwids.mdb" "SELECT count(*) FROM hwids WHERE hwid = '$id'")" != 0 ]
+}
+
+# keys KEY...: one after another to the window that has the keyboard.
+keys() { for key in "$@"; do xdotool key "$key"; sleep 0.08; done; }
+
+# choose N: the entry that is N down in an open popup.
+choose() {
+  sleep 0.3
+  for _ in $(seq "$1"); do keys Down; done
+  keys Return
+  sleep 0.3
 }
 
 # rounds SHORT LONG: how often something at a random moment is repeated, in the everyday run and in that of check --long.
