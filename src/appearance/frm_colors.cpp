@@ -197,7 +197,8 @@ void FrmColors::SwitchShadow() {
     values::Program().ShadowDisabled = disableShadow_->Value() != 0;
     values::Program().ShadowEnabled = !values::Program().ShadowDisabled;
     for (Form* const form : forms::Forms::Instance().Loaded()) {
-        UpdateShadow(form);
+        if (!form->IsUnloaded())
+            UpdateShadow(form);
         base::Yield();
     }
 }

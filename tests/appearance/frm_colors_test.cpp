@@ -12,6 +12,7 @@
 #include "suite/color_picker.h"
 #include "suite/combo_box.h"
 #include "suite/h_scroll.h"
+#include "suite/shadow_manager.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -204,6 +205,24 @@ TEST_F(Editor, TheShadowSwitchIsStoredAndKnown) {
               QStringLiteral("1"));
     Restart();
     EXPECT_EQ(Find<suite::CheckBox>("CheckDisableShadow")->Value(), 1);
+}
+
+TEST_F(Editor, AWindowThatClosesWhileShadowsAreSwitchedOnGetsNone) {
+    suite::ShadowManager& shadows = suite::SharedShadowManager();
+    shadows.SetCompositingSource([] { return true; });
+    forms::Forms::Instance().RegisterMaker(QStringLiteral("FrmOther"), [] {
+        return std::make_unique<forms::Form>(QStringLiteral("FrmOther"), 3000, 3000);
+    });
+    forms::Form* const other = forms::Forms::Instance().New(QStringLiteral("FrmOther"));
+    auto* const box = Find<suite::CheckBox>("CheckDisableShadow");
+    ClickOn(box);
+    QMetaObject::invokeMethod(
+        form_, [other] { other->Unload(true); }, Qt::QueuedConnection);
+    ClickOn(box);
+    EXPECT_TRUE(other->IsUnloaded());
+    EXPECT_TRUE(shadows.Knows(form_));
+    EXPECT_FALSE(shadows.Knows(other));
+    shadows.SetCompositingSource({});
 }
 
 TEST_F(Editor, ClosingOnlyHidesTheTable) {
