@@ -146,9 +146,7 @@ TEST_F(TitelBarWindow, ADoubleClickInsideAYieldOfTheFirstIsLeftOut) {
 
 TEST_F(TitelBarWindow, AWindowThatThePlatformMaximisedEndsInTheWorkArea) {
     form->SetWindowState(forms::MaximisedWindow);
-    for (int round = 0; round < 20 && !Bar().Maximised(); ++round)
-        QTest::qWait(10);
-    EXPECT_TRUE(Bar().Maximised());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Bar().Maximised(); }));
     EXPECT_EQ(form->WindowState(), forms::NormalWindow);
     EXPECT_EQ(form->WindowRect(), forms::WorkArea());
 }
