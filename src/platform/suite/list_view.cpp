@@ -62,19 +62,21 @@ void ListView::ConnectTree() {
         const QPoint own = ToControl(place);
         Q_EMIT MouseMove(forms::ButtonsOf(buttons), forms::ShiftOf(keys), own.x(), own.y());
     });
-    connect(tree_, &ListTree::Released, this, [this](Qt::MouseButton button, Qt::KeyboardModifiers keys, QPoint place) {
-        const QPointer<ListView> alive(this);
-        const QPoint own = ToControl(place);
-        Q_EMIT MouseUp(forms::ButtonOf(button), forms::ShiftOf(keys), own.x(), own.y());
-        if (alive && button == Qt::LeftButton)
-            Q_EMIT Click();
-    });
+    connect(tree_, &ListTree::Released, this, &ListView::TellRelease);
     connect(tree_, &ListTree::RowDoubleClicked, this, &ListView::DblClick);
     // A popup asked for by key is a released right button at the selected row.
     connect(tree_, &ListTree::PopupAsked, this, [this](QPoint place) {
         const QPoint own = ToControl(place);
         Q_EMIT MouseUp(forms::RightButton, 0, own.x(), own.y());
     });
+}
+
+void ListView::TellRelease(Qt::MouseButton button, Qt::KeyboardModifiers keys, QPoint place) {
+    const QPointer<ListView> alive(this);
+    const QPoint own = ToControl(place);
+    Q_EMIT MouseUp(forms::ButtonOf(button), forms::ShiftOf(keys), own.x(), own.y());
+    if (alive && button == Qt::LeftButton)
+        Q_EMIT Click();
 }
 
 QPoint ListView::ToControl(const QPoint& place) const { return tree_->viewport()->mapTo(this, place); }

@@ -75,6 +75,7 @@ class ListView : public HostedControl, private ListObserver {
     void EnsureVisible(const ListItem& item) override;
 
     void ConnectTree();
+    void TellRelease(Qt::MouseButton button, Qt::KeyboardModifiers keys, QPoint place);
     // Whether a change has to be shown now. Where nobody looks the tree lets go of the rows until it is shown again.
     bool Live();
     void CatchUp();
