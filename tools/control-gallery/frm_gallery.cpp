@@ -5,12 +5,12 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QTimer>
 
 namespace {
 
 constexpr int windowWidth = 1010;
 constexpr int windowHeight = 672;
+constexpr int settleMilliseconds = 200;
 constexpr base::Colour backColour = base::Colour::FromRgb(44, 52, 66);
 constexpr base::Colour noteColour = base::Colour::FromRgb(190, 200, 215);
 constexpr base::Colour headingColour = base::Colour::FromRgb(255, 214, 120);
@@ -46,7 +46,7 @@ draw::Picture DiscIcon(int side) {
     return draw::Picture::IconFromImage(image);
 }
 
-int Scaled(int units) { return forms::ToPixels(units * 15.0); }
+int Scaled(int units) { return forms::ToPixels(units * twipsPerUnit); }
 
 draw::Picture Tile() {
     draw::Surface tile(8, 8);
@@ -58,7 +58,13 @@ draw::Picture Tile() {
 
 } // namespace gallery
 
-FrmGallery::FrmGallery() : Form(QStringLiteral("FrmGallery"), windowWidth * twipsPerUnit, windowHeight * twipsPerUnit) {
+FrmGallery::FrmGallery()
+    : Form(QStringLiteral("FrmGallery"), windowWidth * twipsPerUnit, windowHeight * twipsPerUnit),
+      poseTimer_(this, QStringLiteral("TimerPose"), settleMilliseconds, false) {
+    connect(&poseTimer_, &forms::Timer::Tick, this, [this] {
+        poseTimer_.SetEnabled(false);
+        Pose();
+    });
     SetCaption(QStringLiteral("Quorvane: control gallery"));
     SetBackColor(backColour);
     SetForeColor(noteColour);
@@ -101,5 +107,5 @@ void FrmGallery::Activate() {
         return;
     posed_ = true;
     // Once everything is shown: a control that is not visible is under no pointer.
-    QTimer::singleShot(200, this, &FrmGallery::Pose);
+    poseTimer_.SetEnabled(true);
 }

@@ -4,6 +4,9 @@
 
 #include "forms/form.h"
 #include "forms/label.h"
+#include "forms/timer.h"
+
+constexpr double twipsPerUnit = 15; // a unit is a pixel at 96 dots per inch
 
 class FrmGallery : public forms::Form {
   public:
@@ -25,13 +28,13 @@ class FrmGallery : public forms::Form {
 
     void AddHeading(int left, int top, const QString& text, int width = 310);
     forms::Label* AddNote(int left, int top, int width, const QString& text);
-    // Places a control by pixels at 96 dots per inch.
+    // Places a control by units.
     template <typename Control> Control* Place(Control* control, int left, int top, int width, int height) {
         control->Move(left * twipsPerUnit, top * twipsPerUnit, width * twipsPerUnit, height * twipsPerUnit);
         return control;
     }
 
-    static constexpr double twipsPerUnit = 15;
+    forms::Timer poseTimer_;
     int noteCount_ = 0;
     bool posed_ = false;
 };
@@ -41,7 +44,8 @@ class FrmGallery : public forms::Form {
 namespace gallery {
 draw::Picture DiscBitmap();
 draw::Picture DiscIcon(int side);
-// Pixels at 96 dots per inch as pixels of this screen.
-int Scaled(int units);
+// A square of 8 pixels with slanting lines that go on in the next one.
 draw::Picture Tile();
+// Pixels of this screen.
+int Scaled(int units);
 } // namespace gallery
