@@ -133,7 +133,7 @@ int AtWork::Status() const {
 QString AtWork::Last(const QString& start) const {
     for (auto line = lines_.crbegin(); line != lines_.crend(); ++line) {
         if (line->startsWith(start))
-            return line->mid(start.size() + 1) + QLatin1String("");
+            return line->mid(start.size() + 1) + QLatin1String(""); // not null where nothing stands behind it
     }
     return {};
 }

@@ -64,13 +64,15 @@ class OldFile {
             }
         });
     }
-    ~OldFile() { ::close(file_); }
+    ~OldFile() {
+        StopLooking();
+        ::close(file_);
+    }
     OldFile(const OldFile&) = delete;
     OldFile& operator=(const OldFile&) = delete;
 
     void ExpectReplacedAndUntouched() {
-        ended_ = true;
-        watch_.join();
+        StopLooking();
         EXPECT_TRUE(replaced_);
         const struct stat now = Status();
         EXPECT_EQ(now.st_nlink, 0U);
@@ -80,6 +82,12 @@ class OldFile {
     }
 
   private:
+    void StopLooking() {
+        ended_ = true;
+        if (watch_.joinable())
+            watch_.join();
+    }
+
     struct stat Status() const {
         struct stat status {};
         ::fstat(file_, &status);
