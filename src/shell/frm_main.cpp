@@ -1,8 +1,6 @@
 #include "shell/frm_main.h"
 
-#include "base/text.h"
 #include "base/yield.h"
-#include "controls/anchor.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/size_move_helper.h"
@@ -17,7 +15,6 @@
 #include "inventory/device_scan.h"
 #include "inventory/open_lookup.h"
 #include "shell/close_programs.h"
-#include "suite/alpha_image.h"
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
 #include "values/addresses.h"

@@ -1,7 +1,5 @@
 #include "shell/frm_main.h"
 
-#include "base/yield.h"
-#include "controls/anchor.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"

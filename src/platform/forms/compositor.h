@@ -3,7 +3,8 @@
 
 namespace forms {
 
-// True while the owner of the selection _NET_WM_CM_S<n> lives (X11); false on platforms without the question.
+// True while the selection _NET_WM_CM_S0 has an owner (X11, whose first screen holds every monitor of a desktop); false
+// on platforms without the question.
 bool ScreenComposites();
 
 } // namespace forms

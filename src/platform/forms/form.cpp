@@ -10,8 +10,8 @@
 #include "forms/screen.h"
 #include "forms/shadow_frame.h"
 
-#include <QApplication>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>

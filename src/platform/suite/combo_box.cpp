@@ -6,7 +6,6 @@
 #include <QComboBox>
 #include <QPainter>
 #include <QPainterPath>
-#include <QSignalBlocker>
 
 namespace suite {
 

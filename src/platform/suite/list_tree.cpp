@@ -11,7 +11,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
-#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QToolTip>
 
@@ -144,32 +143,23 @@ void ListTree::paintEvent(QPaintEvent* event) {
 
 void ListTree::mousePressEvent(QMouseEvent* event) {
     const QPointer<ListTree> alive(this);
-    const auto button = event->button();
-    const auto modifiers = event->modifiers();
-    const QPoint place = event->position().toPoint();
     QTreeView::mousePressEvent(event);
     if (alive)
-        Q_EMIT Pressed(button, modifiers, place);
+        Q_EMIT Pressed(event->button(), event->modifiers(), event->position().toPoint());
 }
 
 void ListTree::mouseMoveEvent(QMouseEvent* event) {
     const QPointer<ListTree> alive(this);
-    const auto buttons = event->buttons();
-    const auto modifiers = event->modifiers();
-    const QPoint place = event->position().toPoint();
     QTreeView::mouseMoveEvent(event);
     if (alive)
-        Q_EMIT Moved(buttons, modifiers, place);
+        Q_EMIT Moved(event->buttons(), event->modifiers(), event->position().toPoint());
 }
 
 void ListTree::mouseReleaseEvent(QMouseEvent* event) {
     const QPointer<ListTree> alive(this);
-    const auto button = event->button();
-    const auto modifiers = event->modifiers();
-    const QPoint place = event->position().toPoint();
     QTreeView::mouseReleaseEvent(event);
     if (alive)
-        Q_EMIT Released(button, modifiers, place);
+        Q_EMIT Released(event->button(), event->modifiers(), event->position().toPoint());
 }
 
 void ListTree::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -5,7 +5,6 @@
 #include "suite/paint_tools.h"
 
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 
 namespace suite {

@@ -5,7 +5,6 @@
 
 #include <QEvent>
 #include <QPainter>
-#include <QPointer>
 
 namespace suite {
 

@@ -1,5 +1,6 @@
 #include "window/design.h"
 
+#include "base/colour.h"
 #include "controls/animation_bar.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"

@@ -2,8 +2,6 @@
 // bar, the panel that shows progress. Controls belong to the container that they are made on.
 #pragma once
 
-#include "base/colour.h"
-
 #include <QString>
 
 class QWidget;

@@ -3,7 +3,6 @@
 #include "base/yield.h"
 #include "forms/forms.h"
 #include "forms/label.h"
-#include "forms/screen.h"
 #include "forms/timer.h"
 
 #include <QPointer>
