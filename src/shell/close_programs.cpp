@@ -12,7 +12,8 @@ namespace {
 constexpr int mostForms = 100;
 
 void StopTimers(const forms::Form& form) {
-    const QList<QObject*> controls = form.Controls();
+    // A copy: the yields below may end controls, which leave the form's own list then.
+    const QList<QObject*> controls = form.Controls(); // NOLINT(performance-unnecessary-copy-initialization)
     for (QObject* control : controls) {
         auto* timer = qobject_cast<forms::Timer*>(control);
         if (timer == nullptr || !timer->Name().toLower().startsWith(QLatin1String("timer")))
