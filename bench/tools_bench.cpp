@@ -4,7 +4,6 @@
 #include "support/settings.h"
 
 #include <QCoreApplication>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 

@@ -4,7 +4,6 @@
 #include "controls/dib_section.h"
 #include "fuzz_support.h"
 
-#include <QFile>
 #include <algorithm>
 #include <vector>
 

@@ -7,8 +7,6 @@
 #include "quorvane-db/contribution_file.h"
 #include "quorvane-db/csv.h"
 
-#include <algorithm>
-
 namespace {
 
 void CheckLine(const QString& hwid, const QString& name, const QString& manufacturer) {

@@ -10,7 +10,6 @@
 #include "pnp/sources.h"
 #include "suite/list_items.h"
 
-#include <QDir>
 #include <QSet>
 #include <algorithm>
 #include <filesystem>

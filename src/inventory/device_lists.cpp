@@ -1,5 +1,7 @@
 #include "inventory/device_lists.h"
 
+#include <array>
+
 namespace inventory {
 
 namespace {

@@ -4,7 +4,6 @@
 #include "suite/list_items.h"
 
 #include <QString>
-#include <array>
 
 namespace inventory {
 

@@ -1,6 +1,5 @@
 #include "id_file.h"
 
-#include <QSet>
 #include <QStringDecoder>
 #include <cstring>
 #include <optional>

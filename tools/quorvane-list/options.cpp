@@ -2,8 +2,6 @@
 
 #include "inventory/device_lists.h"
 
-#include <string_view>
-
 namespace list_tool {
 
 namespace {

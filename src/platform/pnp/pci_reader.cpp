@@ -6,8 +6,6 @@
 #include "pnp/pci_function.h"
 #include "pnp/problem.h"
 
-#include <algorithm>
-
 namespace pnp {
 
 namespace {

@@ -1,6 +1,5 @@
 #include "pnp/problem.h"
 
-#include <QStringList>
 #include <sstream>
 
 namespace pnp {

@@ -7,8 +7,6 @@
 #include "pnp/usb_class.h"
 #include "pnp/usb_ids.h"
 
-#include <algorithm>
-
 namespace pnp {
 
 namespace {

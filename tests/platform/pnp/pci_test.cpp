@@ -2,7 +2,6 @@
 #include "pnp/class_table.h"
 #include "pnp/pci_class.h"
 
-#include <QDir>
 #include <gtest/gtest.h>
 
 namespace {
