@@ -10,8 +10,6 @@
 #include "database/store.h"
 #include "inventory/clean_text.h"
 
-#include <utility>
-
 namespace database {
 
 namespace {

@@ -24,7 +24,7 @@ QString ServerFile(const QString& name) {
 // The server's answer, empty after a failed transfer. The status is not looked at.
 QString Ask(net::Inet& inet, const QString& url) {
     base::Yield();
-    const QString answer = inet.OpenURL(url);
+    QString answer = inet.OpenURL(url);
     base::Yield();
     inet.Cancel();
     base::Yield();

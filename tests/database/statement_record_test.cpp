@@ -4,6 +4,7 @@
 #include "database/matching.h"
 #include "store_fixture.h"
 
+#include <QFile>
 #include <QSet>
 #include <sqlite3.h>
 

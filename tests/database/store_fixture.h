@@ -8,7 +8,6 @@
 #include "suite/list_items.h"
 #include "values/program_values.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 

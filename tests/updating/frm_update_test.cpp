@@ -20,7 +20,6 @@
 #include "values/program_values.h"
 #include "values/settings.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>

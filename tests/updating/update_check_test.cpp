@@ -1,6 +1,5 @@
 #include "updating/update_check.h"
 
-#include "base/yield.h"
 #include "support/scripted_server.h"
 #include "updating/download_formats.h"
 #include "updating/version_compare.h"

@@ -3,6 +3,7 @@
 #include "data/error.h"
 #include "data/recordset.h"
 #include "data/session.h"
+#include "data/statement_text.h"
 
 namespace data {
 

@@ -3,8 +3,7 @@
 // file that was replaced since it was opened is noticed at the next call and opened in the old one's place.
 #pragma once
 
-#include "data/statement_text.h"
-
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QVariant>

@@ -3,9 +3,7 @@
 #include "draw/pixels.h"
 
 #include <QFileInfo>
-#include <QIcon>
 #include <QImageReader>
-#include <QPixmap>
 
 namespace draw {
 
@@ -21,12 +19,6 @@ Picture::Picture(PictureType type, const QImage& image) {
 Picture Picture::FromImage(const QImage& image) { return Picture(PictureType::Bitmap, image); }
 
 Picture Picture::IconFromImage(const QImage& image) { return Picture(PictureType::Icon, image); }
-
-Picture Picture::FromIcon(const QIcon& icon, int size) {
-    if (icon.isNull() || !IsDrawableSize(QSize(size, size)))
-        return Picture();
-    return IconFromImage(icon.pixmap(QSize(size, size)).toImage());
-}
 
 Picture LoadPicture(const QString& fileName) {
     QImageReader reader(fileName);

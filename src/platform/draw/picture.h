@@ -5,8 +5,6 @@
 #include <QImage>
 #include <QMetaType>
 
-class QIcon;
-
 namespace draw {
 
 enum class PictureType { None = 0, Bitmap = 1, Icon = 3 };
@@ -18,8 +16,6 @@ class Picture {
     // None if the image is null or larger than a surface may be.
     static Picture FromImage(const QImage& image);
     static Picture IconFromImage(const QImage& image);
-    // The icon drawn at `size` by `size` pixels.
-    static Picture FromIcon(const QIcon& icon, int size);
 
     PictureType Type() const { return type_; }
     bool IsEmpty() const { return type_ == PictureType::None; }

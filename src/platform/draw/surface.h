@@ -182,8 +182,6 @@ class Surface {
     // The same with corners of an ellipse of `width` by `height`.
     void RoundRect(int left, int top, int right, int bottom, int width, int height);
     void FillRgn(const Region& region, const Brush& brush);
-    // Every second pixel of the frame inverted.
-    void DrawFocusRect(const QRect& rect);
     // `rect` is shrunk to what is left inside with BF_ADJUST.
     void DrawEdge(QRect& rect, unsigned edge, unsigned flags);
 
@@ -203,8 +201,6 @@ class Surface {
     // `alpha` 0 to 255 for the whole. False when the source rectangle is not wholly inside its surface.
     bool AlphaBlend(int x, int y, int width, int height, const Surface& source, int sourceX, int sourceY,
                     int sourceWidth, int sourceHeight, int alpha);
-    // The source rectangle into the parallelogram of upper left, upper right and lower left point.
-    bool PlgBlt(const QPoint (&points)[3], const Surface& source, int sourceX, int sourceY, int width, int height);
 
     // Pictures, with the transparency they bring. Natural size, or stretched smoothly to the given size.
     void DrawPicture(const Picture& picture, int x, int y);

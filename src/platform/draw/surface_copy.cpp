@@ -2,8 +2,6 @@
 #include "draw/surface.h"
 
 #include <QPainter>
-#include <QPolygonF>
-#include <QTransform>
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -129,33 +127,6 @@ bool Surface::AlphaBlend(int x, int y, int width, int height, const Surface& sou
         for (int row = part.top(); row <= part.bottom(); ++row)
             BlendRow(Row(row) + part.left(), SourceRow(from, row - y + sourceY) + part.left() - x + sourceX,
                      part.width(), constantAlpha);
-    });
-    return true;
-}
-
-bool Surface::PlgBlt(const QPoint (&points)[3], const Surface& source, int sourceX, int sourceY, int width,
-                     int height) {
-    const QRect wanted(sourceX, sourceY, width, height);
-    if (!IsDrawable() || !source.IsDrawable() || !source.image_.rect().contains(wanted))
-        return false;
-    const QPoint across = points[1] - points[0];
-    const QPoint down = points[2] - points[0];
-    const QTransform toTarget(double(across.x()) / width, double(across.y()) / width, double(down.x()) / height,
-                              double(down.y()) / height, points[0].x(), points[0].y());
-    bool invertible = false;
-    const QTransform toSource = toTarget.inverted(&invertible);
-    if (!invertible)
-        return true; // seen edge on: nothing of it shows
-    const QImage from = source.image_;
-    Detach();
-    const QRect bounds = toTarget.mapRect(QRectF(0, 0, width, height)).toAlignedRect();
-    ForEachClipped(bounds, [&](const QRect& part) {
-        for (int y = part.top(); y <= part.bottom(); ++y)
-            for (int x = part.left(); x <= part.right(); ++x) {
-                const QPointF at = toSource.map(QPointF(x + 0.5, y + 0.5));
-                if (at.x() >= 0 && at.y() >= 0 && at.x() < width && at.y() < height)
-                    Row(y)[x] = SourceRow(from, sourceY + int(at.y()))[sourceX + int(at.x())];
-            }
     });
     return true;
 }

@@ -39,26 +39,6 @@ void Surface::RoundRect(int left, int top, int right, int bottom, int width, int
         FillRgn(Region(whole - inside), Brush(pen_.colour));
 }
 
-void Surface::DrawFocusRect(const QRect& rect) {
-    if (rect.isEmpty())
-        return;
-    Detach();
-    const auto invert = [this](const QRect& line) {
-        ForEachClipped(line, [this](const QRect& part) {
-            for (int y = part.top(); y <= part.bottom(); ++y)
-                for (int x = part.left(); x <= part.right(); ++x)
-                    if (((x + y) & 1) == 0)
-                        Row(y)[x] ^= 0x00FFFFFFU;
-        });
-    };
-    invert(QRect(rect.left(), rect.top(), rect.width(), 1));
-    if (rect.height() > 1)
-        invert(QRect(rect.left(), rect.bottom(), rect.width(), 1));
-    invert(QRect(rect.left(), rect.top() + 1, 1, rect.height() - 2));
-    if (rect.width() > 1)
-        invert(QRect(rect.right(), rect.top() + 1, 1, rect.height() - 2));
-}
-
 namespace {
 
 struct EdgeColours {

@@ -1,7 +1,6 @@
 // Breaks a text into the lines that DrawTextW draws, measures them and finds the character to underline. No state.
 #pragma once
 
-#include <QSize>
 #include <QString>
 #include <QVector>
 

@@ -10,7 +10,6 @@
 #include <memory>
 #include <net/if.h>
 #include <netinet/in.h>
-#include <optional>
 #include <variant>
 
 namespace net {

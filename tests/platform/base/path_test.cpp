@@ -1,6 +1,5 @@
 #include "base/paths.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>

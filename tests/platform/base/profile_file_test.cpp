@@ -1,6 +1,5 @@
 #include "base/paths.h"
 #include "base/profile_file.h"
-#include "values/program_values.h"
 #include "values/settings.h"
 
 #include <QDir>

@@ -7,7 +7,6 @@
 #include "data/recordset.h"
 #include "data/replace_file.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gmock/gmock.h>
 
