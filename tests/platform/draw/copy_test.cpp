@@ -1,8 +1,6 @@
 #include "surface_art.h"
 
 #include <QFile>
-#include <QIcon>
-#include <QPixmap>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -92,22 +90,6 @@ TEST(Copy, AlphaBlendRoundsToNearestAndRefusesASourceThatIsNotThere) {
     EXPECT_FALSE(target.AlphaBlend(0, 0, 1, 1, source, -1, 0, 1, 1, 255));
 }
 
-TEST(Copy, AParallelogramTakesAPictureNarrowedOrMirrored) {
-    const draw::Surface source = Stairs(4);
-    draw::Surface target(4, 4);
-    ASSERT_TRUE(target.PlgBlt({{0, 0}, {4, 0}, {0, 4}}, source, 0, 0, 4, 4));
-    EXPECT_EQ(Art(target), Art(source));
-    target.Cls(black);
-    ASSERT_TRUE(target.PlgBlt({{4, 0}, {0, 0}, {4, 4}}, source, 0, 0, 4, 4));
-    EXPECT_EQ(Art(target), "...X\n..XX\n.XXX\nXXXX\n");
-    target.Cls(black);
-    ASSERT_TRUE(target.PlgBlt({{1, 0}, {3, 0}, {1, 4}}, source, 0, 0, 4, 4));
-    EXPECT_EQ(Art(target).substr(10), ".X..\n.XX.\n");
-    target.Cls(black);
-    EXPECT_TRUE(target.PlgBlt({{2, 0}, {2, 0}, {2, 4}}, source, 0, 0, 4, 4)) << "edge on";
-    EXPECT_FALSE(target.PlgBlt({{0, 0}, {4, 0}, {0, 4}}, source, 1, 0, 4, 4));
-}
-
 TEST(Copy, PicturesTileFromTheRectanglesCorner) {
     draw::Surface surface(6, 4);
     surface.TilePicture(Stairs(2).ToPicture(), draw::RectOf(1, 1, 6, 4));
@@ -144,11 +126,7 @@ TEST(Copy, LoadPictureGivesNoneForWhatIsNoPicture) {
     EXPECT_TRUE(draw::LoadPicture(folder.path()).IsEmpty());
     EXPECT_TRUE(draw::LoadPicture(folder.filePath(QStringLiteral("missing.bmp"))).IsEmpty());
     EXPECT_EQ(Art(draw::Surface(draw::LoadPicture(bitmap))), Art(Stairs(3)));
-    EXPECT_TRUE(draw::Picture::FromIcon(QIcon(), 16).IsEmpty());
     EXPECT_TRUE(draw::Picture::FromImage(QImage()).IsEmpty());
-    const draw::Picture fromIcon = draw::Picture::FromIcon(QIcon(QPixmap::fromImage(Stairs(32).Image())), 16);
-    EXPECT_EQ(fromIcon.Width(), 16);
-    EXPECT_EQ(fromIcon.Type(), draw::PictureType::Icon);
 }
 
 // A picture handed out keeps its pixels while its surface is drawn on.

@@ -115,7 +115,6 @@ TEST(Shapes, SizesThatCannotBeHadIgnoreAllDrawing) {
         surface.Line(0, 0, 5, 5, white);
         surface.FillRect(rect, white);
         surface.RoundRect(0, 0, 5, 5, 2, 2);
-        surface.DrawFocusRect(rect);
         surface.DrawEdge(rect, draw::EDGE_RAISED, draw::BF_RECT);
         surface.DrawTextW(QStringLiteral("text"), std::as_const(rect), draw::DT_CENTER);
         surface.TextOutW(0, 0, QStringLiteral("text"));
