@@ -18,6 +18,7 @@
 #include "suite/h_scroll.h"
 
 #include <QRect>
+#include <array>
 #include <span>
 
 namespace appearance {
@@ -74,7 +75,7 @@ void FrmColors::CreateControls() {
     titleBar_->InitProperties();
     titleBar_->SetBackColor(transparentColour);
     titleBar_->SetBackColorCover(2000);
-    titleBar_->SetStyle(13);
+    titleBar_->SetStyle(controls::titel_bar::SlantedStyle);
     Place(titleBar_, {0, 0, 475, 32});
     CreateGroups();
     CreatePresets();

@@ -5,8 +5,8 @@
 #include "base/yield.h"
 #include "controls/accessible.h"
 
-#include <QApplication>
 #include <QCursor>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>

@@ -8,7 +8,6 @@
 #include <QRandomGenerator>
 #include <QtEndian>
 #include <algorithm>
-#include <cstring>
 
 namespace controls {
 namespace {

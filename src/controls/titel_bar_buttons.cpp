@@ -10,6 +10,7 @@
 #include "forms/screen.h"
 
 #include <QPainter>
+#include <array>
 #include <cmath>
 #include <numbers>
 

@@ -10,6 +10,7 @@
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QToolTip>
+#include <array>
 
 namespace controls {
 

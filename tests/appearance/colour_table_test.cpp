@@ -5,7 +5,6 @@
 #include "suite/combo_box.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <set>
 #include <sys/stat.h>
 

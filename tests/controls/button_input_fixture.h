@@ -3,7 +3,7 @@
 
 #include "controls/dc_button.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QTest>
 #include <gmock/gmock.h>

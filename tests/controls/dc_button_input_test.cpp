@@ -2,9 +2,6 @@
 #include "base/yield.h"
 #include "button_input_fixture.h"
 
-#include <QCursor>
-#include <QTimer>
-
 namespace controls {
 namespace {
 

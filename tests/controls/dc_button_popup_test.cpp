@@ -1,6 +1,7 @@
 // The button that opens a popup: what takes the place of its click events, and where the popup stands.
 #include "button_input_fixture.h"
 
+#include <QCursor>
 #include <QMenu>
 #include <QTimer>
 

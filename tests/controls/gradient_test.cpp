@@ -2,7 +2,6 @@
 
 #include "draw/system_colours.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 
