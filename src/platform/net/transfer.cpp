@@ -87,7 +87,7 @@ void Transfer::SetOptions(const QByteArray& url) {
 }
 
 QByteArray Transfer::Take(qsizetype count) {
-    const QByteArray taken = buffer_.mid(readPosition_, std::min(count, Unread()));
+    QByteArray taken = buffer_.mid(readPosition_, std::min(count, Unread()));
     readPosition_ += taken.size();
     if (Unread() == 0) {
         // Keeps what was reserved, so a steady transfer allocates nothing.

@@ -51,9 +51,9 @@ State& TheState() {
     return state;
 }
 
-HInternet Open(Entry entry) {
+HInternet Open(const Entry& entry) {
     State& state = TheState();
-    state.entries.insert(++state.last, std::move(entry));
+    state.entries.insert(++state.last, entry);
     return state.last;
 }
 
