@@ -112,7 +112,7 @@ class FrmImproveTest : public testing::Test {
     }
 
     // Runs once, inside the work, when `ready` holds.
-    static void When(FrmImprove* window, std::function<bool()> ready, std::function<void()> act) {
+    static void When(FrmImprove* window, const std::function<bool()>& ready, const std::function<void()>& act) {
         auto* timer = new QTimer(window);
         QObject::connect(timer, &QTimer::timeout, timer, [=] {
             if (!ready())

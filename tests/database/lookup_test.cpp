@@ -88,7 +88,7 @@ class LookupTest : public StoreFixture {
     }
 
     // Runs once, as soon as the window's search has begun: inside one of its yields.
-    void DuringSearch(FrmLookup* window, std::function<void()> act) {
+    void DuringSearch(FrmLookup* window, const std::function<void()>& act) {
         auto* timer = new QTimer(window);
         QObject::connect(timer, &QTimer::timeout, timer, [=] {
             if (window->LabelStatus->Caption() != "Status: Searching..." || window->LabelListViewHardware->Visible())
