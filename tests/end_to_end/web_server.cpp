@@ -37,14 +37,15 @@ sockaddr_in Loopback(int port) {
     return address;
 }
 
+// 0 if there is none.
 int FreePort() {
     const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = Loopback(0);
-    bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     socklen_t length = sizeof address;
-    getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length);
+    const bool bound = bind(probe, reinterpret_cast<const sockaddr*>(&address), length) == 0 &&
+                       getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length) == 0;
     close(probe);
-    return ntohs(address.sin_port);
+    return bound ? ntohs(address.sin_port) : 0;
 }
 
 int Connect(int port) {
