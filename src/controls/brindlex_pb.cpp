@@ -15,14 +15,6 @@
 namespace controls {
 namespace {
 
-struct ScaleStep {
-    double upToDotsPerInch;
-    double scale;
-};
-
-constexpr ScaleStep scaleSteps[] = {{96, 1.0}, {120, 1.25}, {144, 1.5}, {192, 2.0}, {216, 2.25}, {240, 2.5}};
-constexpr double largestScale = 3.0;
-
 draw::Picture Recoloured(const draw::Picture& picture, double lightness, double saturation) {
     pcDibSection bitmap;
     if (!bitmap.CreateFromPicture(picture))
@@ -35,15 +27,8 @@ draw::Picture Recoloured(const draw::Picture& picture, double lightness, double 
 
 } // namespace
 
-double DpiScaleOf(double dotsPerInch) {
-    for (const ScaleStep& step : scaleSteps)
-        if (dotsPerInch <= step.upToDotsPerInch)
-            return step.scale;
-    return largestScale;
-}
-
 BrindlexPB::BrindlexPB(QWidget* container, const QString& name)
-    : DrawnControl(container, name), dpiScale_(DpiScaleOf(forms::DotsPerInch())) {
+    : DrawnControl(container, name), dpiScale_(forms::ScaleForDotsPerInch(forms::DotsPerInch())) {
     setFocusPolicy(Qt::NoFocus);
     InstallAccessibility();
 }
@@ -148,8 +133,8 @@ void BrindlexPB::UpdateBlendImages(const BlendKey& key) {
     if (key == blendKey_)
         return;
     blendKey_ = key;
-    backBlend_ = TwoGradients(key.size, key.parentColor, key.backColor, key.parentColor).ToPicture();
-    barBlend_ = TwoGradients(key.size, key.parentColor, key.barColor, key.parentColor).ToPicture();
+    backBlend_ = BlendFace(key.size, key.parentColor, key.backColor, key.parentColor).ToPicture();
+    barBlend_ = BlendFace(key.size, key.parentColor, key.barColor, key.parentColor).ToPicture();
 }
 
 ProgressPaint BrindlexPB::PaintState() {

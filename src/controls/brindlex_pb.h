@@ -14,9 +14,6 @@
 
 namespace controls {
 
-// The factor by which sizes grow with the screen's dots per inch, in the steps 1, 1.25, 1.5, 2, 2.25, 2.5 and 3.
-double DpiScaleOf(double dotsPerInch);
-
 class BrindlexPB : public forms::DrawnControl {
     Q_OBJECT
     Q_PROPERTY(draw::Picture Picture READ Picture WRITE SetPicture)

@@ -217,7 +217,7 @@ qint32 clsGradient::DrawGradientLines(draw::Surface& context, qint32 width, qint
     return qint32(2 * lines);
 }
 
-draw::Surface TwoGradients(QSize size, base::Colour top, base::Colour middle, base::Colour bottom) {
+draw::Surface BlendFace(QSize size, base::Colour top, base::Colour middle, base::Colour bottom) {
     draw::Surface whole(size);
     const int half = size.height() / 2;
     clsGradient gradient;

@@ -40,6 +40,6 @@ class clsGradient {
 };
 
 // A surface that runs from `middle` at half height to `top` at the upper and `bottom` at the lower edge. Plain colours.
-draw::Surface TwoGradients(QSize size, base::Colour top, base::Colour middle, base::Colour bottom);
+draw::Surface BlendFace(QSize size, base::Colour top, base::Colour middle, base::Colour bottom);
 
 } // namespace controls

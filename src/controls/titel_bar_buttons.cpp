@@ -99,9 +99,8 @@ QSize TitelBar::ButtonSize() const {
 }
 
 draw::Picture TitelBar::ComposeFace(Face face, base::Colour middle, base::Colour glyph) const {
-    draw::Surface prepare =
-        TwoGradients(ButtonSize(), draw::OleTranslateColor(state_.backColorV2Begin), draw::OleTranslateColor(middle),
-                     draw::OleTranslateColor(state_.backColorV2End));
+    draw::Surface prepare = BlendFace(ButtonSize(), draw::OleTranslateColor(state_.backColorV2Begin),
+                                      draw::OleTranslateColor(middle), draw::OleTranslateColor(state_.backColorV2End));
     const base::Colour colour = draw::OleTranslateColor(glyph);
     switch (face) {
     case Face::Question:

@@ -123,13 +123,6 @@ TEST_F(ProgressBar, ATallBarsFirstGapLiesAtTheBottomEdgeItself) {
 }
 
 TEST(ProgressSegments, FollowTheScreensScale) {
-    EXPECT_EQ(controls::DpiScaleOf(96), 1.0);
-    EXPECT_EQ(controls::DpiScaleOf(97), 1.25);
-    EXPECT_EQ(controls::DpiScaleOf(144), 1.5);
-    EXPECT_EQ(controls::DpiScaleOf(192), 2.0);
-    EXPECT_EQ(controls::DpiScaleOf(216), 2.25);
-    EXPECT_EQ(controls::DpiScaleOf(240), 2.5);
-    EXPECT_EQ(controls::DpiScaleOf(241), 3.0);
     EXPECT_EQ(controls::SegmentSizeFor(150, 1.5).chunk, 12);
     EXPECT_EQ(controls::SegmentSizeFor(150, 1.5).gap, 3);
     EXPECT_EQ(controls::SegmentSizeFor(80, 0).chunk, 8);

@@ -1,15 +1,6 @@
 #include "window/icon_resource.h"
-#include "window/measure_dpi.h"
 
 #include <gtest/gtest.h>
-
-TEST(MeasureDpi, StepsOfTheScale) {
-    const std::pair<int, float> steps[] = {{72, 1.0F},  {96, 1.0F},  {97, 1.25F}, {120, 1.25F}, {121, 1.5F},
-                                           {144, 1.5F}, {145, 2.0F}, {192, 2.0F}, {193, 2.25F}, {216, 2.25F},
-                                           {217, 2.5F}, {240, 2.5F}, {241, 3.0F}, {600, 3.0F}};
-    for (const auto& [dotsPerInch, scale] : steps)
-        EXPECT_EQ(window::ScaleForDotsPerInch(dotsPerInch), scale) << dotsPerInch;
-}
 
 TEST(IconResource, ChoosesBySizeAndThenByDepth) {
     const QVector<window::IconEntry> group = {{16, 16, 8, 0}, {16, 16, 32, 1}, {32, 32, 32, 2}, {48, 48, 32, 3}};

@@ -11,6 +11,14 @@ namespace forms {
 
 namespace {
 
+struct ScaleStep {
+    double upTo; // dots per inch
+    double scale;
+};
+
+constexpr ScaleStep scaleSteps[] = {{96, 1.0}, {120, 1.25}, {144, 1.5}, {192, 2.0}, {216, 2.25}, {240, 2.5}};
+constexpr double largestScale = 3.0;
+
 double& GivenDotsPerInch() {
     static double given = 0;
     return given;
@@ -37,6 +45,13 @@ double TwipsPerPixel() { return twipsPerInch / DotsPerInch(); }
 int ToPixels(double twips) { return base::RoundToInt(twips / TwipsPerPixel()); }
 
 double ToTwips(int pixels) { return pixels * TwipsPerPixel(); }
+
+double ScaleForDotsPerInch(double dotsPerInch) {
+    for (const ScaleStep& step : scaleSteps)
+        if (dotsPerInch <= step.upTo)
+            return step.scale;
+    return largestScale;
+}
 
 int Scaled(double pixels) { return std::max(1, int(std::lround(pixels * DotsPerInch() / standardDotsPerInch))); }
 

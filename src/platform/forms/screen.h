@@ -20,6 +20,9 @@ double TwipsPerPixel();
 int ToPixels(double twips);
 double ToTwips(int pixels);
 
+// The factor for sizes of icons, bars and shadows: 1.0 up to 96 dots per inch, 3.0 above 240, five steps between them.
+double ScaleForDotsPerInch(double dotsPerInch);
+
 // A length given in pixels at 96 dots per inch, in pixels of this display; at least 1.
 int Scaled(double pixels);
 

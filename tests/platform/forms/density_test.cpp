@@ -43,4 +43,12 @@ TEST(Density, EverythingIsMeasuredWithWhatWasSet) {
     EXPECT_EQ(forms::ToPixels(1440), 96);
 }
 
+TEST(Screen, StepsOfTheScale) {
+    const std::pair<int, double> steps[] = {{72, 1.0},  {96, 1.0},  {97, 1.25}, {120, 1.25}, {121, 1.5},
+                                            {144, 1.5}, {145, 2.0}, {192, 2.0}, {193, 2.25}, {216, 2.25},
+                                            {217, 2.5}, {240, 2.5}, {241, 3.0}, {600, 3.0}};
+    for (const auto& [dotsPerInch, scale] : steps)
+        EXPECT_EQ(forms::ScaleForDotsPerInch(dotsPerInch), scale) << dotsPerInch;
+}
+
 } // namespace
