@@ -5,6 +5,7 @@
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
+#include "draw/text_layout.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -25,7 +26,7 @@ class ButtonAccessible : public QAccessibleWidget {
 
     QString text(QAccessible::Text which) const override {
         if (which == QAccessible::Name && Button()->accessibleName().isEmpty())
-            return AccessibleText(Button()->Caption());
+            return draw::WithoutMarks(Button()->Caption());
         if (which == QAccessible::Accelerator) {
             const QChar key = FindAccessKey(Button()->Caption());
             return key.isNull() ? QString() : QStringLiteral("Alt+") + key.toUpper();
@@ -152,17 +153,6 @@ void InstallAccessibility() {
         QAccessible::installFactory(MakeInterface);
         return true;
     }();
-}
-
-QString AccessibleText(const QString& caption) {
-    QString spoken;
-    spoken.reserve(caption.size());
-    for (qsizetype i = 0; i < caption.size(); ++i) {
-        if (caption.at(i) == u'&' && ++i == caption.size())
-            break;
-        spoken.append(caption.at(i));
-    }
-    return spoken;
 }
 
 void AccessibleNameChanged(QWidget* control) {

@@ -11,9 +11,6 @@ namespace controls {
 // Makes the drawn controls known to the toolkit's accessibility. Cheap to call again.
 void InstallAccessibility();
 
-// A caption as it is spoken: without the marks of access keys, "&&" as one ampersand.
-QString AccessibleText(const QString& caption);
-
 void AccessibleNameChanged(QWidget* control);
 // A progress bar moved.
 void AccessibleValueChanged(QWidget* control, int value);

@@ -5,6 +5,7 @@
 #include "controls/colour_helpers.h"
 #include "draw/region.h"
 #include "draw/system_colours.h"
+#include "draw/text_layout.h"
 #include "forms/desktop.h"
 #include "forms/tool_tip.h"
 
@@ -335,8 +336,8 @@ void dcButton::Draw(draw::Surface& surface) { PaintButton(surface, PaintState())
 bool dcButton::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
         if (!rect().contains(Layout().caption))
-            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), forms::PlainTip(AccessibleText(caption_)),
-                               this);
+            QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                               forms::PlainTip(draw::WithoutMarks(caption_)), this);
         return true;
     }
     return DrawnControl::event(event);

@@ -64,6 +64,8 @@ void WrapWords(const TextLine& paragraph, const QFontMetrics& metrics, int width
 
 } // namespace
 
+QString WithoutMarks(const QString& text) { return WithoutPrefixes(text, 0).text; }
+
 int TextLayout::Width() const {
     int widest = 0;
     for (const TextLine& line : lines)

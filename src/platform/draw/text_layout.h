@@ -26,6 +26,9 @@ struct TextLayout {
     int Width() const;
 };
 
+// The text without its "&" marks: a pair stands for one, and one at the end for nothing.
+QString WithoutMarks(const QString& text);
+
 // `format` as in Surface::DrawTextW; words wrap at `width` pixels with DT_WORDBREAK. A word wider than that keeps its
 // line.
 TextLayout LayOutText(const QString& text, const QFontMetrics& metrics, int width, unsigned format);
