@@ -22,9 +22,9 @@ struct TextTable {
     const char16_t* Insert;
 };
 
-constexpr TextTable deviceNames{u"devicenames", u"devicename", u"INSERT INTO devicenames (devicename) VALUES(?)"};
-constexpr TextTable manufacturers{u"mfgs", u"mfg", u"INSERT INTO mfgs (mfg) VALUES(?)"};
-constexpr TextTable hardwareIds{u"hwids", u"hwid", u"INSERT INTO hwids (hwid,info) VALUES(?,?)"};
+constexpr TextTable deviceNames{u"devicenames", u"devicename", InsertDeviceName};
+constexpr TextTable manufacturers{u"mfgs", u"mfg", InsertManufacturer};
+constexpr TextTable hardwareIds{u"hwids", u"hwid", InsertHardwareId};
 
 QString Text(const char16_t* text) { return QString::fromUtf16(text); }
 

@@ -86,10 +86,10 @@ void DatabaseBuilder::Fill(const QString& path, const QString& version) const {
     connection->BeginTrans();
     // Rows get their numbers in order, 1 being the first of an empty table.
     for (const QString& name : names_.Texts) {
-        Insert(connection, QStringLiteral("INSERT INTO devicenames (devicename) VALUES(?)"), {name});
+        Insert(connection, QString::fromUtf16(InsertDeviceName), {name});
     }
     for (const QString& manufacturer : manufacturers_.Texts) {
-        Insert(connection, QStringLiteral("INSERT INTO mfgs (mfg) VALUES(?)"), {manufacturer});
+        Insert(connection, QString::fromUtf16(InsertManufacturer), {manufacturer});
     }
     // In the order of the index, which then grows at its end.
     std::vector<size_t> order(rows_.size());
@@ -102,7 +102,7 @@ void DatabaseBuilder::Fill(const QString& path, const QString& version) const {
         for (const auto& [name, manufacturer] : rows_[at].Entries) {
             info += QString::number(name) + QLatin1Char(',') + QString::number(manufacturer) + QStringLiteral("\r\n");
         }
-        Insert(connection, QStringLiteral("INSERT INTO hwids (hwid,info) VALUES(?,?)"), {rows_[at].Text, info});
+        Insert(connection, QString::fromUtf16(InsertHardwareId), {rows_[at].Text, info});
     }
     Insert(connection, QStringLiteral("INSERT INTO version (dbversion) VALUES(?)"), {version});
     connection->CommitTrans();

@@ -9,6 +9,11 @@ namespace database {
 inline constexpr qsizetype NameSize = 100;
 inline constexpr qsizetype HardwareIdSize = 125;
 
+// The statements that add a row; the parameters are the columns in order.
+inline constexpr char16_t InsertDeviceName[] = u"INSERT INTO devicenames (devicename) VALUES(?)";
+inline constexpr char16_t InsertManufacturer[] = u"INSERT INTO mfgs (mfg) VALUES(?)";
+inline constexpr char16_t InsertHardwareId[] = u"INSERT INTO hwids (hwid,info) VALUES(?,?)";
+
 // The CREATE statements of an empty database.
 QStringList SchemaStatements();
 

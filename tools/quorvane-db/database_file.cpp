@@ -22,8 +22,7 @@ data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
     data::Error failure;
     const bool opened = data::Ran(
         [&] {
-            connection->SetConnectionString(QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") +
-                                            QFileInfo(path).absoluteFilePath() + QStringLiteral(";"));
+            connection->SetConnectionString(data::ConnectionStringFor(QFileInfo(path).absoluteFilePath()));
             connection->Open();
         },
         &failure);
