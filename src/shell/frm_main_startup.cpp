@@ -12,12 +12,6 @@
 
 namespace shell {
 
-namespace {
-
-constexpr int bouncyStyle = 4;
-
-} // namespace
-
 void FrmMain::SetMainButtonsEnabled(bool enabled) {
     CommandGetHardware->SetEnabled(enabled);
     CommandImproveHardware->SetEnabled(enabled);
@@ -26,7 +20,7 @@ void FrmMain::SetMainButtonsEnabled(bool enabled) {
 
 void FrmMain::BeginProgress() {
     PanelProgress->SetVisible(true);
-    DB1->SetStyle(bouncyStyle);
+    DB1->SetStyle(controls::AnimationBar::Bouncy);
     DB1->BeginDisplay();
 }
 

@@ -27,8 +27,8 @@
 #include "values/format_byte_size.h"
 #include "values/program_values.h"
 #include "values/settings.h"
+#include "window/design.h"
 #include "window/form_icon.h"
-#include "window/icon_resource.h"
 #include "window/placement.h"
 
 #include <algorithm>
@@ -140,10 +140,7 @@ void FrmUpdate::Load() {
     SetAutoRedraw(true);
     SetScaleMode(pixelScale);
     appearance::ApplyColorsToForm(this);
-    const int size = window::TitleIconSize();
-    TitelBar1->SetPicture(window::LoadIconFromRes(QStringLiteral("AAA"), size, size, 0, false));
-    TitelBar1->SetCaption(Caption());
-    TitelBar1->SetWidth(Width());
+    window::SetUpTitle(*this, *TitelBar1);
     CheckForUpdates->SetValue(values::Program().CheckForUpdatesAtStart ? 1 : 0);
     // Also what a cancelled or failed download left; the next one starts from byte 0.
     values::DeleteFileNow(ArchivePath());

@@ -16,6 +16,7 @@
 #include "inventory/frm_menu.h"
 #include "shell/frm_main.h"
 #include "suite/list_view.h"
+#include "support/usb_device.h"
 #include "updating/frm_update.h"
 #include "values/program_values.h"
 
@@ -47,10 +48,7 @@ class WindowsFixture : public testing::Test {
 
     // A USB device without functions, to be listed under its product's name.
     static QByteArray UsbDevice(int port, const char* product, const char* manufacturer) {
-        return "/devices/pci0000:00/0000:00:14.0/usb1/1-" + QByteArray::number(port) +
-               " @ bus/usb\n  idVendor = 1234\n  idProduct = 000" + QByteArray::number(port) +
-               "\n  bDeviceClass = 09\n  product = " + product + "\n  manufacturer = " + manufacturer +
-               "\n  driver -> /bus/usb/drivers/usb\n";
+        return support::UsbDevice(port, "000" + QByteArray::number(port), product, manufacturer);
     }
 
     // Version 2.3.4; knows the device of port 1.
