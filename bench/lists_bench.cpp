@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kRows = 10000;
+constexpr int rows = 10000;
 
 // Texts as devices have them, in no order.
 QString TextOf(int row, int column) {
@@ -36,7 +36,7 @@ QString TextOf(int row, int column) {
 }
 
 void Fill(suite::ListItems& items) {
-    for (int row = 0; row < kRows; ++row) {
+    for (int row = 0; row < rows; ++row) {
         suite::ListItem* item = items.Add(TextOf(row, 0));
         for (int column = 1; column < 6; ++column)
             item->SetSubItems(column, TextOf(row, column));
@@ -99,7 +99,7 @@ void FillHidden(benchmark::State& state) {
         window.list->SetVisible(true);
         QApplication::processEvents();
     }
-    state.SetItemsProcessed(state.iterations() * kRows);
+    state.SetItemsProcessed(state.iterations() * rows);
 }
 BENCHMARK(FillHidden)->Unit(benchmark::kMillisecond);
 
@@ -108,7 +108,7 @@ void AutoSize(benchmark::State& state) {
     Fill(window.list->ListItems());
     for (auto step : state) {
         for (int column = 0; column < 6; ++column)
-            window.list->SetColumnWidthPixels(column, suite::kAutoSizeUseHeader);
+            window.list->SetColumnWidthPixels(column, suite::autoSizeUseHeader);
     }
 }
 BENCHMARK(AutoSize)->Unit(benchmark::kMillisecond);

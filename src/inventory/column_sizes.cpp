@@ -12,7 +12,7 @@ namespace inventory {
 
 namespace {
 
-constexpr double kCaptionRoom = 600; // twips beside a caption: margins and the sort arrow
+constexpr double captionRoom = 600; // twips beside a caption: margins and the sort arrow
 
 // In the font of the main window, whatever window the list stands on; a list without any measures by itself.
 double CaptionWidth(const suite::ListView& list, const QString& caption) {
@@ -28,11 +28,11 @@ void AutoSizeColumns(suite::ListView& list) {
     suite::ListItems& items = list.ListItems();
     const double iconTwips = list.IconSize() * forms::TwipsPerPixel();
     for (int column = 1; column <= items.ColumnCount(); ++column) {
-        list.SetColumnWidthPixels(column - 1, suite::kAutoSizeUseHeader);
+        list.SetColumnWidthPixels(column - 1, suite::autoSizeUseHeader);
         base::Yield();
         if (column == 1)
             items.SetColumnWidth(column, items.Column(column).Width + iconTwips);
-        const double least = CaptionWidth(list, items.Column(column).Caption) + kCaptionRoom;
+        const double least = CaptionWidth(list, items.Column(column).Caption) + captionRoom;
         if (items.Column(column).Width < least)
             items.SetColumnWidth(column, least);
         base::Yield();
@@ -42,7 +42,7 @@ void AutoSizeColumns(suite::ListView& list) {
 
 void AutoSizeColumnsButLast(suite::ListView& list) {
     for (int column = 0; column < list.ListItems().ColumnCount() - 1; ++column) {
-        list.SetColumnWidthPixels(column, suite::kAutoSizeUseHeader);
+        list.SetColumnWidthPixels(column, suite::autoSizeUseHeader);
         base::Yield();
     }
     list.Refresh();

@@ -11,8 +11,8 @@ namespace suite {
 
 namespace {
 
-constexpr double kBox = 14; // side of the box, pixels at 96 dots per inch
-constexpr double kGap = 6;
+constexpr double boxSide = 14; // pixels at 96 dots per inch
+constexpr double gap = 6;
 
 // The toolkit's check box for keys, mnemonics and screen readers, with a face of our own.
 class CheckFace : public QCheckBox {
@@ -26,7 +26,7 @@ class CheckFace : public QCheckBox {
         QPainter painter(this);
         const QColor back = palette().color(QPalette::Window), fore = palette().color(QPalette::WindowText);
         painter.fillRect(rect(), back);
-        const int side = Scaled(kBox);
+        const int side = Scaled(boxSide);
         const QRect box(Scaled(1), (height() - side) / 2, side, side);
         DrawBox(painter, box, back, fore);
         const QRect room = CaptionRect();
@@ -41,7 +41,7 @@ class CheckFace : public QCheckBox {
     }
 
   private:
-    QRect CaptionRect() const { return rect().adjusted(Scaled(kBox + kGap + 1), 0, -Scaled(2), 0); }
+    QRect CaptionRect() const { return rect().adjusted(Scaled(boxSide + gap + 1), 0, -Scaled(2), 0); }
 
     void DrawBox(QPainter& painter, const QRect& box, const QColor& back, const QColor& fore) const {
         painter.setRenderHint(QPainter::Antialiasing);
@@ -89,7 +89,7 @@ void CheckBox::SetCaption(const QString& caption) {
 
 QString CheckBox::ShownText() const { return ShownCaption(caption_); }
 
-int CheckBox::TextRoom() const { return width() - Scaled(kBox + kGap + 1) - Scaled(2); }
+int CheckBox::TextRoom() const { return width() - Scaled(boxSide + gap + 1) - Scaled(2); }
 
 int CheckBox::Value() const { return box_->isChecked() ? 1 : 0; }
 

@@ -13,9 +13,9 @@ namespace suite {
 
 namespace {
 
-constexpr double kSwatchWidth = 30; // pixels at 96 dots per inch
-constexpr double kSwatchHeight = 16;
-constexpr double kGap = 7;
+constexpr double swatchWidth = 30; // pixels at 96 dots per inch
+constexpr double swatchHeight = 16;
+constexpr double gap = 7;
 
 // A label reads in the colour of the frame it stands in, for a skin colours the ground of pickers and not their text.
 QColor InkOn(const QWidget* picker, const QColor& ground) {
@@ -51,11 +51,11 @@ class PickerFace : public QPushButton {
 
   private:
     QString Label() const { return ShownCaption(picker_->Caption()); }
-    QRect CaptionRect() const { return rect().adjusted(Scaled(kSwatchWidth + kGap + 3), 0, -Scaled(2), 0); }
+    QRect CaptionRect() const { return rect().adjusted(Scaled(swatchWidth + gap + 3), 0, -Scaled(2), 0); }
 
     void DrawSwatch(QPainter& painter, const QColor& back, const QColor& ink) const {
-        const int high = std::min(Scaled(kSwatchHeight), height() - 2 * Scaled(2));
-        const QRectF swatch(Scaled(3), (height() - high) / 2.0, Scaled(kSwatchWidth), high);
+        const int high = std::min(Scaled(swatchHeight), height() - 2 * Scaled(2));
+        const QRectF swatch(Scaled(3), (height() - high) / 2.0, Scaled(swatchWidth), high);
         const QColor colour = ToQColor(picker_->Color());
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(Mix(back, ink, underMouse() || isDown() ? 0.9 : 0.55), Scaled(1)));
@@ -127,7 +127,7 @@ QString ColorPicker::TipText() const {
 
 QString ColorPicker::ShownText() const { return ShownCaption(caption_); }
 
-int ColorPicker::TextRoom() const { return width() - Scaled(kSwatchWidth + kGap + 3) - Scaled(2); }
+int ColorPicker::TextRoom() const { return width() - Scaled(swatchWidth + gap + 3) - Scaled(2); }
 
 void ColorPicker::Pick() {
     // The dialog lets everything else of the program run, and must not open twice for one colour.

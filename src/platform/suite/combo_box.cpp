@@ -11,8 +11,8 @@ namespace suite {
 
 namespace {
 
-constexpr double kMargin = 6; // left of the text, pixels at 96 dots per inch
-constexpr double kArrowRoom = 22;
+constexpr double margin = 6; // left of the text, pixels at 96 dots per inch
+constexpr double arrowRoom = 22;
 
 class ComboFace : public QComboBox {
   public:
@@ -22,7 +22,7 @@ class ComboFace : public QComboBox {
         // Long entries are read whole in the list, however narrow the box is.
         int widest = width();
         for (int i = 0; i < count(); ++i)
-            widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(i)) + Scaled(kArrowRoom + 16));
+            widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(i)) + Scaled(arrowRoom + 16));
         view()->setMinimumWidth(std::min(widest, 3 * width()));
         QComboBox::showPopup();
     }
@@ -39,7 +39,7 @@ class ComboFace : public QComboBox {
         painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), Scaled(2), Scaled(2));
 
         const double arrow = Scaled(8), high = arrow * 0.5;
-        const QPointF centre(width() - Scaled(kArrowRoom) / 2.0, height() / 2.0);
+        const QPointF centre(width() - Scaled(arrowRoom) / 2.0, height() / 2.0);
         QPainterPath path;
         path.moveTo(centre + QPointF(-arrow / 2, -high / 2));
         path.lineTo(centre + QPointF(0, high / 2));
@@ -48,7 +48,7 @@ class ComboFace : public QComboBox {
         painter.setPen(QPen(fore, Scaled(1.5), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPath(path);
 
-        const QRect room = rect().adjusted(Scaled(kMargin), 0, -Scaled(kArrowRoom), 0);
+        const QRect room = rect().adjusted(Scaled(margin), 0, -Scaled(arrowRoom), 0);
         painter.setPen(fore);
         painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(currentText(), Qt::ElideRight, room.width()));
@@ -73,7 +73,7 @@ void ComboBox::ApplyColours() {
 
 QString ComboBox::ShownText() const { return Text(); }
 
-int ComboBox::TextRoom() const { return width() - Scaled(kMargin) - Scaled(kArrowRoom); }
+int ComboBox::TextRoom() const { return width() - Scaled(margin) - Scaled(arrowRoom); }
 
 void ComboBox::AddItem(const QString& text) {
     box_->addItem(text);

@@ -10,7 +10,7 @@
 namespace suite {
 
 namespace {
-constexpr double kCaptionLeft = 10; // pixels at 96 dots per inch
+constexpr double captionLeft = 10; // pixels at 96 dots per inch
 }
 
 GroupBox::GroupBox(QWidget* container, const QString& name, const QString& caption) : Control(container, name) {
@@ -47,7 +47,7 @@ void GroupBox::paintEvent(QPaintEvent*) {
     const QColor back = ToQColor(backColor_), fore = ToQColor(foreColor_);
     painter.fillRect(rect(), back);
     const QString caption =
-        fontMetrics().elidedText(ShownCaption(caption_), Qt::ElideRight, width() - 2 * Scaled(kCaptionLeft));
+        fontMetrics().elidedText(ShownCaption(caption_), Qt::ElideRight, width() - 2 * Scaled(captionLeft));
     const int top = caption.isEmpty() ? 0 : fontMetrics().height() / 2;
 
     painter.setRenderHint(QPainter::Antialiasing);
@@ -58,7 +58,7 @@ void GroupBox::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing, false);
     if (caption.isEmpty())
         return;
-    const QRect text(Scaled(kCaptionLeft), 0, fontMetrics().horizontalAdvance(caption), fontMetrics().height());
+    const QRect text(Scaled(captionLeft), 0, fontMetrics().horizontalAdvance(caption), fontMetrics().height());
     painter.fillRect(text.adjusted(-Scaled(4), 0, Scaled(4), 0), back);
     painter.setPen(isEnabled() ? fore : Mix(fore, back, 0.5));
     painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip, caption);
@@ -67,7 +67,7 @@ void GroupBox::paintEvent(QPaintEvent*) {
 bool GroupBox::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && toolTip().isEmpty()) {
         const QString caption = ShownCaption(caption_);
-        const bool cut = fontMetrics().horizontalAdvance(caption) > width() - 2 * Scaled(kCaptionLeft);
+        const bool cut = fontMetrics().horizontalAdvance(caption) > width() - 2 * Scaled(captionLeft);
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), cut ? caption : QString(), this);
         return true;
     }

@@ -18,7 +18,7 @@ enum class Kind {
 
 enum class Tone { None, Ink, Body, Shade, White, Blue, Sky, Green, Amber, Dark };
 
-constexpr double kField = 16;
+constexpr double field = 16;
 
 // Coordinates are those of a square field of that side; half coordinates put thin lines on whole pixels at 16 and 32.
 struct Shape {
@@ -33,7 +33,7 @@ using enum Kind;
 using G = Glyph;
 using T = Tone;
 
-constexpr std::array kShapes = {
+constexpr std::array shapes = {
     Shape{G::Unknown, Box, T::Body, T::Ink, {2.5F, 1.5F, 11, 13, 1.5F}},
     Shape{G::Unknown, Arc, T::None, T::Blue, {8, 6, 2.2F, 190, -235}},
     Shape{G::Unknown, Line, T::None, T::Blue, {8, 8.6F, 8, 9.6F}},
@@ -352,8 +352,8 @@ QPixmap GlyphPixmap(Glyph glyph, int pixels) {
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(pixels / kField, pixels / kField);
-    for (const Shape& shape : kShapes) {
+    painter.scale(pixels / field, pixels / field);
+    for (const Shape& shape : shapes) {
         if (shape.glyph == glyph)
             DrawShape(painter, shape);
     }

@@ -12,12 +12,12 @@ struct Resource {
     Glyph glyph;
 };
 
-constexpr std::array kModules = {
+constexpr std::array modules = {
     u"setupapi.dll", u"batt.dll", u"fsquirt.exe", u"mmsys.cpl", u"MsPorts.dll",
 };
 
 // By module, counted from 1, then by id. No id stands for two things: the store files icons by their number alone.
-constexpr std::array kResources = {
+constexpr std::array resources = {
     Resource{1, 1, Glyph::Display},
     Resource{1, 2, Glyph::Mouse},
     Resource{1, 3, Glyph::Keyboard},
@@ -59,10 +59,10 @@ constexpr std::array kResources = {
     Resource{5, 23, Glyph::Ports},
 };
 
-constexpr QStringView kSystemFolder = u"C:\\Windows\\System32\\";
+constexpr QStringView systemFolder = u"C:\\Windows\\System32\\";
 
 const Resource* Find(ModuleHandle module, qint32 id) {
-    for (const Resource& resource : kResources) {
+    for (const Resource& resource : resources) {
         if (resource.module == module && resource.id == id)
             return &resource;
     }
@@ -75,16 +75,16 @@ IconHandle HandleOf(const Resource& resource) { return {resource.module, resourc
 
 ModuleHandle LoadLibraryA(const QString& path) {
     QStringView name = path;
-    if (name.startsWith(kSystemFolder, Qt::CaseInsensitive))
-        name = name.mid(kSystemFolder.size());
-    for (size_t i = 0; i < kModules.size(); ++i) {
-        if (name.compare(QStringView(kModules[i]), Qt::CaseInsensitive) == 0)
+    if (name.startsWith(systemFolder, Qt::CaseInsensitive))
+        name = name.mid(systemFolder.size());
+    for (size_t i = 0; i < modules.size(); ++i) {
+        if (name.compare(QStringView(modules[i]), Qt::CaseInsensitive) == 0)
             return ModuleHandle(i) + 1;
     }
     return 0;
 }
 
-bool FreeLibrary(ModuleHandle module) { return module >= 1 && module <= kModules.size(); }
+bool FreeLibrary(ModuleHandle module) { return module >= 1 && module <= modules.size(); }
 
 quint32 ExtractIconExA(const QString& path, qint32 index, IconHandle* large, IconHandle* small, quint32 count) {
     const ModuleHandle module = LoadLibraryA(path);
@@ -123,7 +123,7 @@ IconHandle IconOfModule(ModuleHandle module, qint32 resource) {
 
 std::vector<qint32> IconsOfModule(ModuleHandle module) {
     std::vector<qint32> ids;
-    for (const Resource& resource : kResources) {
+    for (const Resource& resource : resources) {
         if (resource.module == module)
             ids.push_back(resource.id);
     }

@@ -13,8 +13,8 @@ namespace suite {
 
 namespace {
 
-constexpr double kMargin = 6; // left and right of a caption, pixels at 96 dots per inch
-constexpr double kArrow = 7;  // width of the arrow
+constexpr double margin = 6; // left and right of a caption, pixels at 96 dots per inch
+constexpr double arrow = 7;  // width of the arrow
 
 void DrawArrow(QPainter& painter, const QRectF& area, bool down, const QColor& ink) {
     QPainterPath path;
@@ -61,7 +61,7 @@ QString ListHeader::Caption(int column) const {
 }
 
 int ListHeader::CaptionWidth(int column) const {
-    return fontMetrics().horizontalAdvance(Caption(column)) + Scaled(2 * kMargin + kArrow + 4);
+    return fontMetrics().horizontalAdvance(Caption(column)) + Scaled(2 * margin + arrow + 4);
 }
 
 QSize ListHeader::sectionSizeFromContents(int column) const {
@@ -76,12 +76,12 @@ void ListHeader::paintSection(QPainter* painter, const QRect& rect, int column) 
     painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), line);
     painter->fillRect(QRect(rect.right(), rect.top() + Scaled(4), 1, rect.height() - 2 * Scaled(4)), line);
 
-    QRect text = rect.adjusted(Scaled(kMargin), 0, -Scaled(kMargin), -1);
-    if (column == sorted_ && text.width() > Scaled(kArrow)) {
-        const double width = Scaled(kArrow), height = width * 0.57;
+    QRect text = rect.adjusted(Scaled(margin), 0, -Scaled(margin), -1);
+    if (column == sorted_ && text.width() > Scaled(arrow)) {
+        const double width = Scaled(arrow), height = width * 0.57;
         DrawArrow(*painter, QRectF(text.right() + 1 - width, rect.center().y() - height / 2, width, height),
                   descending_, Mix(fore_, back_, 0.15));
-        text.setRight(text.right() - Scaled(kArrow + 4));
+        text.setRight(text.right() - Scaled(arrow + 4));
     }
     painter->setPen(fore_);
     painter->drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
@@ -147,7 +147,7 @@ bool ListHeader::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
         const int column = logicalIndexAt(help->pos());
-        if (column >= 0 && sectionSize(column) < CaptionWidth(column) - Scaled(kArrow + 4))
+        if (column >= 0 && sectionSize(column) < CaptionWidth(column) - Scaled(arrow + 4))
             QToolTip::showText(help->globalPos(), Caption(column), viewport());
         else
             QToolTip::hideText();

@@ -9,7 +9,7 @@ namespace suite {
 namespace {
 
 // A list is made for people to read; more sub-items than this are a mistake of the caller.
-constexpr int kMostSubItems = 255;
+constexpr int mostSubItems = 255;
 
 // Folded text compares as people sort: "É" stands beside "e", not behind "z".
 QString Folded(const QString& text) {
@@ -38,7 +38,7 @@ std::optional<QString> ListItem::SubItems(int index) const {
 
 bool ListItem::SetSubItems(int index, const QString& text) {
     // A list without columns takes any sub-item, so that rows can be made before their columns.
-    const int last = owner_.ColumnCount() > 0 ? owner_.ColumnCount() - 1 : kMostSubItems;
+    const int last = owner_.ColumnCount() > 0 ? owner_.ColumnCount() - 1 : mostSubItems;
     if (index < 1 || index > last)
         return false;
     if (size_t(index) > subItems_.size())

@@ -18,7 +18,7 @@ namespace suite {
 
 namespace {
 
-constexpr double kMargin = 6; // left and right of a cell's text, pixels at 96 dots per inch
+constexpr double margin = 6; // left and right of a cell's text, pixels at 96 dots per inch
 
 // All rows are equally high; painting is the tree's own.
 class RowDelegate : public QStyledItemDelegate {
@@ -55,7 +55,7 @@ ListTree::ListTree(const ListItems& items, ListModel* model, QWidget* parent)
     setModel(model);
 }
 
-int ListTree::CellMargins() { return 2 * Scaled(kMargin); }
+int ListTree::CellMargins() { return 2 * Scaled(margin); }
 
 int ListTree::IconGap() { return Scaled(1); }
 
@@ -77,7 +77,7 @@ void ListTree::ForgetIcons() {
 }
 
 QRect ListTree::TextRect(const QRect& cell, int column) const {
-    QRect text = cell.adjusted(Scaled(kMargin), 0, -Scaled(kMargin), 0);
+    QRect text = cell.adjusted(Scaled(margin), 0, -Scaled(margin), 0);
     if (column == 0 && iconSize_ > 0)
         text.setLeft(text.left() + iconSize_ + IconGap());
     return text;
@@ -93,7 +93,7 @@ void ListTree::DrawIcon(QPainter& painter, const QRect& cell, qint32 id) const {
         cached = icons_.insert(id, icon ? GlyphPixmap(GlyphOf(*icon), iconSize_) : QPixmap());
     }
     if (!cached->isNull())
-        painter.drawPixmap(cell.left() + Scaled(kMargin / 2), cell.top() + (cell.height() - iconSize_) / 2, *cached);
+        painter.drawPixmap(cell.left() + Scaled(margin / 2), cell.top() + (cell.height() - iconSize_) / 2, *cached);
 }
 
 void ListTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {

@@ -19,7 +19,7 @@ namespace suite {
 namespace {
 
 // The longest text is nearly always among the texts with most characters, and measuring is what costs.
-constexpr size_t kMeasuredTexts = 200;
+constexpr size_t measuredTexts = 200;
 
 } // namespace
 
@@ -50,7 +50,7 @@ void ListView::ConnectTree() {
             items_.SetColumnWidth(column + 1, forms::ToTwips(pixels));
     });
     connect(header_, &QHeaderView::sectionHandleDoubleClicked, this, [this](int column) {
-        SetColumnWidthPixels(column, kAutoSize);
+        SetColumnWidthPixels(column, autoSize);
         if (column == 0 && iconSize_ > 0)
             items_.SetColumnWidth(1, items_.Column(1).Width + forms::ToTwips(iconSize_));
     });
@@ -102,10 +102,10 @@ int ListView::ContentWidth(int column) const {
     texts.reserve(size_t(items_.Count()));
     for (int row = 1; row <= items_.Count(); ++row)
         texts.push_back(items_.Item(row)->CellText(column));
-    if (texts.size() > kMeasuredTexts) {
+    if (texts.size() > measuredTexts) {
         const auto longer = [](const QString& a, const QString& b) { return a.size() > b.size(); };
-        std::nth_element(texts.begin(), texts.begin() + kMeasuredTexts, texts.end(), longer);
-        texts.resize(kMeasuredTexts);
+        std::nth_element(texts.begin(), texts.begin() + measuredTexts, texts.end(), longer);
+        texts.resize(measuredTexts);
     }
     const QFontMetrics metrics = tree_->fontMetrics();
     int widest = 0;
@@ -130,8 +130,8 @@ int ListView::RoomForLastColumn() const {
 void ListView::SetColumnWidthPixels(int column, int width) {
     if (column < 0 || column >= items_.ColumnCount())
         return;
-    if (width == kAutoSize || width == kAutoSizeUseHeader) {
-        const bool useHeader = width == kAutoSizeUseHeader;
+    if (width == autoSize || width == autoSizeUseHeader) {
+        const bool useHeader = width == autoSizeUseHeader;
         width = ContentWidth(column);
         if (useHeader)
             width = std::max(width, header_->CaptionWidth(column));

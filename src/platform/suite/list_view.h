@@ -15,8 +15,8 @@ class ListModel;
 class ListTree;
 
 // Widths for ListView::SetColumnWidthPixels that size a column by what it shows (LVM_SETCOLUMNWIDTH).
-constexpr int kAutoSize = -1;
-constexpr int kAutoSizeUseHeader = -2;
+constexpr int autoSize = -1;
+constexpr int autoSizeUseHeader = -2;
 
 class ListView : public HostedControl, private ListObserver {
     Q_OBJECT
@@ -46,7 +46,7 @@ class ListView : public HostedControl, private ListObserver {
     ListItem* SelectedItem() const { return items_.SelectedItem(); }
 
     // Column `column`, counted from 0, gets a width in pixels, or one of the two automatic widths. Those leave out the
-    // icon; kAutoSizeUseHeader also fits the caption and lets the last column fill what is left of the view.
+    // icon; autoSizeUseHeader also fits the caption and lets the last column fill what is left of the view.
     void SetColumnWidthPixels(int column, int width);
 
     void Refresh() override;

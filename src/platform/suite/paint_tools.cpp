@@ -9,7 +9,7 @@ namespace suite {
 
 namespace {
 
-constexpr double kLeastReadable = 3.0;
+constexpr double leastReadable = 3.0;
 
 double Luminance(const QColor& colour) {
     const auto linear = [](double part) {
@@ -35,7 +35,7 @@ double Contrast(const QColor& a, const QColor& b) {
 }
 
 QColor ReadableOn(const QColor& back, const QColor& wanted) {
-    if (Contrast(back, wanted) >= kLeastReadable)
+    if (Contrast(back, wanted) >= leastReadable)
         return wanted;
     return Contrast(back, Qt::black) >= Contrast(back, Qt::white) ? QColor(Qt::black) : QColor(Qt::white);
 }

@@ -9,7 +9,7 @@ namespace suite {
 
 namespace {
 
-constexpr double kMargin = 6; // left and right of the caption, pixels at 96 dots per inch
+constexpr double margin = 6; // left and right of the caption, pixels at 96 dots per inch
 
 class ButtonFace : public QPushButton {
   public:
@@ -29,7 +29,7 @@ class ButtonFace : public QPushButton {
         const double half = Scaled(1) / 2.0;
         painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), Scaled(3), Scaled(3));
         painter.setPen(isEnabled() ? fore : Mix(fore, ground, 0.5));
-        const QRect room = rect().adjusted(Scaled(kMargin), 0, -Scaled(kMargin), 0);
+        const QRect room = rect().adjusted(Scaled(margin), 0, -Scaled(margin), 0);
         painter.drawText(room, Qt::AlignCenter | Qt::TextSingleLine,
                          fontMetrics().elidedText(ShownCaption(text()), Qt::ElideRight, room.width()));
         if (hasFocus())
@@ -57,6 +57,6 @@ void PushButton::SetCaption(const QString& caption) {
 
 QString PushButton::ShownText() const { return ShownCaption(caption_); }
 
-int PushButton::TextRoom() const { return width() - 2 * Scaled(kMargin); }
+int PushButton::TextRoom() const { return width() - 2 * Scaled(margin); }
 
 } // namespace suite

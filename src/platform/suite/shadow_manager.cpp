@@ -12,7 +12,7 @@ namespace suite {
 namespace {
 
 // A shadow as dense as its window would look like a thick frame: the curve's peak is shown at this share.
-constexpr double kDensity = 0.6;
+constexpr double density = 0.6;
 
 void PaintSide(QPainter& painter, const QRectF& area, const QPointF& from, const QPointF& to,
                const QGradientStops& stops) {
@@ -128,13 +128,13 @@ void ShadowManager::Paint(QPainter& painter, const QRect& outer, const QRect& wi
         return;
     const QColor base = ToQColor(colour_);
     QGradientStops stops;
-    constexpr int kSteps = 24;
-    for (int i = 0; i <= kSteps; ++i) {
-        const double position = double(i) / kSteps;
+    constexpr int steps = 24;
+    for (int i = 0; i <= steps; ++i) {
+        const double position = double(i) / steps;
         QColor colour = base;
         // The gradients start under the window's edge, where the curve is at its peak already.
         const double factor = curve_.At(std::max(position, double(curve_.Positions[1])));
-        colour.setAlphaF(float(factor * factor * kDensity * transparency_ / 255.0));
+        colour.setAlphaF(float(factor * factor * density * transparency_ / 255.0));
         stops.append({position, colour});
     }
     const QRectF rect = QRectF(window).translated(offsetX_, offsetY_);

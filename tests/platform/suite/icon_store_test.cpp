@@ -8,15 +8,15 @@ namespace {
 
 using namespace suite;
 
-const QString kSetupApi = QStringLiteral("C:\\Windows\\System32\\setupapi.dll");
+const QString setupApi = QStringLiteral("C:\\Windows\\System32\\setupapi.dll");
 
 TEST(IconModules, AnswerUnderTheSystemFolderWithoutRegardToCase) {
-    const ModuleHandle module = LoadLibraryA(kSetupApi);
+    const ModuleHandle module = LoadLibraryA(setupApi);
     ASSERT_NE(module, 0U);
     EXPECT_EQ(LoadLibraryA(QStringLiteral("c:\\WINDOWS\\system32\\SetupAPI.DLL")), module);
     EXPECT_EQ(LoadLibraryA(QStringLiteral("setupapi.dll")), module);
     // A full path joined to the system folder is no module, nor is one that lies elsewhere.
-    EXPECT_EQ(LoadLibraryA(QStringLiteral("C:\\Windows\\System32\\") + kSetupApi), 0U);
+    EXPECT_EQ(LoadLibraryA(QStringLiteral("C:\\Windows\\System32\\") + setupApi), 0U);
     EXPECT_EQ(LoadLibraryA(QStringLiteral("D:\\setupapi.dll")), 0U);
     EXPECT_EQ(LoadLibraryA(QString()), 0U);
     EXPECT_TRUE(FreeLibrary(module));
@@ -36,18 +36,18 @@ TEST(IconModules, EveryResourceHasAGlyphAndStandsOnce) {
 }
 
 TEST(IconModules, ExtractTakesResourceIdsAndPlaces) {
-    const auto ids = IconsOfModule(LoadLibraryA(kSetupApi));
+    const auto ids = IconsOfModule(LoadLibraryA(setupApi));
     ASSERT_GT(ids.size(), 2U);
     IconHandle large, small;
-    EXPECT_EQ(ExtractIconExA(kSetupApi, -ids[1], &large, &small, 1), 1U);
+    EXPECT_EQ(ExtractIconExA(setupApi, -ids[1], &large, &small, 1), 1U);
     EXPECT_EQ(small, IconOfModule(1, ids[1]));
     EXPECT_EQ(large, small);
-    EXPECT_EQ(ExtractIconExA(kSetupApi, 0, nullptr, &small, 1), 1U);
+    EXPECT_EQ(ExtractIconExA(setupApi, 0, nullptr, &small, 1), 1U);
     EXPECT_EQ(small, IconOfModule(1, ids[0]));
-    EXPECT_EQ(ExtractIconExA(kSetupApi, -1, nullptr, nullptr, 0), ids.size());
-    EXPECT_EQ(ExtractIconExA(kSetupApi, -60000, &large, &small, 1), 0U);
-    EXPECT_EQ(ExtractIconExA(kSetupApi, std::numeric_limits<qint32>::min(), &large, &small, 1), 0U);
-    EXPECT_EQ(ExtractIconExA(kSetupApi, 60000, &large, &small, 1), 0U);
+    EXPECT_EQ(ExtractIconExA(setupApi, -1, nullptr, nullptr, 0), ids.size());
+    EXPECT_EQ(ExtractIconExA(setupApi, -60000, &large, &small, 1), 0U);
+    EXPECT_EQ(ExtractIconExA(setupApi, std::numeric_limits<qint32>::min(), &large, &small, 1), 0U);
+    EXPECT_EQ(ExtractIconExA(setupApi, 60000, &large, &small, 1), 0U);
     EXPECT_EQ(ExtractIconExA(QStringLiteral("C:\\missing.exe"), 0, &large, &small, 1), 0U);
     EXPECT_FALSE(DestroyIcon(IconHandle()));
     EXPECT_TRUE(DestroyIcon(small));
@@ -55,7 +55,7 @@ TEST(IconModules, ExtractTakesResourceIdsAndPlaces) {
 
 TEST(IconStore, KeepsTheLaterIconOfAnId) {
     IconStore store;
-    const ModuleHandle module = LoadLibraryA(kSetupApi);
+    const ModuleHandle module = LoadLibraryA(setupApi);
     const auto ids = IconsOfModule(module);
     EXPECT_TRUE(store.LoadIcon(module, ids[0], 4995));
     const quint64 before = store.Revision();

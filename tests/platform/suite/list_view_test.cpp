@@ -177,29 +177,29 @@ TEST_F(ListViewTest, AutomaticWidthsFitTextsCaptionsAndTheView) {
     Show();
     const auto width = [&](int column) { return list->Header()->sectionSize(column); };
     const QFontMetrics metrics = list->Tree()->fontMetrics();
-    list->SetColumnWidthPixels(1, suite::kAutoSize);
+    list->SetColumnWidthPixels(1, suite::autoSize);
     EXPECT_GE(width(1), metrics.horizontalAdvance(QString(60, QLatin1Char('W'))));
-    list->SetColumnWidthPixels(0, suite::kAutoSize);
+    list->SetColumnWidthPixels(0, suite::autoSize);
     EXPECT_LT(width(0), metrics.horizontalAdvance(QStringLiteral("Name")));
-    list->SetColumnWidthPixels(0, suite::kAutoSizeUseHeader);
+    list->SetColumnWidthPixels(0, suite::autoSizeUseHeader);
     EXPECT_GE(width(0), metrics.horizontalAdvance(QStringLiteral("Name")));
     // The icon is left out of the first column, the last one fills the view.
     const int bare = width(0);
     list->SetIconSize(32);
-    list->SetColumnWidthPixels(0, suite::kAutoSizeUseHeader);
+    list->SetColumnWidthPixels(0, suite::autoSizeUseHeader);
     EXPECT_EQ(width(0), bare);
     list->SetColumnWidthPixels(1, 80);
-    list->SetColumnWidthPixels(2, suite::kAutoSizeUseHeader);
+    list->SetColumnWidthPixels(2, suite::autoSizeUseHeader);
     EXPECT_EQ(width(0) + width(1) + width(2), list->Tree()->viewport()->width());
     EXPECT_EQ(items().Column(2).Width, forms::ToTwips(80));
     list->SetColumnWidthPixels(7, 10);
-    list->SetColumnWidthPixels(-1, suite::kAutoSize);
+    list->SetColumnWidthPixels(-1, suite::autoSize);
 }
 
 TEST_F(ListViewTest, TheLongestTextIsMeasuredWhereverItStands) {
     Fill(5000);
     items().Item(4321)->SetText(QString(80, QLatin1Char('m')));
-    list->SetColumnWidthPixels(0, suite::kAutoSize);
+    list->SetColumnWidthPixels(0, suite::autoSize);
     EXPECT_GE(list->Header()->sectionSize(0),
               list->Tree()->fontMetrics().horizontalAdvance(QString(80, QLatin1Char('m'))));
 }
