@@ -5,11 +5,13 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QThread>
+#include <algorithm>
 #include <arpa/inet.h>
 #include <csignal>
 #include <netinet/in.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace end_to_end {
@@ -56,6 +58,21 @@ int Connect(int port) {
     }
     close(connection);
     return -1;
+}
+
+// The socket's file is there before anybody listens at it.
+bool Listens(const QString& socketFile) {
+    const QByteArray path = QFile::encodeName(socketFile);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= qsizetype(sizeof address.sun_path)) {
+        return false;
+    }
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool connected = connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(connection);
+    return connected;
 }
 
 bool Write(const QString& path, const QByteArray& content) {
@@ -147,7 +164,7 @@ bool WebServer::WaitUntilReady() const {
         const int connection = Connect(port_);
         if (connection >= 0) {
             close(connection);
-            if (QFile::exists(folder_.filePath(QStringLiteral("php.sock")))) {
+            if (Listens(folder_.filePath(QStringLiteral("php.sock")))) {
                 return true;
             }
         }
