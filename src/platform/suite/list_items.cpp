@@ -11,6 +11,9 @@ namespace {
 // A list is made for people to read; more sub-items than this are a mistake of the caller.
 constexpr int mostSubItems = 255;
 
+// Taking apart 10,000 rows at once would hold up the window for a dozen milliseconds.
+constexpr size_t removedWithEach = 2;
+
 // Folded text compares as people sort: "É" stands beside "e", not behind "z".
 QString Folded(const QString& text) {
     const bool plain = std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 0x80; });
@@ -108,6 +111,7 @@ ListItem* ListItems::AddWithKey(const QString& key, const QString& text, qint32 
     item->icon_ = icon;
     if (!key.isEmpty())
         keys_.insert(key, item);
+    removed_.resize(removed_.size() - std::min(removed_.size(), removedWithEach));
     const size_t place = sorted_ ? SortedPlace(*item) : items_.size();
     item->index_ = int(place) + 1;
     if (place != items_.size())
@@ -142,7 +146,7 @@ bool ListItems::Remove(int index) {
 void ListItems::Clear() {
     if (items_.empty())
         return;
-    const auto removed = std::move(items_);
+    removed_ = std::move(items_);
     items_.clear();
     keys_.clear();
     selected_ = nullptr;

@@ -152,6 +152,7 @@ class ListItems {
     void NoteChange(const ListItem& item);
 
     std::vector<std::unique_ptr<ListItem>> items_;
+    std::vector<std::unique_ptr<ListItem>> removed_; // by Clear; destroyed while new rows are added, or by the next one
     std::vector<ListColumn> columns_;
     QHash<QString, ListItem*> keys_;
     ListItem* selected_ = nullptr;
