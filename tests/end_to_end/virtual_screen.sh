@@ -50,7 +50,16 @@ start_screen() {
   chmod 700 "$scratch"
   openbox >/dev/null 2>&1 &
   pids+=($!)
+  # The first key from xdotool makes the server change its keyboard, upon which the window manager takes its shortcuts anew:
+  # one that comes in that moment is lost. So a first key is spent here. The window manager answers in order: once it has
+  # changed the desktops it has its shortcuts.
+  wait_for 20 xdotool get_num_desktops || fail "no window manager"
+  xdotool key Shift_L
+  xdotool set_num_desktops 1
+  wait_for 20 has_one_desktop || fail "the window manager does not answer"
 }
+
+has_one_desktop() { [ "$(xdotool get_num_desktops 2>/dev/null)" = 1 ]; }
 
 # A program folder with its own database; a browser that writes down what it is asked to open.
 make_program_folder() {
