@@ -16,6 +16,7 @@
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
 #include "values/addresses.h"
+#include "values/program_values.h"
 #include "window/design.h"
 #include "window/placement.h"
 
@@ -151,6 +152,8 @@ void FrmMain::Connect() {
     for (suite::ListView* list : Lists())
         ConnectList(list);
     window::ConnectGrip(*this, *LabelResize);
+    // A server that does not answer must not keep the closed program alive.
+    Inet2->SetStop([] { return values::ProgramClosing(); });
 }
 
 void FrmMain::ConnectList(suite::ListView* list) {

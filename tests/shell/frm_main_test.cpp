@@ -7,10 +7,14 @@
 #include "forms/text_box.h"
 #include "suite/list_tree.h"
 #include "suite/tab_control.h"
+#include "support/scripted_server.h"
+#include "values/addresses.h"
 #include "values/settings.h"
 #include "windows_fixture.h"
 
+#include <QElapsedTimer>
 #include <QFile>
+#include <utility>
 
 namespace {
 
@@ -197,6 +201,28 @@ TEST_F(FrmMainTest, ClosingEndsEverythingAlsoInTheMiddleOfAScan) {
     EXPECT_TRUE(all_.Loaded().isEmpty());
     EXPECT_EQ(database::DatabaseConnection(), nullptr);
     EXPECT_TRUE(QTest::qWaitFor([this] { return allGone_ > 0; })) << "the process would stay";
+}
+
+TEST_F(FrmMainTest, ClosingDoesNotWaitForTheSilentChecksAnswer) {
+    WriteDatabase();
+    QString path = values::SettingsPath();
+    values::WriteSetting("main", "CheckForUpdates", "1", path);
+    support::ScriptedServer server;
+    server.SetAnswer("*", support::Answer().Stall());
+    const QString host = std::exchange(values::ServerAddresses().UpdateHost, server.Url());
+    shell::FrmMain* main = Start();
+    QElapsedTimer sinceClosed;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (!sinceClosed.isValid() && !server.Requests().isEmpty()) {
+            sinceClosed.start();
+            main->Unload();
+        }
+    });
+    watch.start(10);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return allGone_ > 0; }, 20000));
+    EXPECT_LT(sinceClosed.elapsed(), 5000) << "the process would stay until the request fails";
+    values::ServerAddresses().UpdateHost = host;
 }
 
 TEST_F(FrmMainTest, ClosedInTheMiddleOfItsLoadItLeavesNoWindowBehind) {
