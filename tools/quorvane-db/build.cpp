@@ -1,6 +1,7 @@
 // quorvane-db build: a database out of the ID files of PCI and USB, each ID in the form under which a scan reports it.
 #include "command.h"
 #include "database/database_builder.h"
+#include "database_file.h"
 #include "id_file.h"
 #include "input_file.h"
 #include "options.h"
@@ -90,6 +91,10 @@ int Build(const QStringList& arguments) {
                            : output.isEmpty() ? QStringLiteral("build needs --output FILE")
                                               : QStringLiteral("build takes no arguments"));
     }
+    const QString version = options.Value(QStringLiteral("version"), QStringLiteral("1.0.0"));
+    if (version.size() > longestVersion) {
+        return RefuseUsage(QStringLiteral("the version is longer than %1 characters").arg(longestVersion));
+    }
     database::DatabaseBuilder builder;
     QString error = AddIdFile(options.Value(QStringLiteral("pci-ids"), DefaultIdFile(QStringLiteral("pci.ids"))), true,
                               AddPciLine, builder);
@@ -100,7 +105,7 @@ int Build(const QStringList& arguments) {
     if (!error.isEmpty()) {
         return Fail(error);
     }
-    if (!builder.Write(output, options.Value(QStringLiteral("version"), QStringLiteral("1.0.0")), &error)) {
+    if (!builder.Write(output, version, &error)) {
         return Fail(QStringLiteral("%1: %2").arg(output, error));
     }
     Print(QStringLiteral("%1: %2 hardware IDs, %3 device names, %4 manufacturers")

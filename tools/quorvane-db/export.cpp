@@ -78,11 +78,14 @@ int Export(const QStringList& arguments) {
     if (!error.isEmpty() || options.Arguments().size() != 1) {
         return RefuseUsage(error.isEmpty() ? QStringLiteral("export needs one DATABASE") : error);
     }
+    const QString output = options.Value(QStringLiteral("output"));
+    if (options.Has(QStringLiteral("output")) && output.isEmpty()) {
+        return RefuseUsage(QStringLiteral("option --output needs a value"));
+    }
     const data::ConnectionPtr connection = OpenDatabase(options.Arguments().first(), error);
     if (!connection) {
         return Fail(error);
     }
-    const QString output = options.Value(QStringLiteral("output"));
     if (QFileInfo(output) == QFileInfo(options.Arguments().first())) {
         return RefuseUsage(QStringLiteral("export would write over its database"));
     }

@@ -17,8 +17,6 @@ namespace tool {
 
 namespace {
 
-constexpr int longestVersion = 50; // characters
-
 class Merger {
   public:
     Merger(bool suspiciousToo, bool dryRun) : suspiciousToo_(suspiciousToo), dryRun_(dryRun) {}
@@ -169,6 +167,10 @@ int Merge(const QStringList& arguments) {
     if (!wrong.isEmpty() || options.Arguments().size() < 2) {
         return RefuseUsage(wrong.isEmpty() ? QStringLiteral("merge needs a DATABASE and a FILE") : wrong);
     }
+    const QString version = options.Value(QStringLiteral("version"));
+    if (version.size() > longestVersion) {
+        return RefuseUsage(QStringLiteral("the version is longer than %1 characters").arg(longestVersion));
+    }
     const QString path = options.Arguments().first();
     std::vector<JudgedLine> lines;
     QString error = ReadAll(options.Arguments().mid(1), lines);
@@ -180,7 +182,7 @@ int Merge(const QStringList& arguments) {
     if (dryRun) {
         return DryRun(path, lines, merger);
     }
-    error = MergeInto(path, lines, options.Value(QStringLiteral("version")), merger);
+    error = MergeInto(path, lines, version, merger);
     return error.isEmpty() ? merger.Summarise() : Fail(error);
 }
 
