@@ -175,6 +175,41 @@ TEST_F(DatabaseToolTest, FailsInOneLineAndLeavesNothing) {
     EXPECT_EQ(Files(), before);
 }
 
+// A page in the middle that cannot be read: its rows would be missing from what is printed, published or added to.
+TEST_F(DatabaseToolTest, ADamagedDatabaseIsRefused) {
+    QByteArray ids = "1000  A\n";
+    for (int i = 1000; i < 1200; ++i) {
+        ids += '\t' + QByteArray::number(i) + "  " + QByteArray(90, 'n') + QByteArray::number(i) + '\n';
+    }
+    ASSERT_EQ(Build(ids, "1000  A\n").Status, 0);
+    QFile file(Path("hwids.mdb"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray whole = file.readAll();
+    constexpr qsizetype pageSize = 4096;
+    constexpr char leafOfTable = 13;
+    constexpr qsizetype lastRoot = 9; // of four tables and their indexes
+    Write("new.txt", "USB\\VID_1234&PID_5678|||Adapter|||Maker\r\n");
+    const QStringList before = Files();
+    int damaged = 0;
+    for (qsizetype at = lastRoot * pageSize; at < whole.size(); at += pageSize) {
+        if (whole[at] != leafOfTable) {
+            continue;
+        }
+        ++damaged;
+        Write("hwids.mdb", QByteArray(whole).replace(at, pageSize, QByteArray(pageSize, '\xEE')));
+        for (const char* line : {"info hwids.mdb", "export hwids.mdb", "pack --output out hwids.mdb",
+                                 "check --db hwids.mdb new.txt", "merge hwids.mdb new.txt"}) {
+            const Result result = Run(QString::fromLatin1(line).split(u' '));
+            EXPECT_EQ(result.Status, 1) << line << ", page at " << at;
+            EXPECT_EQ(result.Output, "") << line << ", page at " << at;
+            EXPECT_EQ(result.Errors, "quorvane-db: hwids.mdb: the database is damaged\n") << line;
+        }
+    }
+    EXPECT_GE(damaged, 4);
+    EXPECT_EQ(Files(), before);
+    EXPECT_FALSE(QFile::exists(Path("out")));
+}
+
 TEST_F(DatabaseToolTest, AFullOutputIsAFailure) {
     ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
     QProcess process;

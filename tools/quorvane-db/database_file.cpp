@@ -9,8 +9,22 @@ namespace tool {
 
 namespace {
 
-// Empty, or the line that tells that the file is a database of something else.
-QString Incomplete(const QString& path, const data::ConnectionPtr& connection) {
+// A page of the file that cannot be read would cost its rows, and all that stand behind them.
+bool IsDamaged(const data::ConnectionPtr& connection) {
+    QString found;
+    data::Ran([&] {
+        data::Recordset rows;
+        rows.Open(QStringLiteral("SELECT quick_check AS found FROM pragma_quick_check"), connection);
+        found = rows.Value(QStringLiteral("found")).toString();
+    });
+    return found != QLatin1String("ok");
+}
+
+// Empty, or the line that tells that the file is a damaged database or one of something else.
+QString Unusable(const QString& path, const data::ConnectionPtr& connection) {
+    if (IsDamaged(connection)) {
+        return QStringLiteral("%1: the database is damaged").arg(path);
+    }
     const QString missing = database::MissingTable(connection);
     return missing.isEmpty() ? QString() : QStringLiteral("%1: not a device database (no table %2)").arg(path, missing);
 }
@@ -26,14 +40,14 @@ data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
             connection->Open();
         },
         &failure);
-    error = opened ? Incomplete(path, connection) : failure.Description();
+    error = opened ? Unusable(path, connection) : failure.Description();
     return error.isEmpty() ? connection : nullptr;
 }
 
 QString OpenForProgram(const QString& path) {
     data::Error failure;
     return database::OpenDatabaseFile(QFileInfo(path).absoluteFilePath(), &failure)
-               ? Incomplete(path, database::DatabaseConnection())
+               ? Unusable(path, database::DatabaseConnection())
                : failure.Description();
 }
 
