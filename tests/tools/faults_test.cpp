@@ -312,6 +312,8 @@ TEST_F(FaultsTest, AFullDiskLeavesNothingHalfWritten) {
                 EXPECT_EQ(result.Status, 1) << row.Line << ", " << size << " KiB";
                 EXPECT_EQ(listing, row.Failed) << row.Line << ", " << size << " KiB\n" << result.Errors;
                 ExpectOneLine(result, QLatin1String(row.Line));
+                for (const char* vague : {"Unknown error", "Input/output error"})
+                    EXPECT_EQ(result.Errors.find(vague), std::string::npos) << result.Errors;
             }
         }
         EXPECT_GT(failed, 0) << row.Line;

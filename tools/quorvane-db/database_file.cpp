@@ -3,11 +3,27 @@
 #include "data/error.h"
 #include "database/store.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace tool {
 
 namespace {
+
+constexpr qint64 pieceSize = 1 << 20; // bytes
+
+// A disk that takes a part tells the reason when it is given the rest.
+bool WriteWhole(QFile& file, const QByteArray& bytes) {
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        const qint64 taken = file.write(bytes.constData() + done, bytes.size() - done);
+        if (taken <= 0) {
+            return false;
+        }
+        done += taken;
+    }
+    return true;
+}
 
 // A page of the file that cannot be read would cost its rows, and all that stand behind them.
 bool IsDamaged(const data::ConnectionPtr& connection) {
@@ -49,6 +65,28 @@ QString OpenForProgram(const QString& path) {
     return database::OpenDatabaseFile(QFileInfo(path).absoluteFilePath(), &failure)
                ? Unusable(path, database::DatabaseConnection())
                : failure.Description();
+}
+
+QString CopyFile(const QString& from, const QString& to) {
+    QFile source(from);
+    QFile target(to);
+    if (!source.open(QIODevice::ReadOnly)) {
+        return source.errorString();
+    }
+    if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
+        return target.errorString();
+    }
+    bool written = true;
+    for (QByteArray piece = source.read(pieceSize); written && !piece.isEmpty(); piece = source.read(pieceSize)) {
+        written = WriteWhole(target, piece);
+    }
+    if (written && source.error() == QFileDevice::NoError) {
+        target.setPermissions(source.permissions());
+        return QString();
+    }
+    const QString error = written ? source.errorString() : target.errorString();
+    target.remove();
+    return error;
 }
 
 qint64 CountRows(const data::ConnectionPtr& connection, const QString& table) {

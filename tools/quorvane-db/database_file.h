@@ -17,6 +17,9 @@ data::ConnectionPtr OpenDatabase(const QString& path, QString& error);
 // Opens it as the program's own database, for its routines. Empty, or the line to print.
 QString OpenForProgram(const QString& path);
 
+// Makes a file of the same bytes that was not there before. Empty, or what failed; there is no copy then.
+QString CopyFile(const QString& from, const QString& to);
+
 // The number of rows of a table; -1 where it has no such table.
 qint64 CountRows(const data::ConnectionPtr& connection, const QString& table);
 

@@ -89,10 +89,9 @@ QString CopyDatabase(const QString& path, const QString& copy) {
     if (!data::Ran([&] { connection->BeginTrans(); }, &failure)) {
         return QStringLiteral("%1: %2").arg(path, failure.Description());
     }
-    QFile file(path);
-    const bool copied = file.copy(copy);
+    error = CopyFile(path, copy);
     connection->RollbackTrans();
-    return copied ? QString() : QStringLiteral("%1: %2").arg(copy, file.errorString());
+    return error.isEmpty() ? QString() : QStringLiteral("%1: %2").arg(copy, error);
 }
 
 // Empty, or what failed.

@@ -14,6 +14,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <utility>
 
 namespace tool {
 
@@ -29,10 +31,12 @@ bool IsVersion(const QString& version, qsizetype limit) {
     return !version.isEmpty() && version.size() <= limit && version == version.trimmed();
 }
 
-bool WriteFile(const QString& path, const QString& text) {
+// Empty, or what failed.
+QString WriteFile(const QString& path, const QString& text) {
     QFile file(path);
     const QByteArray bytes = text.toUtf8();
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    return written ? QString() : file.errorString();
 }
 
 bool Move(const QString& from, const QString& to) {
@@ -46,7 +50,9 @@ class NewFolders {
         for (QFileInfo info(folder); !info.exists(); info = QFileInfo(info.absolutePath())) {
             made_.append(info.absoluteFilePath());
         }
-        QDir().mkpath(folder);
+        std::error_code failure;
+        std::filesystem::create_directories(QFile::encodeName(folder).toStdString(), failure);
+        error_ = failure ? QString::fromLocal8Bit(failure.message()) : QString();
     }
     ~NewFolders() {
         for (const QString& folder : made_) {
@@ -56,16 +62,22 @@ class NewFolders {
     NewFolders(const NewFolders&) = delete;
     NewFolders& operator=(const NewFolders&) = delete;
 
+    // Why the folder is not there; empty where it is.
+    const QString& Error() const { return error_; }
+
   private:
     QStringList made_;
+    QString error_;
 };
 
 // The archive holds the file under the name that the program reads, whatever it is called here: a copy in the work
-// folder bears it. (What comes from the engine's standard input can be marked as a pipe, which clients refuse.)
-bool MakeArchive(const QString& databaseFile, const QString& workFolder, const QString& archive) {
+// folder bears it. (What comes from the engine's standard input can be marked as a pipe, which clients refuse.) Empty,
+// or what failed.
+QString MakeArchive(const QString& databaseFile, const QString& workFolder, const QString& archive) {
     const QString named = workFolder + QStringLiteral("/hwids.mdb");
-    if (!QFile::copy(databaseFile, named)) {
-        return false;
+    const QString error = CopyFile(databaseFile, named);
+    if (!error.isEmpty()) {
+        return error;
     }
     QFile::setPermissions(named, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     QProcess engine;
@@ -73,7 +85,9 @@ bool MakeArchive(const QString& databaseFile, const QString& workFolder, const Q
     engine.setStandardOutputFile(QProcess::nullDevice());
     engine.start(net::FindEngine(), {QStringLiteral("a"), QStringLiteral("-t7z"), QStringLiteral("-mx=9"),
                                      QStringLiteral("-bd"), QStringLiteral("--"), archive, named});
-    return engine.waitForFinished(-1) && engine.exitStatus() == QProcess::NormalExit && engine.exitCode() == 0;
+    const bool made =
+        engine.waitForFinished(-1) && engine.exitStatus() == QProcess::NormalExit && engine.exitCode() == 0;
+    return made ? QString() : QStringLiteral("7-Zip could not make the archive");
 }
 
 // Writes the three files; the version of the database comes last, so that a client that sees it finds the new archive.
@@ -81,6 +95,9 @@ bool MakeArchive(const QString& databaseFile, const QString& workFolder, const Q
 QString Publish(const QString& databaseFile, const QString& folder, const QString& version,
                 const QString& programVersion) {
     const NewFolders made(folder);
+    if (!made.Error().isEmpty()) {
+        return QStringLiteral("%1: %2").arg(folder, made.Error());
+    }
     // On the file system of the target, so that the files move there in one step.
     const QTemporaryDir work(folder + QStringLiteral("/.pack-XXXXXX"));
     if (!work.isValid()) {
@@ -88,9 +105,12 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
     }
     const QStringList names = {QString::fromUtf16(archiveName), QStringLiteral("update.htm"),
                                QStringLiteral("database_v1.htm")};
-    if (!MakeArchive(databaseFile, work.path(), work.filePath(names[0])) ||
-        !WriteFile(work.filePath(names[1]), programVersion) || !WriteFile(work.filePath(names[2]), version)) {
-        return QStringLiteral("%1: the files could not be made").arg(folder);
+    QString error = MakeArchive(databaseFile, work.path(), work.filePath(names[0]));
+    for (const auto& [name, text] : {std::pair(names[1], programVersion), std::pair(names[2], version)}) {
+        error = error.isEmpty() ? WriteFile(work.filePath(name), text) : error;
+    }
+    if (!error.isEmpty()) {
+        return QStringLiteral("%1: %2").arg(folder, error);
     }
     for (const QString& name : names) {
         if (!Move(work.filePath(name), folder + QLatin1Char('/') + name)) {
