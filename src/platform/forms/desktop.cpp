@@ -29,18 +29,28 @@ bool IsOpenable(const QString& address) {
     return scheme == QLatin1String("http") || scheme == QLatin1String("https") || scheme == QLatin1String("mailto");
 }
 
+bool IsHexDigit(char byte) {
+    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'F') || (byte >= 'a' && byte <= 'f');
+}
+
+bool IsEscape(const QByteArray& bytes, qsizetype at) {
+    return bytes[at] == '%' && at + 2 < bytes.size() && IsHexDigit(bytes[at + 1]) && IsHexDigit(bytes[at + 2]);
+}
+
 } // namespace
 
 QByteArray EncodedAddress(const QString& address) {
-    // What may stand in an address as it is, after RFC 3986, and "%", since the program has escaped "&" already. A "#"
-    // and a "+" from a device name would end the query or turn into a blank at the site.
-    static const QByteArray plain = QByteArrayLiteral("-._~:/?[]@!$&'()*,;=%");
+    // What may stand in an address as it is, after RFC 3986. A "#" and a "+" from a device name would end the query or
+    // turn into a blank at the site. Escapes stay, since the program has escaped "&" already; a "%" that begins none
+    // would make the whole address invalid.
+    static const QByteArray plain = QByteArrayLiteral("-._~:/?[]@!$&'()*,;=");
     const QByteArray bytes = address.toUtf8();
     QByteArray encoded;
-    for (const char byte : bytes) {
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        const char byte = bytes[i];
         const bool letterOrDigit =
             (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-        if (letterOrDigit || plain.contains(byte))
+        if (letterOrDigit || plain.contains(byte) || IsEscape(bytes, i))
             encoded.append(byte);
         else
             encoded.append('%').append(QByteArray(1, byte).toHex().toUpper());

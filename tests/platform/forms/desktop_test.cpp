@@ -13,6 +13,12 @@ TEST(Browser, AddressesArriveIntact) {
     EXPECT_EQ(QUrlQuery(url).queryItemValue("q", QUrl::FullyDecoded),
               QString::fromUtf8("PCI\\VEN_8086&DEV_1E31&SUBSYS_3 a+b#\"é Driver"));
     EXPECT_FALSE(url.hasFragment());
+
+    // A percent sign that escapes nothing, in the middle and at both kinds of end.
+    const QString percent = QStringLiteral("https://site.example/?q=5% of 7%zz%26 %4");
+    const QUrl escaped = QUrl::fromEncoded(forms::EncodedAddress(percent), QUrl::StrictMode);
+    ASSERT_TRUE(escaped.isValid()) << qPrintable(escaped.errorString());
+    EXPECT_EQ(QUrlQuery(escaped).queryItemValue("q", QUrl::FullyDecoded), QStringLiteral("5% of 7%zz& %4"));
 }
 
 namespace {
