@@ -51,6 +51,7 @@ constexpr AcpiKind Kinds[] = {
     {"PNP0C80", System, u"Memory device", false},
     {"PNP0D10", Usb, u"USB xHCI controller", true},
     {"PNP0D20", Usb, u"USB EHCI controller", true},
+    {"PNP0D80", System, u"Power Engine Plug-in", false},
     {"PNP0D40", SdHost, u"SDA Standard Compliant SD Host Controller", true},
     {"PNP0F03", Mouse, u"PS/2 Port Mouse", true},
     {"PNP0F12", Mouse, u"PS/2 Port Mouse", true},
@@ -67,6 +68,7 @@ constexpr AcpiKind Kinds[] = {
     {"ACPI0011", System, u"Generic Buttons Device", false},
     {"ACPI0013", System, u"Generic Event Device", false},
     {"ACPI0017", System, u"CXL Root Object", false},
+    {"INT0800", System, u"Intel Firmware Hub", false},
     {"MSFT0101", SecurityDevices, u"Trusted Platform Module 2.0", true},
 };
 

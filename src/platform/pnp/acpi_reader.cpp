@@ -77,6 +77,9 @@ void TakePowerSupplyNames(const Node& node, Device& device) {
     }
 }
 
+// Power engine plug-ins say so among what they are compatible with, whatever maker's identifier they bear.
+bool IsPowerEngine(const QStringList& ids) { return ids.contains(QStringLiteral("PNP0D80")); }
+
 void TakeClassAndNames(Context& context, const QStringList& ids, Device& device, bool& needsDriver) {
     const AcpiKind* kind = nullptr;
     for (const QString& id : ids) {
@@ -85,7 +88,7 @@ void TakeClassAndNames(Context& context, const QStringList& ids, Device& device,
             break;
     }
     const bool standard = IsStandardAcpiId(ids.first());
-    needsDriver = kind == nullptr ? !standard : kind->needsDriver;
+    needsDriver = !IsPowerEngine(ids) && (kind == nullptr ? !standard : kind->needsDriver);
     const char16_t* guid = kind == nullptr ? nullptr : kind->guid;
     if (guid == nullptr && (standard || !device.service.isEmpty()))
         guid = class_guid::System;
@@ -176,9 +179,11 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
     for (const std::string& folder : physical)
         TakePowerSupplyNames(context.At(folder), device);
 
-    if ((status & StatusEnabled) == 0)
+    // Interrupt links, motherboard resources and their like read as disabled or failed on healthy machines: nobody sets
+    // those bits for what needs no driver.
+    if (needsDriver && (status & StatusEnabled) == 0)
         device.problemCode = problem::FirmwareDisabled;
-    else if ((status & StatusFunctioning) == 0)
+    else if (needsDriver && (status & StatusFunctioning) == 0)
         device.problemCode = problem::Reported;
     else
         device.problemCode = ProblemOf(context, physical.empty() ? node : context.At(physical.front()),

@@ -73,17 +73,26 @@ TEST(Acpi, SkipsWhatIsNoDeviceOfItsOwn) {
     EXPECT_TRUE(fixture.Devices().empty());
 }
 
+// The bits count where a driver is needed; interrupt links, motherboard resources and their like read so in health.
 TEST(Acpi, StatusTellsWhatTheFirmwareDid) {
-    const auto problem = [](const char* status) {
-        DeviceFixture fixture;
-        fixture.Add(QByteArray("/devices/LNXSYSTM:00/PNP0C02:00 @ bus/acpi\nhid = PNP0C02\nstatus = ") + status + "\n");
-        return fixture.Only(QStringLiteral("ACPI\\PNP0C02")).problemCode;
+    struct Case {
+        const char* ids;
+        const char* status;
+        quint32 problem;
     };
-    EXPECT_EQ(problem("15"), 0U);
-    EXPECT_EQ(problem("11"), 0U);
-    EXPECT_EQ(problem("13"), 29U);
-    EXPECT_EQ(problem("3"), 43U);
-    EXPECT_EQ(problem("junk"), 0U);
+    const Case cases[] = {
+        {"LEN0071:PNP0303", "11", 28}, {"LEN0071:PNP0303", "13", 29}, {"LEN0071:PNP0303", "3", 43},
+        {"LEN0071:PNP0303", "9", 29},  {"QCOM0CA8", "junk", 28},      {"PNP0C0A", "13", 29},
+        {"PNP0C0F", "9", 0},           {"PNP0C0F", "11", 0},          {"PNP0C01", "3", 0},
+        {"PNP0C02", "3", 0},           {"PNP0C02", "13", 0},          {"INT3F0D:PNP0C02", "3", 0},
+        {"PNP0103", "3", 0},           {"INT0800", "15", 0},          {"INT33A1:PNP0D80", "15", 0},
+    };
+    for (const Case& one : cases) {
+        DeviceFixture fixture;
+        fixture.Add(QByteArray("/devices/LNXSYSTM:00/NODE:00 @ bus/acpi\nmodalias = acpi:") + one.ids +
+                    ":\nstatus = " + one.status + "\n");
+        EXPECT_EQ(fixture.Only(QStringLiteral("ACPI\\")).problemCode, one.problem) << one.ids << ' ' << one.status;
+    }
 }
 
 TEST(Acpi, BatteriesBearTheirOwnNames) {
