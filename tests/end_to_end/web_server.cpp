@@ -1,5 +1,6 @@
 #include "web_server.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -13,10 +14,13 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <vector>
 
 namespace end_to_end {
 
 namespace {
+
+constexpr int scriptProcesses = 8;
 
 const QStringList programFolders = {QStringLiteral("/usr/sbin"), QStringLiteral("/usr/local/sbin"),
                                     QStringLiteral("/usr/bin")};
@@ -75,6 +79,28 @@ bool Listens(const QString& socketFile) {
     return connected;
 }
 
+void Send(int connection, const QByteArray& bytes) {
+    for (qsizetype sent = 0; sent < bytes.size();) {
+        const ssize_t taken =
+            send(connection, bytes.constData() + sent, static_cast<size_t>(bytes.size() - sent), MSG_NOSIGNAL);
+        if (taken <= 0) {
+            break;
+        }
+        sent += taken;
+    }
+}
+
+// What comes until the other side closes; then the connection is closed too.
+QByteArray Receive(int connection) {
+    QByteArray answer;
+    char piece[4096];
+    for (ssize_t size = 0; (size = recv(connection, piece, sizeof piece, 0)) > 0;) {
+        answer.append(piece, size);
+    }
+    close(connection);
+    return answer;
+}
+
 bool Write(const QString& path, const QByteArray& content) {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
@@ -92,7 +118,7 @@ void Stop(QProcess& process) {
 
 } // namespace
 
-WebServer::WebServer(const QString& serverFolder) {
+WebServer::WebServer(const QString& serverFolder, int filesPerDay) {
     const QString nginx = QStandardPaths::findExecutable(QStringLiteral("nginx"), programFolders);
     const QString php = FindPhp();
     if (nginx.isEmpty() || php.isEmpty()) {
@@ -101,7 +127,7 @@ WebServer::WebServer(const QString& serverFolder) {
         return;
     }
     port_ = FreePort();
-    if (!WriteConfiguration(serverFolder)) {
+    if (!WriteConfiguration(serverFolder, filesPerDay)) {
         fault_ = QStringLiteral("the configuration cannot be written");
         return;
     }
@@ -128,7 +154,7 @@ WebServer::~WebServer() {
     Stop(php_);
 }
 
-bool WebServer::WriteConfiguration(const QString& serverFolder) {
+bool WebServer::WriteConfiguration(const QString& serverFolder, int filesPerDay) {
     QFile siteFile(serverFolder + QStringLiteral("/quorvane.nginx.conf"));
     if (!siteFile.open(QIODevice::ReadOnly)) {
         return false;
@@ -140,19 +166,24 @@ bool WebServer::WriteConfiguration(const QString& serverFolder) {
     site.replace("/srv/quorvane/public", folder + "/public");
     site.replace("/srv/quorvane/server", serverFolder.toUtf8());
     site.replace("/srv/quorvane/uploads", folder + "/uploads");
+    site.replace("QUORVANE_UPLOAD_LIMIT 20;", "QUORVANE_UPLOAD_LIMIT " + QByteArray::number(filesPerDay) + ';');
     site.replace("unix:/run/php/php-fpm.sock", "unix:" + folder + "/php.sock");
     site.replace("include fastcgi_params;", "include /etc/nginx/fastcgi_params;");
     const QByteArray user = geteuid() == 0 ? "user root;\n" : "";
-    const QByteArray nginx = user + "daemon off;\nworker_processes 1;\npid " + folder + "/nginx.pid;\nerror_log " +
-                             folder + "/error.log;\nevents {}\nhttp {\naccess_log off;\nclient_body_temp_path " +
-                             folder + "/body;\nfastcgi_temp_path " + folder + "/fastcgi;\nproxy_temp_path " + folder +
-                             "/proxy;\nuwsgi_temp_path " + folder + "/uwsgi;\nscgi_temp_path " + folder + "/scgi;\n" +
-                             site + "}\n";
+    const QByteArray nginx =
+        user + "daemon off;\nworker_processes 1;\npid " + folder + "/nginx.pid;\nerror_log " + folder +
+        "/error.log;\nevents {}\nhttp {\naccess_log off;\n"
+        "set_real_ip_from 127.0.0.1;\nreal_ip_header X-Sender;\nclient_body_temp_path " +
+        folder + "/body;\nfastcgi_temp_path " + folder + "/fastcgi;\nproxy_temp_path " + folder +
+        "/proxy;\nuwsgi_temp_path " + folder + "/uwsgi;\nscgi_temp_path " + folder + "/scgi;\n" + site + "}\n";
     const QByteArray php = "[global]\nerror_log = " + folder + "/php.log\ndaemonize = no\n[www]\n" +
                            (geteuid() == 0 ? "user = root\ngroup = root\n" : "") + "listen = " + folder +
-                           "/php.sock\npm = static\npm.max_children = 2\n";
+                           "/php.sock\npm = static\npm.max_children = " + QByteArray::number(scriptProcesses) +
+                           "\nphp_flag[display_errors] = on\n" + "php_admin_value[upload_tmp_dir] = " + folder +
+                           "/tmp\n";
     QDir(folder_.path()).mkpath(QStringLiteral("public/files/updates/quorvane"));
     QDir(folder_.path()).mkpath(QStringLiteral("uploads"));
+    QDir(folder_.path()).mkpath(QStringLiteral("tmp"));
     return Write(folder_.filePath(QStringLiteral("nginx.conf")), nginx) &&
            Write(folder_.filePath(QStringLiteral("php.conf")), php);
 }
@@ -177,26 +208,31 @@ QString WebServer::Url(const QString& path) const {
     return QStringLiteral("http://127.0.0.1:%1%2").arg(port_).arg(path);
 }
 
-QByteArray WebServer::Exchange(const QByteArray& request) const {
-    const int connection = Connect(port_);
-    if (connection < 0) {
-        return {};
-    }
-    for (qsizetype sent = 0; sent < request.size();) {
-        const ssize_t taken =
-            send(connection, request.constData() + sent, static_cast<size_t>(request.size() - sent), MSG_NOSIGNAL);
-        if (taken <= 0) {
+QStringList WebServer::ScriptProcesses() const {
+    QStringList numbers;
+    for (const QDeadlineTimer patience(10'000); numbers.size() < scriptProcesses && !patience.hasExpired();) {
+        QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(php_.processId()));
+        if (!children.open(QIODevice::ReadOnly))
             break;
-        }
-        sent += taken;
+        numbers = QString::fromLatin1(children.readAll()).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     }
-    QByteArray answer;
-    char piece[4096];
-    for (ssize_t size = 0; (size = recv(connection, piece, sizeof piece, 0)) > 0;) {
-        answer.append(piece, size);
+    return numbers;
+}
+
+QByteArray WebServer::Exchange(const QByteArray& request) const { return Exchange(QByteArrayList{request}).first(); }
+
+QByteArrayList WebServer::Exchange(const QByteArrayList& requests) const {
+    std::vector<int> connections;
+    for (const QByteArray& request : requests) {
+        connections.push_back(Connect(port_));
+        Send(connections.back(), request.chopped(1));
     }
-    close(connection);
-    return answer;
+    QByteArrayList answers;
+    for (size_t i = 0; i < connections.size(); ++i)
+        Send(connections[i], requests[qsizetype(i)].last(1));
+    for (const int connection : connections)
+        answers.append(Receive(connection));
+    return answers;
 }
 
 } // namespace end_to_end

@@ -3,16 +3,19 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QProcess>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
 namespace end_to_end {
 
 class WebServer {
   public:
-    // `serverFolder` holds quorvane.nginx.conf and the upload script.
-    explicit WebServer(const QString& serverFolder);
+    // `serverFolder` holds quorvane.nginx.conf and the upload script; `filesPerDay` is what one sender may upload. The
+    // server takes a request for one from the address in its header X-Sender, if it has one.
+    explicit WebServer(const QString& serverFolder, int filesPerDay = 20);
     ~WebServer();
     WebServer(const WebServer&) = delete;
     WebServer& operator=(const WebServer&) = delete;
@@ -21,14 +24,20 @@ class WebServer {
     const QString& Fault() const { return fault_; }
 
     QString Url(const QString& path = {}) const;
+    // Of the processes that run scripts, once all of them are there.
+    QStringList ScriptProcesses() const;
     QString PublicFolder() const { return folder_.filePath(QStringLiteral("public")); }
     QString UploadFolder() const { return folder_.filePath(QStringLiteral("uploads")); }
+    // Where PHP keeps what arrives until the script has looked at it.
+    QString TemporaryFolder() const { return folder_.filePath(QStringLiteral("tmp")); }
 
     // Sends these bytes and returns everything that comes back until the server closes.
     QByteArray Exchange(const QByteArray& request) const;
+    // The same with many at once: all are sent but for their last byte before any is sent whole.
+    QByteArrayList Exchange(const QByteArrayList& requests) const;
 
   private:
-    bool WriteConfiguration(const QString& serverFolder);
+    bool WriteConfiguration(const QString& serverFolder, int filesPerDay);
     bool WaitUntilReady() const;
 
     QTemporaryDir folder_;
