@@ -179,15 +179,13 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
     for (const std::string& folder : physical)
         TakePowerSupplyNames(context.At(folder), device);
 
+    TakeProblem(context, physical.empty() ? node : context.At(physical.front()), node.Modalias(), needsDriver, device);
     // Interrupt links, motherboard resources and their like read as disabled or failed on healthy machines: nobody sets
     // those bits for what needs no driver.
     if (needsDriver && (status & StatusEnabled) == 0)
-        device.problemCode = problem::FirmwareDisabled;
+        Overrule(device, problem::FirmwareDisabled);
     else if (needsDriver && (status & StatusFunctioning) == 0)
-        device.problemCode = problem::Reported;
-    else
-        device.problemCode = ProblemOf(context, physical.empty() ? node : context.At(physical.front()),
-                                       {device.service, node.Modalias(), needsDriver});
+        Overrule(device, problem::Reported);
     devices.push_back(std::move(device));
 }
 
@@ -214,7 +212,7 @@ void ReadPnp(Context& context, const std::string& path, std::vector<Device>& dev
     context.TakeDriver(node, device);
     bool needsDriver = true;
     TakeClassAndNames(context, ids, device, needsDriver);
-    device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), needsDriver});
+    TakeProblem(context, node, node.Modalias(), needsDriver, device);
     devices.push_back(std::move(device));
 }
 

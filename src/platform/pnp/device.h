@@ -22,6 +22,12 @@ struct Device {
     // The bound driver's name, empty without one, and its version.
     QString service;
     QString driverVersion;
+    // With the codes 10, 31 and 32: the module that fits, "-" written as "_".
+    QString fittingModule;
+    // Where it stands, by the kernel's names: "pci" and "0000:00:1f.2", "usb" and "1-2.3:1.0". No serial number is in
+    // it. The records of a folder that stands for several devices share one place.
+    QString bus;
+    QString address;
     // Class-relative key of the driver, such as {guid}\0001; given by the tree to devices with a driver and a class.
     QString driverKey;
 };

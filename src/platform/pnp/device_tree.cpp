@@ -17,6 +17,13 @@ const std::vector<BusReader>& Readers() {
     return readers;
 }
 
+// "/bus/pci/devices/0000:00:1f.2", "/class/net/lo", "/devices/system/cpu/cpu0": the folder that lists the entry.
+QString BusOf(const std::string& entry) {
+    const std::string folder = ParentPath(entry);
+    const std::string name = LastComponent(folder);
+    return QString::fromStdString(name == "devices" ? LastComponent(ParentPath(folder)) : name);
+}
+
 std::shared_ptr<DeviceTree>& Held() {
     static std::shared_ptr<DeviceTree> held;
     return held;
@@ -50,8 +57,11 @@ bool DeviceTree::ReadNext() {
         return true;
     std::vector<Device> devices;
     Readers()[std::size_t(entry.reader)].Read(*context_, folder, devices);
-    for (Device& device : devices)
+    for (Device& device : devices) {
+        device.bus = BusOf(entry.path);
+        device.address = CleanAttribute(LastComponent(folder));
         Add(std::move(device));
+    }
     return true;
 }
 

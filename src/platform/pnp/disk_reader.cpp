@@ -175,9 +175,9 @@ void ReadScsi(Context& context, const std::string& path, std::vector<Device>& de
         device.manufacturer = QStringLiteral("(Standard CD-ROM drives)");
     device.classGuid = QString::fromUtf16(type->guid);
     context.TakeDriver(node, device);
-    device.problemCode = node.Word("state") == "offline"
-                             ? problem::Reported
-                             : ProblemOf(context, node, {device.service, node.Modalias(), true});
+    TakeProblem(context, node, node.Modalias(), true, device);
+    if (node.Word("state") == "offline")
+        Overrule(device, problem::Reported);
     devices.push_back(std::move(device));
 }
 
@@ -209,8 +209,9 @@ void ReadNvme(Context& context, const std::string& path, std::vector<Device>& de
     device.classGuid = QString::fromUtf16(type.guid);
     // The controller's driver is the disk's as well.
     context.TakeDriver(node.Ancestor(owner), device);
-    device.problemCode =
-        node.Word("state") == "dead" ? problem::Reported : ProblemOf(context, node, {device.service, {}, false});
+    TakeProblem(context, node, {}, false, device);
+    if (node.Word("state") == "dead")
+        Overrule(device, problem::Reported);
     devices.push_back(std::move(device));
 }
 

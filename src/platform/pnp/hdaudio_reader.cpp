@@ -72,7 +72,7 @@ void ReadCodec(Context& context, const std::string& path, std::vector<Device>& d
     // A codec of the sound class is driven by its controller's driver.
     const bool ownBus = path.find("/hwC") == std::string::npos;
     context.TakeDriver(ownBus ? node : node.Ancestor(controller), device);
-    device.problemCode = ProblemOf(context, node, {device.service, alias, true});
+    TakeProblem(context, node, alias, true, device);
     devices.push_back(std::move(device));
 }
 

@@ -162,7 +162,7 @@ void ReadHid(Context& context, const std::string& path, std::vector<Device>& dev
 
     Device common;
     context.TakeDriver(node, common);
-    common.problemCode = ProblemOf(context, node, {common.service, node.Modalias(), true});
+    TakeProblem(context, node, node.Modalias(), true, common);
     for (std::size_t i = 0; i < usages.size(); ++i) {
         Device device = common;
         const QString column = usages.size() > 1

@@ -43,7 +43,7 @@ void ReadMmc(Context& context, const std::string& path, std::vector<Device>& dev
     device.name = name.isEmpty() ? QStringLiteral("SD Storage Card") : name + QStringLiteral(" SD Storage Card");
     device.classGuid = QString::fromUtf16(class_guid::DiskDrive);
     context.TakeDriver(node, device);
-    device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), true});
+    TakeProblem(context, node, node.Modalias(), true, device);
     devices.push_back(std::move(device));
 }
 
@@ -97,7 +97,7 @@ void ReadSdio(Context& context, const std::string& path, std::vector<Device>& de
         guid = class_guid::System;
     if (guid != nullptr)
         device.classGuid = QString::fromUtf16(guid);
-    device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), true});
+    TakeProblem(context, node, node.Modalias(), true, device);
     devices.push_back(std::move(device));
 }
 

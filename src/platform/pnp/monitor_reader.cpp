@@ -48,7 +48,7 @@ void ReadMonitor(Context& context, const std::string& path, std::vector<Device>&
         if (device.manufacturer.isEmpty())
             device.manufacturer = edid->vendor;
     }
-    device.problemCode = ProblemOf(context, node, {QString(), {}, false});
+    TakeProblem(context, node, {}, false, device);
     devices.push_back(std::move(device));
 }
 

@@ -99,9 +99,8 @@ void ReadPci(Context& context, const std::string& path, std::vector<Device>& dev
 
     const Node functional = FunctionalNode(node, function);
     context.TakeDriver(functional, device);
-    ProblemFacts facts{device.service, functional.Modalias(),
-                       !function.classCode || PciNeedsDriver(*function.classCode)};
-    device.problemCode = ProblemOf(context, node, facts);
+    TakeProblem(context, node, functional.Modalias(), !function.classCode || PciNeedsDriver(*function.classCode),
+                device);
 
     const char16_t* guid = SetupClassOf(function);
     if (guid == nullptr && !device.service.isEmpty())

@@ -41,35 +41,40 @@ bool HasUnassignedRegion(const Node& node) {
     return false;
 }
 
-quint32 WithoutDriver(Context& context, const std::string& modalias) {
+void TakeMissingDriver(Context& context, const std::string& modalias, Device& device) {
+    device.problemCode = problem::NoDriver;
     if (!context.From().live || !context.Modules().Available())
-        return problem::NoDriver;
-    const QByteArrayList modules = context.Modules().Matching(modalias);
-    if (modules.isEmpty())
-        return problem::NoDriver;
-    bool blacklisted = false;
-    for (const QByteArray& module : modules) {
-        if (context.Files().Has("/module/" + module.toStdString()))
-            return problem::CannotStart;
-        blacklisted = blacklisted || context.Modules().Blacklisted(module);
+        return;
+    for (const QByteArray& module : context.Modules().Matching(modalias)) {
+        const bool loaded = context.Files().Has("/module/" + module.toStdString());
+        const bool blacklisted = context.Modules().Blacklisted(module);
+        // The first module speaks for the device, unless a later one is loaded or kept out on purpose.
+        if (device.problemCode == problem::NoDriver || loaded || blacklisted) {
+            device.problemCode = loaded        ? problem::CannotStart
+                                 : blacklisted ? problem::DriverBlacklisted
+                                               : problem::DriverNotLoaded;
+            device.fittingModule = QString::fromUtf8(module);
+        }
+        if (loaded)
+            return;
     }
-    return blacklisted ? problem::DriverBlacklisted : problem::DriverNotLoaded;
 }
 
 } // namespace
 
-quint32 ProblemOf(Context& context, const Node& node, const ProblemFacts& facts) {
-    if (IsDisabled(node, facts.driver))
-        return problem::Disabled;
-    if (node.Word("waiting_for_supplier") == "1")
-        return problem::WaitingForSupplier;
-    if (HasUnassignedRegion(node))
-        return problem::NoResources;
-    if (node.Word("power/runtime_status") == "error")
-        return problem::CannotStart;
-    if (!facts.driver.isEmpty() || !facts.needsDriver)
-        return problem::None;
-    return WithoutDriver(context, facts.modalias);
+void TakeProblem(Context& context, const Node& node, const std::string& modalias, bool needsDriver, Device& device) {
+    device.fittingModule.clear();
+    device.problemCode = problem::None;
+    if (IsDisabled(node, device.service))
+        device.problemCode = problem::Disabled;
+    else if (node.Word("waiting_for_supplier") == "1")
+        device.problemCode = problem::WaitingForSupplier;
+    else if (HasUnassignedRegion(node))
+        device.problemCode = problem::NoResources;
+    else if (node.Word("power/runtime_status") == "error")
+        device.problemCode = problem::CannotStart;
+    else if (device.service.isEmpty() && needsDriver)
+        TakeMissingDriver(context, modalias, device);
 }
 
 } // namespace pnp

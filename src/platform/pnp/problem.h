@@ -22,15 +22,15 @@ inline constexpr quint32 WaitingForSupplier = 51;
 
 } // namespace problem
 
-struct ProblemFacts {
-    // The bound driver, empty for none.
-    QString driver;
-    std::string modalias;
-    // False for classes that work without a driver and for functions that user space drives.
-    bool needsDriver = true;
-};
+// Settles the code of a device whose driver is known, by its folder: what the user or the kernel did to it first (22,
+// 51, 12, 10), then the driver's absence, and with that the module that would fit. `needsDriver` is false for classes
+// that work without a driver and for functions that user space drives.
+void TakeProblem(Context& context, const Node& node, const std::string& modalias, bool needsDriver, Device& device);
 
-// The code of a device folder: what the user or the kernel did to it first (22, 51, 12, 10), then the driver's absence.
-quint32 ProblemOf(Context& context, const Node& node, const ProblemFacts& facts);
+// What the device itself tells goes before what its driver's absence does.
+inline void Overrule(Device& device, quint32 code) {
+    device.problemCode = code;
+    device.fittingModule.clear();
+}
 
 } // namespace pnp

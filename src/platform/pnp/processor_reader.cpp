@@ -103,7 +103,7 @@ void ReadProcessor(Context& context, const std::string& path, std::vector<Device
         device.instancePath = QStringLiteral("ACPI\\ACPI0007\\") + number;
     }
     context.TakeDriver(node, device);
-    device.problemCode = ProblemOf(context, node, {device.service, {}, false});
+    TakeProblem(context, node, {}, false, device);
     devices.push_back(std::move(device));
 }
 

@@ -51,7 +51,7 @@ void ReadRouter(Context& context, const std::string& path, std::vector<Device>& 
         device.manufacturer = context.PciIds().VendorName(quint16(*vendor));
     device.classGuid = QString::fromUtf16(class_guid::Usb);
     context.TakeDriver(node, device);
-    device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), false});
+    TakeProblem(context, node, node.Modalias(), false, device);
     devices.push_back(std::move(device));
 }
 

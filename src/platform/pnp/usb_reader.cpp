@@ -60,7 +60,7 @@ void ReadRootHub(Context& context, const Node& node, std::vector<Device>& device
     device.manufacturer = QStringLiteral("(Standard USB Host Controller)");
     device.classGuid = QString::fromUtf16(class_guid::Usb);
     context.TakeDriver(node, device);
-    device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), false});
+    TakeProblem(context, node, node.Modalias(), false, device);
     devices.push_back(std::move(device));
 }
 
@@ -95,11 +95,9 @@ void ReadSingleFunction(Context& context, const Node& node, const std::vector<st
     const UsbFunction function{codes.classCode, codes.subclass, codes.protocol, ids.vendor.value_or(0), device.name};
     TakeFunction(context, functional, function, device);
     // A device that nobody configured has no interfaces to bind to.
-    device.problemCode =
-        ProblemOf(context, node, {device.service, functional.Modalias(), !UsbDrivenFromUserSpace(function)});
+    TakeProblem(context, node, functional.Modalias(), !UsbDrivenFromUserSpace(function), device);
     if (device.problemCode == problem::None && functional.Path() != node.Path())
-        device.problemCode =
-            ProblemOf(context, functional, {device.service, functional.Modalias(), !UsbDrivenFromUserSpace(function)});
+        TakeProblem(context, functional, functional.Modalias(), !UsbDrivenFromUserSpace(function), device);
 }
 
 void ReadDevice(Context& context, const Node& node, std::vector<Device>& devices) {
@@ -128,7 +126,7 @@ void ReadDevice(Context& context, const Node& node, std::vector<Device>& devices
             device.name = hub ? QStringLiteral("Generic USB Hub") : QStringLiteral("USB Composite Device");
         context.TakeDriver(hub && !interfaces.empty() ? node.Child(interfaces.front()) : node, device);
         device.classGuid = QString::fromUtf16(class_guid::Usb);
-        device.problemCode = ProblemOf(context, node, {device.service, node.Modalias(), true});
+        TakeProblem(context, node, node.Modalias(), true, device);
     } else {
         ReadSingleFunction(context, node, interfaces, ids, device);
     }
@@ -169,7 +167,7 @@ void ReadInterface(Context& context, const Node& node, std::vector<Device>& devi
     if (const QString own = node.Text("interface"); !own.isEmpty())
         device.name = own;
     TakeFunction(context, node, function, device);
-    device.problemCode = ProblemOf(context, node, {device.service, alias, !UsbDrivenFromUserSpace(function)});
+    TakeProblem(context, node, alias, !UsbDrivenFromUserSpace(function), device);
     devices.push_back(std::move(device));
 }
 

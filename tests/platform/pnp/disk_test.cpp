@@ -77,6 +77,7 @@ TEST(Disk, NvmeControllersAreDisks) {
     EXPECT_TRUE(disk.instancePath.endsWith(QStringLiteral("&0&000000")));
     EXPECT_EQ(Plain(disk.hardwareIds.value(0)), "SCSI\\DiskNVMe____Samsung_SSD_990_PRO_2TB_________________4B2QJXD7");
     EXPECT_EQ(Plain(disk.hardwareIds.value(2)), "SCSI\\DiskNVMe____Samsung_SSD_990_4B2Q");
+    EXPECT_EQ(Plain(disk.bus + QLatin1Char(' ') + disk.address), "nvme nvme0");
     EXPECT_EQ(disk.problemCode, 0U);
     fixture.Write(QStringLiteral("/devices/pci0000:00/0000:00:1d.0/0000:02:00.0/nvme/nvme0/state"), "dead\n");
     EXPECT_EQ(fixture.Only(QStringLiteral("SCSI\\Disk")).problemCode, 43U);

@@ -54,6 +54,7 @@ TEST(Pci, LocatesAFunctionBehindABridge) {
     const DeviceFixture fixture(Tree);
     const pnp::Device device = fixture.Only(QStringLiteral("PCI\\VEN_10DE&DEV_1183&SUBSYS_841F1043&REV_A1\\4&"));
     EXPECT_TRUE(device.instancePath.endsWith(QStringLiteral("&0&0008"))) << Plain(device.instancePath);
+    EXPECT_EQ(Plain(device.bus + QLatin1Char(' ') + device.address), "pci 0000:01:00.0");
     EXPECT_EQ(device.problemCode, 28U);
     EXPECT_EQ(device.classGuid, Guid(pnp::class_guid::Display));
     EXPECT_TRUE(device.driverKey.isEmpty());

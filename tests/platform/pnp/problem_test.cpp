@@ -79,23 +79,30 @@ TEST(Problems, InstalledModulesTellWhyADriverIsMissing) {
     sources.modulesFolder = fixture.Beside(QStringLiteral("modules"));
     sources.modprobeFolders = {fixture.Beside(QStringLiteral("modprobe.d"))};
     pnp::SetSources(sources);
-    const auto problem = [&fixture] { return fixture.Only(QStringLiteral("PCI\\")).problemCode; };
-    EXPECT_EQ(problem(), 28U) << "no file of aliases";
+    // The code and the module that would fit.
+    const auto problem = [&fixture] {
+        const pnp::Device device = fixture.Only(QStringLiteral("PCI\\"));
+        return std::to_string(device.problemCode) + ' ' + Plain(device.fittingModule);
+    };
+    EXPECT_EQ(problem(), "28 ") << "no file of aliases";
 
     const QString aliases = sources.modulesFolder + QStringLiteral("/modules.alias");
     WriteFile(aliases, "# comment\nalias pci:v00008086d00001234sv*sd*bc*sc*i* other\nbroken\n");
-    EXPECT_EQ(problem(), 28U);
+    EXPECT_EQ(problem(), "28 ");
     WriteFile(aliases, "alias pci:v00008086d0000100Esv*sd*bc*sc*i* my-driver\n");
-    EXPECT_EQ(problem(), 31U);
-    WriteFile(aliases, "alias pci:v*d*sv*sd*bc02sc00i* my-driver\n");
-    EXPECT_EQ(problem(), 31U) << "a pattern that begins with a wildcard";
+    EXPECT_EQ(problem(), "31 my_driver");
+    WriteFile(aliases, "alias pci:v*d*sv*sd*bc02sc00i* other\nalias pci:v*d*sv*sd*bc02sc00i* my-driver\n");
+    EXPECT_EQ(problem(), "31 other") << "patterns that begin with a wildcard";
     WriteFile(sources.modprobeFolders[0] + QStringLiteral("/a.conf"), "blacklist my_driver\n");
-    EXPECT_EQ(problem(), 32U);
+    EXPECT_EQ(problem(), "32 my_driver");
     fixture.Add("/module/my_driver\n");
-    EXPECT_EQ(problem(), 10U);
+    EXPECT_EQ(problem(), "10 my_driver");
+    fixture.Write(Folder + QStringLiteral("/driver_override"), "vfio-pci\n");
+    EXPECT_EQ(problem(), "22 ");
+    fixture.Remove(Folder + QStringLiteral("/driver_override"));
     sources.live = false;
     pnp::SetSources(sources);
-    EXPECT_EQ(problem(), 28U);
+    EXPECT_EQ(problem(), "28 ");
 }
 
 TEST(Problems, TheKernelsReleaseIsTheVersionOfItsModules) {
