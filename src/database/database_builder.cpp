@@ -81,6 +81,7 @@ bool DatabaseBuilder::Write(const QString& path, const QString& version, QString
 
 void DatabaseBuilder::Fill(const QString& path, const QString& version) const {
     const auto connection = std::make_shared<data::Connection>();
+    connection->SetRules(&Rules());
     connection->SetConnectionString(data::ConnectionStringFor(path));
     connection->Open();
     connection->BeginTrans();

@@ -1,6 +1,8 @@
 // The tables of the device database; docs/database.md tells what they hold.
 #pragma once
 
+#include "data/database_rules.h"
+
 #include <QStringList>
 
 namespace database {
@@ -14,7 +16,13 @@ inline constexpr char16_t InsertDeviceName[] = u"INSERT INTO devicenames (device
 inline constexpr char16_t InsertManufacturer[] = u"INSERT INTO mfgs (mfg) VALUES(?)";
 inline constexpr char16_t InsertHardwareId[] = u"INSERT INTO hwids (hwid,info) VALUES(?,?)";
 
+// The most characters of a version.
+inline constexpr int VersionSize = 50;
+
 // The CREATE statements of an empty database.
 QStringList SchemaStatements();
+
+// What a file must be to be opened as the device database.
+const data::DatabaseRules& Rules();
 
 } // namespace database

@@ -4,6 +4,7 @@
 #include "base/yield.h"
 #include "data/error.h"
 #include "database/device_info.h"
+#include "database/schema.h"
 #include "values/addresses.h"
 #include "values/program_values.h"
 
@@ -92,6 +93,7 @@ bool OpenDatabaseFile(const QString& path, data::Error* error) {
             const auto connection = std::make_shared<data::Connection>();
             TheStore().Connection = connection;
             connection->SetCursorLocation(data::adUseClient);
+            connection->SetRules(&Rules());
             connection->SetConnectionString(data::ConnectionStringFor(path));
             connection->Open(QString(), QString(), data::adConnectUnspecified);
         },
@@ -106,16 +108,6 @@ bool OpenDeviceDatabase() {
     }
     base::Yield();
     return true;
-}
-
-QString MissingTable(const data::ConnectionPtr& connection) {
-    for (const char* table : {"hwids", "devicenames", "mfgs", "version"}) {
-        data::Recordset rows;
-        if (!data::Ran([&] { rows.Open(QStringLiteral("SELECT * FROM ") + QLatin1String(table), connection); })) {
-            return QLatin1String(table);
-        }
-    }
-    return QString();
 }
 
 void CloseDeviceDatabase() {

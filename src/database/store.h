@@ -31,10 +31,6 @@ bool OpenDeviceDatabase();
 // Makes `path` the open database, for tools: nothing is shown and nothing ends where it fails.
 bool OpenDatabaseFile(const QString& path, data::Error* error = nullptr);
 
-// The first of the four tables that the file lacks; empty where it has them all. A file can be a database of something
-// else.
-QString MissingTable(const data::ConnectionPtr& connection);
-
 // Closes and releases the slots and the connection, yielding after each. Never fails.
 void CloseDeviceDatabase();
 

@@ -3,12 +3,15 @@
 #include "appearance/colour_table.h"
 #include "appearance/skin.h"
 #include "appearance/window_effects.h"
+#include "base/aside.h"
 #include "base/yield.h"
 #include "controls/brindlex_pb.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
+#include "data/file_judge.h"
 #include "data/replace_file.h"
+#include "database/schema.h"
 #include "database/store.h"
 #include "database/submission_scope.h"
 #include "forms/desktop.h"
@@ -76,9 +79,18 @@ QString ShownValue(qint32 number) { return QString::number(number); }
 
 QString ArchivePath() { return values::ProgramFolder() + QStringLiteral("\\hwids.7z"); }
 
-// A database takes the old one's place only if it is one: the program cannot start with anything else.
-bool ReplaceDatabase(const QString& from, const QString& to) {
-    return data::IsDatabaseFile(from) && data::ReplaceDatabaseFile(from, to);
+bool ReplaceDatabase(const QString& from, const QString& to) { return data::ReplaceDatabaseFile(from, to); }
+
+// A database takes the old one's place only if the program could start with it. Reading it through takes a while, so
+// that is done aside.
+bool IsDeviceDatabase(const QString& path, const std::function<bool()>& stopped) {
+    bool good = false;
+    base::RunAside(
+        [&](const std::atomic<bool>& stop) {
+            good = data::JudgeDatabaseFile(path, database::Rules(), &stop).isEmpty();
+        },
+        stopped);
+    return good;
 }
 
 } // namespace
@@ -260,6 +272,7 @@ void FrmUpdate::DL1_DLComplete() {
 void FrmUpdate::UnpackDatabase(const QString& archive) {
     net::VszLib zip;
     zip.SetStop([this] { return Stopped(); });
+    zip.SetDatabaseJudge([this](const QString& path) { return IsDeviceDatabase(path, [this] { return Stopped(); }); });
     zip.SetDatabaseReplacer(&ReplaceDatabase);
     connect(&zip, &net::VszLib::Progress, this,
             [this](int, double current, double total) { zip_Progress(current, total); });

@@ -5,6 +5,7 @@
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "data/replace_file.h"
+#include "database/schema.h"
 #include "database/store.h"
 #include "database/submission_scope.h"
 #include "forms/desktop.h"
@@ -75,10 +76,9 @@ class FrmUpdateTest : public testing::Test {
     }
 
     void MakeDatabase(const QString& name, const QString& version) const {
-        ASSERT_TRUE(data::CreateDatabaseFile(folder_.filePath(name),
-                                             {QStringLiteral("CREATE TABLE hwids (hwid TEXT, info TEXT)"),
-                                              QStringLiteral("CREATE TABLE version (dbversion TEXT)"),
-                                              QStringLiteral("INSERT INTO version VALUES ('%1')").arg(version)}));
+        ASSERT_TRUE(data::CreateDatabaseFile(
+            folder_.filePath(name), database::SchemaStatements() +
+                                        QStringList(QStringLiteral("INSERT INTO version VALUES ('%1')").arg(version))));
     }
 
     QByteArray Read(const QString& name) const {
@@ -86,19 +86,24 @@ class FrmUpdateTest : public testing::Test {
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
     }
 
-    // An archive of one file of that content.
-    static QByteArray Archive(const QByteArray& content, const QString& name = QStringLiteral("hwids.mdb")) {
+    // An archive of files of that content, by name.
+    static QByteArray Archive(const QMap<QString, QByteArray>& files) {
         const QTemporaryDir work;
-        QFile file(work.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-        file.close();
+        for (auto entry = files.begin(); entry != files.end(); ++entry) {
+            QFile file(work.filePath(entry.key()));
+            EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(entry.value()) == entry.value().size());
+        }
         QProcess packer;
-        packer.start(net::FindEngine(), {QStringLiteral("a"), QStringLiteral("-bd"),
-                                         work.filePath(QStringLiteral("made.7z")), file.fileName()});
+        packer.setWorkingDirectory(work.path());
+        packer.start(net::FindEngine(),
+                     QStringList{QStringLiteral("a"), QStringLiteral("-bd"), QStringLiteral("made.7z")} + files.keys());
         EXPECT_TRUE(packer.waitForFinished());
         QFile made(work.filePath(QStringLiteral("made.7z")));
         EXPECT_TRUE(made.open(QIODevice::ReadOnly));
         return made.readAll();
+    }
+    static QByteArray Archive(const QByteArray& content, const QString& name = QStringLiteral("hwids.mdb")) {
+        return Archive({{name, content}});
     }
 
     FrmUpdate* Open() {
@@ -233,7 +238,8 @@ TEST_F(FrmUpdateTest, InTheMiddleOnlyCancelClosesTheWindow) {
     QTest::qWait(100);
     EXPECT_EQ(Read(QStringLiteral("hwids.7z")).size(), 4 * 1024) << "the partial file stays";
     EXPECT_FALSE(main_->count->Enabled());
-    EXPECT_TRUE(data::IsDatabaseFile(folder_.filePath(QStringLiteral("hwids.mdb"))));
+    EXPECT_TRUE(database::OpenDatabaseFile(folder_.filePath(QStringLiteral("hwids.mdb"))));
+    database::CloseDeviceDatabase();
     EXPECT_TRUE(QTest::qWaitFor([this] { return server_.OpenConnections() == 0; }, 5'000))
         << "the window's end drops the connection";
     Open();
@@ -252,6 +258,9 @@ TEST_F(FrmUpdateTest, ABrokenTransferLeavesTheWindowToItsCancelButton) {
 
 TEST_F(FrmUpdateTest, ABadArchiveIsReportedAndTheOldDatabaseStays) {
     const QByteArray before = Read(QStringLiteral("hwids.mdb"));
+    MakeDatabase(QStringLiteral("new"), QStringLiteral("2.6.0"));
+    ASSERT_TRUE(
+        data::CreateDatabaseFile(folder_.filePath(QStringLiteral("foreign")), {QStringLiteral("CREATE TABLE x (a)")}));
     const QString unopened = QStringLiteral("Failed to open the download database file!");
     const QString unpacked = QStringLiteral("Failed to decompress the download database file!");
     struct Case {
@@ -260,7 +269,11 @@ TEST_F(FrmUpdateTest, ABadArchiveIsReportedAndTheOldDatabaseStays) {
     };
     for (const Case& tried :
          {Case{"<html>no archive at all</html>", unopened}, Case{Archive("x", QStringLiteral("libevil.so")), unpacked},
-          Case{Archive("not a database, though well packed"), unpacked}}) {
+          Case{Archive("not a database, though well packed"), unpacked},
+          Case{Archive(Read(QStringLiteral("foreign"))), unpacked},
+          Case{Archive({{QStringLiteral("hwids.mdb"), Read(QStringLiteral("new"))},
+                        {QStringLiteral("z.mdb"), "the second one is none"}}),
+               unpacked}}) {
         messages_.clear();
         main_->notice->SetVisible(true);
         main_->count->SetEnabled(false);

@@ -1,6 +1,8 @@
 #include "database_file.h"
 
 #include "data/error.h"
+#include "data/file_judge.h"
+#include "database/schema.h"
 #include "database/store.h"
 
 #include <QFile>
@@ -25,46 +27,33 @@ bool WriteWhole(QFile& file, const QByteArray& bytes) {
     return true;
 }
 
-// A page of the file that cannot be read would cost its rows, and all that stand behind them.
-bool IsDamaged(const data::ConnectionPtr& connection) {
-    QString found;
-    data::Ran([&] {
-        data::Recordset rows;
-        rows.Open(QStringLiteral("SELECT quick_check AS found FROM pragma_quick_check"), connection);
-        found = rows.Value(QStringLiteral("found")).toString();
-    });
-    return found != QLatin1String("ok");
-}
-
-// Empty, or the line that tells that the file is a damaged database or one of something else.
-QString Unusable(const QString& path, const data::ConnectionPtr& connection) {
-    if (IsDamaged(connection)) {
-        return QStringLiteral("%1: the database is damaged").arg(path);
-    }
-    const QString missing = database::MissingTable(connection);
-    return missing.isEmpty() ? QString() : QStringLiteral("%1: not a device database (no table %2)").arg(path, missing);
-}
-
 } // namespace
 
 data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
+    error = data::JudgeDatabaseFile(path, database::Rules());
+    if (!error.isEmpty()) {
+        return nullptr;
+    }
     auto connection = std::make_shared<data::Connection>();
     data::Error failure;
     const bool opened = data::Ran(
         [&] {
+            connection->SetRules(&database::Rules());
             connection->SetConnectionString(data::ConnectionStringFor(QFileInfo(path).absoluteFilePath()));
             connection->Open();
         },
         &failure);
-    error = opened ? Unusable(path, connection) : failure.Description();
-    return error.isEmpty() ? connection : nullptr;
+    error = failure.Description();
+    return opened ? connection : nullptr;
 }
 
 QString OpenForProgram(const QString& path) {
+    const QString wrong = data::JudgeDatabaseFile(path, database::Rules());
     data::Error failure;
-    return database::OpenDatabaseFile(QFileInfo(path).absoluteFilePath(), &failure)
-               ? Unusable(path, database::DatabaseConnection())
-               : failure.Description();
+    if (wrong.isEmpty()) {
+        database::OpenDatabaseFile(QFileInfo(path).absoluteFilePath(), &failure);
+    }
+    return wrong.isEmpty() ? failure.Description() : wrong;
 }
 
 QString CopyFile(const QString& from, const QString& to) {

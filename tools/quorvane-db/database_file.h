@@ -11,7 +11,8 @@ namespace tool {
 
 inline constexpr int longestVersion = 50; // characters
 
-// Null where it cannot be opened, is no device database or is damaged; `error` then holds the line to print.
+// Null where it cannot be opened or is not what a client would take as its database; `error` then holds the line to
+// print.
 data::ConnectionPtr OpenDatabase(const QString& path, QString& error);
 
 // Opens it as the program's own database, for its routines. Empty, or the line to print.

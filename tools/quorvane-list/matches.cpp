@@ -22,11 +22,7 @@ std::string OpenDatabase(const std::string& path) {
     if (file.isEmpty())
         return "there is no database; name one with --db";
     data::Error error;
-    if (!database::OpenDatabaseFile(file, &error))
-        return error.Description().toStdString();
-    const QString missing = database::MissingTable(database::DatabaseConnection());
-    return missing.isEmpty() ? std::string()
-                             : file.toStdString() + ": not a device database (no table " + missing.toStdString() + ")";
+    return database::OpenDatabaseFile(file, &error) ? std::string() : error.Description().toStdString();
 }
 
 Matches BestMatches(const suite::ListItem& device) {

@@ -76,7 +76,7 @@ void Connection::Open(const QString& /*user*/, const QString& /*password*/, int 
     if (parts.Provider.compare(TheProvider(), Qt::CaseInsensitive) != 0) {
         throw Error(ErrorProviderNotFound);
     }
-    session_ = std::make_shared<Session>(base::NativePath(parts.DataSource));
+    session_ = std::make_shared<Session>(base::NativePath(parts.DataSource), rules_);
 }
 
 void Connection::Close() {

@@ -9,6 +9,7 @@
 
 namespace data {
 
+struct DatabaseRules;
 class Session;
 
 // The connection string that opens the file at `path`, which may be one of the program's own, with backslashes.
@@ -26,6 +27,9 @@ class Connection {
 
     // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=<path>;"; other keys are passed over.
     void SetConnectionString(const QString& text);
+
+    // What the file must be, judged at each opening; of static life. Null: any tables.
+    void SetRules(const DatabaseRules* rules) { rules_ = rules; }
 
     // Opens the file, which must exist and be a database. User and password are not asked for by the provider.
     void Open(const QString& user = QString(), const QString& password = QString(), int options = adConnectUnspecified);
@@ -58,6 +62,7 @@ class Connection {
     const std::shared_ptr<Session>& RequireSession() const;
 
     QString connectionString_;
+    const DatabaseRules* rules_ = nullptr;
     std::shared_ptr<Session> session_;
 };
 

@@ -92,8 +92,8 @@ void Recordset::FetchPage(qint64 behind) {
     const bool first = behind == beforeFirst;
     const QByteArray select = "SELECT rowid, * FROM " + Quoted(table_);
     const QByteArray order = " ORDER BY rowid LIMIT " + QByteArray::number(pageRows);
-    Table page = first ? session->Query(select + order, {}, true)
-                       : session->Query(select + " WHERE rowid > ?" + order, {qlonglong(behind)}, true);
+    Table page = first ? session->Query(select + order, {}, true, true)
+                       : session->Query(select + " WHERE rowid > ?" + order, {qlonglong(behind)}, true, true);
     if (first) {
         SetColumns(page.Columns);
     } else if (session->Generation() != generation_) {
@@ -104,6 +104,7 @@ void Recordset::FetchPage(qint64 behind) {
     rowIds_ = std::move(page.RowIds);
     at_ = 0;
     pagePassed_ = !first;
+    pagesFollow_ = page.More || rows_.size() == pageRows;
 }
 
 void Recordset::Open() {
@@ -182,7 +183,7 @@ void Recordset::MoveNext() {
     if (at_ >= rows_.size()) {
         throw Error(ErrorNoCurrentRecord);
     }
-    if (kind_ == Kind::Paged && at_ + 1 == rows_.size() && rows_.size() == pageRows) {
+    if (kind_ == Kind::Paged && at_ + 1 == rows_.size() && pagesFollow_) {
         FetchPage(rowIds_.back());
         return;
     }

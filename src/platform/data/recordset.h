@@ -100,6 +100,7 @@ class Recordset {
     size_t at_ = 0;
     bool newRow_ = false;
     bool pagePassed_ = false;      // a page before the present one has been walked
+    bool pagesFollow_ = false;     // there may be one behind it
     Row added_;                    // the row that AddNew began
     QHash<int, QVariant> changes_; // of the current row, by column
     mutable qint64 count_ = -1;    // of a paged table, once asked

@@ -1,7 +1,7 @@
 #include "data/replace_file.h"
 
 #include "data/error.h"
-#include "data/session.h"
+#include "data/guarded_handle.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <memory>
 #include <sqlite3.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -21,11 +20,6 @@ namespace data {
 namespace {
 
 constexpr int lockTimeout = 10000; // milliseconds that one replacement waits for another
-
-struct CloseHandle {
-    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
-};
-using Handle = std::unique_ptr<sqlite3, CloseHandle>;
 
 QString LastError() { return QString::fromLocal8Bit(std::strerror(errno)); }
 
@@ -41,20 +35,11 @@ bool SyncPath(const QString& path, int flags) {
 
 bool SyncFolderOf(const QString& path) { return SyncPath(QFileInfo(path).absolutePath(), O_RDONLY | O_DIRECTORY); }
 
-Handle OpenHandle(const QString& path, int flags, int& code) {
-    sqlite3* handle = nullptr;
-    code = sqlite3_open_v2(path.toUtf8().constData(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
-    return Handle(handle);
-}
-
 // The old file opened for nobody else. What is no database has no one who writes to it: an empty handle, without error.
 Handle OpenExclusively(const QString& path, QString& error) {
+    Handle handle;
     int code = SQLITE_OK;
-    Handle handle = OpenHandle(path, SQLITE_OPEN_READWRITE, code);
-    if (code == SQLITE_OK && !ConfigureHandle(handle.get())) {
-        code = sqlite3_errcode(handle.get());
-    }
-    if (code == SQLITE_OK) {
+    if (Ran([&] { handle = OpenGuarded(path, nullptr, &code); })) {
         // Rolls back what an interrupted write left; held until the new file stands there.
         code = sqlite3_exec(handle.get(), "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
     }
@@ -65,6 +50,17 @@ Handle OpenExclusively(const QString& path, QString& error) {
         handle.reset();
     }
     return handle;
+}
+
+// Nobody can have begun a write, so a journal or a log that still stands here belongs to nothing. It goes before the
+// new file comes: behind the rename it could be one that the new file needs.
+bool RemoveNeighbours(const QString& place) {
+    for (const char* ending : {"-journal", "-wal", "-shm"}) {
+        if (::unlink(QFile::encodeName(place + QLatin1String(ending)).constData()) != 0 && errno != ENOENT) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // One replacement at a time. The system itself lets go of the lock when its holder ends, however that ends; a file that
@@ -115,15 +111,6 @@ class ReplacementLock {
 
 } // namespace
 
-bool IsDatabaseFile(const QString& nativePath) {
-    return Ran([&] {
-        Session session(nativePath);
-        if (session.Query("SELECT count(*) FROM sqlite_schema WHERE type = 'table'", {}, false).Rows.at(0).at(0) == 0) {
-            throw Error(ErrorUnspecified);
-        }
-    });
-}
-
 bool ReplaceDatabaseFile(const QString& newFile, const QString& target, QString* error) {
     QString ignored;
     QString& what = error != nullptr ? *error : ignored;
@@ -149,10 +136,7 @@ bool ReplaceDatabaseFile(const QString& newFile, const QString& target, QString*
         what = busy;
         return false;
     }
-    // Nobody can have begun a write, so a journal that still stands here belongs to nothing. It goes before the new
-    // file comes: behind the rename it could be one that the new file needs.
-    const QByteArray journal = QFile::encodeName(place + QStringLiteral("-journal"));
-    if ((::unlink(journal.constData()) != 0 && errno != ENOENT) || !SyncFolderOf(place) ||
+    if (!RemoveNeighbours(place) || !SyncFolderOf(place) ||
         std::rename(QFile::encodeName(newFile).constData(), QFile::encodeName(place).constData()) != 0) {
         what = LastError();
         return false;
@@ -172,8 +156,10 @@ bool CreateDatabaseFile(const QString& nativePath, const QStringList& statements
         return false;
     }
     ::close(descriptor);
-    int code = SQLITE_OK;
-    Handle handle = OpenHandle(QFileInfo(nativePath).absoluteFilePath(), SQLITE_OPEN_READWRITE, code);
+    sqlite3* opened = nullptr;
+    int code = sqlite3_open_v2(QFileInfo(nativePath).absoluteFilePath().toUtf8().constData(), &opened,
+                               SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    Handle handle(opened);
     QByteArray script = "BEGIN;";
     for (const QString& statement : statements) {
         script += statement.toUtf8() + ';';

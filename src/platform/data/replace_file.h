@@ -6,9 +6,6 @@
 
 namespace data {
 
-// Whether this is a file that opens as a database with at least one table.
-bool IsDatabaseFile(const QString& nativePath);
-
 // Puts `newFile` in the place of `target` (both native, in one folder). Others that replace it wait; a write that
 // another process has under way ends first, and an interrupted one is taken back, so that no journal of the old file is
 // left to be played into the new one. A reader or a crash meets the old file whole or the new file whole. Where it

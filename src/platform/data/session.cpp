@@ -3,48 +3,19 @@
 #include "data/error.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace data {
 
 namespace {
 
-constexpr int busyTimeout = 10000;     // milliseconds that a call waits for another process's write
-constexpr size_t keptStatements = 24;  // shapes of statement that stay prepared
-constexpr int longestValue = 64 << 20; // bytes of one value or row; a damaged length is refused beyond it
+constexpr size_t keptStatements = 24; // shapes of statement that stay prepared
+// What one query may bring into memory; more is a failure, or the next page's.
+constexpr size_t mostRows = 20'000;
+constexpr qint64 mostBytes = LongestValue;
 
 quint64 nextGeneration = 1;
-
-Error OpenError(const QString& path, int code) {
-    switch (code & 0xFF) {
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-        return Error(ErrorUnspecified, QStringLiteral("Unrecognized database format '%1'.").arg(path));
-    case SQLITE_CANTOPEN:
-    case SQLITE_PERM:
-    case SQLITE_AUTH:
-    case SQLITE_READONLY:
-    case SQLITE_BUSY:
-        return Error(ErrorUnspecified, QStringLiteral("Cannot open the file '%1'. It is already opened exclusively by "
-                                                      "another user, or you need permission to view its data.")
-                                           .arg(path));
-    default:
-        return Error(
-            ErrorUnspecified,
-            QStringLiteral("Cannot open the file '%1': %2.").arg(path, QString::fromUtf8(sqlite3_errstr(code))));
-    }
-}
-
-// Asks again every millisecond. The store's own wait grows to a tenth of a second, which misses each of the short gaps
-// that another process leaves while it writes row after row: one that started meanwhile gave up after its whole
-// time-out.
-int WaitForOthers(void* /*unused*/, int waits) {
-    ::usleep(1000);
-    return waits < busyTimeout ? 1 : 0;
-}
 
 // The texts are UTF-8 copies that the statement keeps.
 int Bind(sqlite3_stmt* statement, int at, const QVariant& value) {
@@ -82,18 +53,6 @@ QVariant ColumnValue(sqlite3_stmt* statement, int column) {
 }
 
 } // namespace
-
-bool ConfigureHandle(sqlite3* handle) {
-    sqlite3_busy_handler(handle, WaitForOthers, nullptr);
-    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, longestValue);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
-    // EXTRA also syncs the folder after the journal is removed: without it a power cut can take back a finished write.
-    return sqlite3_exec(handle, "PRAGMA synchronous=EXTRA; PRAGMA cell_size_check=ON; PRAGMA journal_mode=DELETE;",
-                        nullptr, nullptr, nullptr) == SQLITE_OK;
-}
 
 // Leaves a statement reset and without values however its use ends.
 class Session::Run {
@@ -133,7 +92,7 @@ class Session::Run {
     sqlite3_stmt* statement_;
 };
 
-Session::Session(const QString& nativePath) : path_(nativePath) { Open(); }
+Session::Session(const QString& nativePath, const DatabaseRules* rules) : path_(nativePath), rules_(rules) { Open(); }
 
 Session::~Session() { Close(); }
 
@@ -146,38 +105,11 @@ Session::FileIdentity Session::IdentityOf(const QString& path) {
 }
 
 void Session::Open() {
-    const QFileInfo info(path_);
-    if (!info.exists()) {
-        throw Error(ErrorUnspecified, QStringLiteral("Could not find file '%1'.").arg(path_));
-    }
-    // A folder, and a pipe, whose opening would wait for ever.
-    if (!info.isFile()) {
-        throw Error(ErrorUnspecified,
-                    QStringLiteral("'%1' is not a valid path. Make sure that the path name is spelled "
-                                   "correctly and that it names a file.")
-                        .arg(path_));
-    }
     const FileIdentity identity = IdentityOf(path_);
-    sqlite3* handle = nullptr;
-    int code = sqlite3_open_v2(info.absoluteFilePath().toUtf8().constData(), &handle,
-                               SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
-    if (code == SQLITE_OK) {
-        // Reads the header, so what is no database fails here and a journal that a crash left is rolled back. An empty
-        // file would pass as a database without tables.
-        code = ConfigureHandle(handle)
-                   ? sqlite3_exec(handle, "SELECT count(*) FROM sqlite_schema", nullptr, nullptr, nullptr)
-                   : sqlite3_extended_errcode(handle);
-    }
-    if (code == SQLITE_OK && info.size() == 0) {
-        code = SQLITE_NOTADB;
-    }
-    if (code != SQLITE_OK) {
-        sqlite3_close(handle);
-        throw OpenError(path_, code);
-    }
-    sqlite3_set_last_insert_rowid(handle, LastIdentity());
+    Handle opened = OpenGuarded(path_, rules_);
+    sqlite3_set_last_insert_rowid(opened.get(), LastIdentity());
     Close();
-    handle_ = handle;
+    handle_ = std::move(opened);
     file_ = identity;
     generation_ = nextGeneration++;
 }
@@ -187,8 +119,7 @@ void Session::Close() {
         sqlite3_finalize(prepared.Statement);
     }
     statements_.clear();
-    sqlite3_close(handle_);
-    handle_ = nullptr;
+    handle_.reset();
     inTransaction_ = false;
     held_ = false;
 }
@@ -196,10 +127,10 @@ void Session::Close() {
 void Session::Fail(int code) {
     const int primary = code & 0xFF;
     if (storageFault_.isEmpty() && (primary == SQLITE_FULL || primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN)) {
-        storageFault_ = QString::fromUtf8(sqlite3_errmsg(handle_));
+        storageFault_ = QString::fromUtf8(sqlite3_errmsg(handle_.get()));
     }
     const auto number = primary == SQLITE_ERROR ? ErrorInCommand : ErrorUnspecified;
-    throw Error(number, QString::fromUtf8(sqlite3_errmsg(handle_)));
+    throw Error(number, QString::fromUtf8(sqlite3_errmsg(handle_.get())));
 }
 
 Session::Prepared& Session::Prepare(const QByteArray& sql) {
@@ -210,8 +141,8 @@ Session::Prepared& Session::Prepare(const QByteArray& sql) {
         }
     }
     sqlite3_stmt* statement = nullptr;
-    const int code =
-        sqlite3_prepare_v3(handle_, sql.constData(), int(sql.size()), SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    const int code = sqlite3_prepare_v3(handle_.get(), sql.constData(), int(sql.size()), SQLITE_PREPARE_PERSISTENT,
+                                        &statement, nullptr);
     if (code != SQLITE_OK) {
         Fail(code);
     }
@@ -236,7 +167,7 @@ void Session::ReadColumns(Prepared& prepared, int first) {
     }
 }
 
-qint64 Session::LastIdentity() const { return handle_ == nullptr ? 0 : sqlite3_last_insert_rowid(handle_); }
+qint64 Session::LastIdentity() const { return handle_ == nullptr ? 0 : sqlite3_last_insert_rowid(handle_.get()); }
 
 void Session::FollowFile() {
     if (inTransaction_ || held_) {
@@ -256,7 +187,7 @@ void Session::RequireWritableFile() {
     }
 }
 
-Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values, bool withRowId) {
+Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values, bool withRowId, bool inPages) {
     FollowFile();
     Run run(*this, sql, values);
     Table table;
@@ -266,7 +197,15 @@ Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values,
     ReadColumns(run.Source(), first);
     table.Columns = run.Source().Columns;
     const int count = first + int(table.Columns.size());
+    qint64 bytes = 0;
     for (; more; more = run.Step()) {
+        if (table.Rows.size() == mostRows || bytes > mostBytes) {
+            table.More = inPages;
+            if (!inPages) {
+                throw Error(ErrorUnspecified, QStringLiteral("More rows than a query may bring."));
+            }
+            break;
+        }
         if (withRowId) {
             table.RowIds.push_back(sqlite3_column_int64(run.Statement(), 0));
         }
@@ -274,6 +213,7 @@ Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values,
         row.reserve(size_t(count - first));
         for (int column = first; column < count; ++column) {
             row.push_back(ColumnValue(run.Statement(), column));
+            bytes += sqlite3_column_bytes(run.Statement(), column);
         }
     }
     return table;
@@ -295,10 +235,10 @@ int Session::Change(const QByteArray& sql, const std::vector<QVariant>& values) 
         &error);
     if (!changed) {
         // An insert that fails only when it is made durable has moved the number already.
-        sqlite3_set_last_insert_rowid(handle_, identity);
+        sqlite3_set_last_insert_rowid(handle_.get(), identity);
         throw error;
     }
-    return sqlite3_changes(handle_);
+    return sqlite3_changes(handle_.get());
 }
 
 void Session::RunPlain(const char* sql) {
@@ -348,8 +288,8 @@ void Session::Commit() {
 void Session::Rollback() {
     if (inTransaction_) {
         inTransaction_ = false;
-        sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr);
-        sqlite3_set_last_insert_rowid(handle_, identityBefore_);
+        sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_set_last_insert_rowid(handle_.get(), identityBefore_);
     }
 }
 

@@ -3,6 +3,8 @@
 // file that was replaced since it was opened is noticed at the next call and opened in the old one's place.
 #pragma once
 
+#include "data/guarded_handle.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -10,7 +12,6 @@
 #include <list>
 #include <vector>
 
-struct sqlite3;
 struct sqlite3_stmt;
 
 namespace data {
@@ -20,19 +21,20 @@ struct Table {
     QStringList Columns;
     std::vector<std::vector<QVariant>> Rows;
     std::vector<qint64> RowIds;
+    bool More = false; // there are further rows than a page takes
 };
 
 class Session {
   public:
-    // Opens an existing file for reading and writing (for reading alone where it cannot be written). Throws Error where
-    // it is missing, a folder, not permitted, cut short or no database.
-    explicit Session(const QString& nativePath);
+    // Opens an existing file as OpenGuarded does, and every file that comes in its place by the same rules.
+    Session(const QString& nativePath, const DatabaseRules* rules);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // All rows. `withRowId`: the statement's first column is the row's own number.
-    Table Query(const QByteArray& sql, const std::vector<QVariant>& values, bool withRowId);
+    // All rows; Error where they are more or longer than a query may bring. `withRowId`: the statement's first column
+    // is the row's own number. `inPages`: so many of the rows as may come, at least one.
+    Table Query(const QByteArray& sql, const std::vector<QVariant>& values, bool withRowId, bool inPages = false);
     // Runs a statement that gives no rows; how many rows it changed. Durable on return, unless inside a transaction.
     int Change(const QByteArray& sql, const std::vector<QVariant>& values);
 
@@ -87,7 +89,8 @@ class Session {
     [[noreturn]] void Fail(int code);
 
     QString path_;
-    sqlite3* handle_ = nullptr;
+    const DatabaseRules* rules_;
+    Handle handle_;
     std::list<Prepared> statements_; // most recently used first
     FileIdentity file_;
     quint64 generation_ = 0;
@@ -96,9 +99,5 @@ class Session {
     bool inTransaction_ = false;
     bool held_ = false;
 };
-
-// What every handle of ours is set to: durable writes, a rollback journal, and nothing of the file's own code
-// (triggers, views) run. False where the file refuses.
-bool ConfigureHandle(sqlite3* handle);
 
 } // namespace data

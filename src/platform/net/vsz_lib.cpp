@@ -147,6 +147,17 @@ QList<ArchiveEntry> FilesOf(const QList<ArchiveEntry>& entries) {
     return files;
 }
 
+// Every database of the archive: one that is refused keeps the others back too.
+bool AreGood(const QList<ArchiveEntry>& files, const StagingFolder& staging,
+             const std::function<bool(const QString&)>& judge) {
+    for (qsizetype index = 0; judge && index < files.size(); ++index) {
+        if (IsDatabase(files.at(index).path) && !judge(staging.FilePath(index))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // All of the files or, where the first of them fails, none. Databases go first: they are what can be refused.
 bool PutInPlace(const QList<ArchiveEntry>& files, const QString& target, const StagingFolder& staging,
                 const std::function<bool(const QString&, const QString&)>& replaceDatabase) {
@@ -230,7 +241,8 @@ bool VszLib::ExtractAll(const QString& folder) {
         {QStringLiteral("x"), QStringLiteral("-so"), QStringLiteral("-t7z"), QStringLiteral("-p"),
          QStringLiteral("-bd"), QStringLiteral("--"), archive_},
         [&splitter](const char* data, qsizetype size) { return splitter.Take(data, size); }, report);
-    return streamed && report() && splitter.IsWhole() && PutInPlace(files, target, staging, replacer_);
+    return streamed && report() && splitter.IsWhole() && AreGood(files, staging, judge_) &&
+           PutInPlace(files, target, staging, replacer_);
 }
 
 } // namespace net

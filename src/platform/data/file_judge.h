@@ -1,0 +1,17 @@
+// The whole judgement of a database file that comes from somebody else: sound to its last page, and plausible to its
+// last row. Beyond what every opening asks, it reads the file through, so it takes its time.
+#pragma once
+
+#include "data/database_rules.h"
+
+#include <QString>
+#include <atomic>
+
+namespace data {
+
+// Empty, or what is wrong in one line that begins with the path. Touches nothing but the file, so it may run aside
+// while the program goes on; `stop` set to true ends it soon, and it gives up by itself after half a minute.
+QString JudgeDatabaseFile(const QString& nativePath, const DatabaseRules& rules,
+                          const std::atomic<bool>* stop = nullptr);
+
+} // namespace data
