@@ -11,6 +11,8 @@ package_packages=(dpkg-dev gzip)
 # To test it.
 package_test_packages=(lintian desktop-file-utils appstream debootstrap groff x11-utils python3)
 test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools)
+# To boot emulated PCs.
+machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext2fs e2fsprogs python3)
 bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
 
 # For the sanitizer build with the fuzzers.
