@@ -1,65 +1,19 @@
 // Several processes on one database, and processes that are killed: what had been said to be written is there.
 #include "database/additions.h"
 #include "store_fixture.h"
+#include "support/child.h"
 #include "support/long_form.h"
 
 #include <QElapsedTimer>
-#include <csignal>
-#include <functional>
 #include <random>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace database;
+using support::Child;
 
 namespace {
 
 QString Line(int writer, int number) { return QStringLiteral("SHARED|||Name %1.%2|||Maker").arg(writer).arg(number); }
-
-// A process that runs `body`, which tells how far it is by writing one byte for each finished step.
-class Child {
-  public:
-    explicit Child(const std::function<void(const std::function<void()>& stepDone)>& body) {
-        int ends[2];
-        if (::pipe(ends) != 0) {
-            return;
-        }
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            body([&] { [[maybe_unused]] const ssize_t written = ::write(ends[1], "x", 1); });
-            ::_exit(0);
-        }
-        ::close(ends[1]);
-        progress_ = ends[0];
-    }
-    ~Child() { ::close(progress_); }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    void Kill() const { ::kill(pid_, SIGKILL); }
-
-    // Waits until it has finished one step more than was waited for before. False if it ended instead.
-    bool WaitForStep() {
-        char byte = 0;
-        const bool finished = ::read(progress_, &byte, 1) == 1;
-        steps_ += finished ? 1 : 0;
-        return finished;
-    }
-
-    // Waits for its end; the number of steps that it finished.
-    int Finish() {
-        while (WaitForStep()) {
-        }
-        int status = 0;
-        ::waitpid(pid_, &status, 0);
-        return steps_;
-    }
-
-  private:
-    pid_t pid_ = -1;
-    int progress_ = -1;
-    int steps_ = 0;
-};
 
 } // namespace
 

@@ -1,50 +1,45 @@
 // quorvane-db check: what a person should know about files of contributions before merging them.
 #include "command.h"
-#include "contribution_file.h"
-#include "database/additions.h"
 #include "database_file.h"
 #include "options.h"
-
-#include <QSet>
+#include "stage.h"
 
 namespace tool {
 
 namespace {
 
-struct Counts {
-    int Good = 0;
-    int Malformed = 0;
-    int Suspicious = 0;
-    int Duplicate = 0;
-    int Known = 0;
-};
-
-void Report(const QString& path, const JudgedLine& line, const QString& what) {
-    Print(QStringLiteral("%1:%2: %3: %4").arg(Legible(path)).arg(line.Number).arg(what, Legible(line.Text.left(400))));
+void Report(const StagedLine& line, Stage& stage) {
+    QString what;
+    switch (line.As) {
+    case State::Malformed:
+        what = QStringLiteral("malformed, ") + line.Reason;
+        break;
+    case State::Suspicious:
+        what = QStringLiteral("suspicious, ") + line.Reason;
+        break;
+    case State::Duplicate:
+        what = QStringLiteral("duplicate");
+        break;
+    case State::Known:
+        what = QStringLiteral("already known");
+        break;
+    case State::OtherName:
+        what = QStringLiteral("known under another name (%1)").arg(Legible(stage.NamesOf(line.HardwareId).left(400)));
+        break;
+    default:
+        return;
+    }
+    Print(QStringLiteral("%1:%2: %3: %4").arg(Legible(line.File)).arg(line.Number).arg(what, Legible(line.Text)));
 }
 
-void CheckLine(const QString& path, const JudgedLine& line, bool ask, QSet<QString>& seen, Counts& counts) {
-    if (line.Judgement == Verdict::Malformed) {
-        ++counts.Malformed;
-        Report(path, line, QStringLiteral("malformed, ") + line.Reason);
-        return;
+// Empty, or what failed.
+QString Compare(Stage& stage, const QString& path) {
+    QString error;
+    if (!OpenDatabase(path, error)) {
+        return error;
     }
-    const QString key = DeviceKey(line.Device);
-    if (seen.contains(key)) {
-        ++counts.Duplicate;
-        Report(path, line, QStringLiteral("duplicate"));
-        return;
-    }
-    seen.insert(key);
-    if (line.Judgement == Verdict::Suspicious) {
-        ++counts.Suspicious;
-        Report(path, line, QStringLiteral("suspicious, ") + line.Reason);
-    } else if (ask && database::IsDeviceInDatabase(StoredLine(line.Device))) {
-        ++counts.Known;
-        Report(path, line, QStringLiteral("already known"));
-    } else {
-        ++counts.Good;
-    }
+    error = stage.Compare(path);
+    return error.isEmpty() ? stage.FindOtherNames() : error;
 }
 
 } // namespace
@@ -55,30 +50,33 @@ int Check(const QStringList& arguments) {
     if (!wrong.isEmpty() || options.Arguments().isEmpty()) {
         return RefuseUsage(wrong.isEmpty() ? QStringLiteral("check needs a FILE") : wrong);
     }
-    const bool ask = options.Has(QStringLiteral("db"));
-    const QString fault = ask ? OpenForProgram(options.Value(QStringLiteral("db"))) : QString();
-    if (!fault.isEmpty()) {
-        return Fail(fault);
+    Stage stage;
+    QString error = stage.Read(options.Arguments(), [&](const JudgedLine& line, const database::Contribution& device) {
+        return line.Judgement == Verdict::Malformed    ? State::Malformed
+               : !stage.IsNew(device)                  ? State::Duplicate
+               : line.Judgement == Verdict::Suspicious ? State::Suspicious
+                                                       : State::Good;
+    });
+    if (error.isEmpty() && options.Has(QStringLiteral("db"))) {
+        error = Compare(stage, options.Value(QStringLiteral("db")));
     }
-    QSet<QString> seen;
-    Counts counts;
-    for (const QString& path : options.Arguments()) {
-        QString error;
-        const std::vector<JudgedLine> lines = ReadContributions(path, error);
-        if (!error.isEmpty()) {
-            return Fail(error);
-        }
-        for (const JudgedLine& line : lines) {
-            CheckLine(path, line, ask, seen, counts);
-        }
+    if (error.isEmpty()) {
+        error = stage.Each([&](const StagedLine& line) { Report(line, stage); });
     }
-    Print(QStringLiteral("%1 good, %2 malformed, %3 suspicious, %4 duplicate, %5 already known")
-              .arg(counts.Good)
-              .arg(counts.Malformed)
-              .arg(counts.Suspicious)
-              .arg(counts.Duplicate)
-              .arg(counts.Known));
-    return Finish(counts.Malformed + counts.Suspicious > 0 ? Findings : Done);
+    if (!error.isEmpty()) {
+        return Fail(error);
+    }
+    const qint64 malformed = stage.Count(State::Malformed);
+    const qint64 suspicious = stage.Count(State::Suspicious);
+    const qint64 otherName = stage.Count(State::OtherName);
+    Print(QStringLiteral("%1 good, %2 malformed, %3 suspicious, %4 duplicate, %5 already known%6")
+              .arg(stage.Count(State::Good))
+              .arg(malformed)
+              .arg(suspicious)
+              .arg(stage.Count(State::Duplicate))
+              .arg(stage.Count(State::Known))
+              .arg(otherName > 0 ? QStringLiteral(", %1 under another name").arg(otherName) : QString()));
+    return Finish(malformed + suspicious + otherName > 0 ? Findings : Done);
 }
 
 } // namespace tool

@@ -26,12 +26,13 @@ struct Rule {
     const char* Reason;
 };
 
-bool HasThreeFields(const QString& text) { return text.count(QStringLiteral("|||")) == 2; }
+// As the program takes a line apart: of four bars the first three part two fields, and the fourth belongs to the next.
+bool HasThreeFields(const QString& text) { return base::Split(text, QStringLiteral("|||")).size() == 3; }
 
 constexpr Rule malformed[] = {
     {[](const QString& text, const Device&) { return HasControlCharacter(text); }, "holds a control character"},
     {[](const QString& text, const Device&) { return !HasThreeFields(text); }, "has not three fields"},
-    {[](const QString&, const Device& device) { return base::Trim(device.HardwareId).isEmpty(); },
+    {[](const QString&, const Device& device) { return inventory::CleanText(device.HardwareId).isEmpty(); },
      "has no hardware ID"},
     {[](const QString&, const Device& device) { return device.HardwareId.size() > database::HardwareIdSize; },
      "hardware ID over 125 characters"},
@@ -41,20 +42,52 @@ constexpr Rule malformed[] = {
      "manufacturer over 100 characters"},
 };
 
-// IDs of whole classes of devices: under one of them every device of the class would be a match.
-constexpr const char* classIds[] = {"usb\\class_", "usb\\devclass_",   "usb\\composite", "usb\\root_hub",
-                                    "pci\\cc_",    "acpi\\processor",  "hid_device",     "gendisk",
-                                    "gencdrom",    "root\\",           "swd\\",          "umb\\",
-                                    "uuid",        "usbstor\\gencdrom"};
+// How IDs of whole classes of devices begin: under one of them every device of the class would be a match. With
+// `Unless` in it an ID names a product all the same.
+struct ClassId {
+    const char* Start;
+    const char* Unless = nullptr;
+};
+
+constexpr ClassId classIds[] = {
+    {"usb\\class_"},
+    {"usb\\devclass_"},
+    {"usb\\composite"},
+    {"usb\\root_hub"},
+    {"usb\\vid_", "&pid_"},
+    {"pci\\cc_"},
+    {"pci\\ven_", "&dev_"},
+    {"hid\\vid_", "&pid_"},
+    {"hid_device"},
+    {"*pnp"},
+    {"acpi\\pnp"},
+    {"acpi\\ven_pnp&"},
+    {"acpi\\processor"},
+    {"gen"}, // GenDisk, GenCdRom and their like
+    {"scsi\\gen"},
+    {"usbstor\\gen"},
+    {"storage\\volume"},
+    {"internal_ide_channel"},
+    {"root\\"},
+    {"swd\\"},
+    {"umb\\"},
+    {"uuid"},
+    {"wpdbusenumroot\\"},
+};
 
 bool IsClassId(const QString& id) {
-    const QString lower = id.toLower();
-    return std::any_of(std::begin(classIds), std::end(classIds),
-                       [&](const char* prefix) { return lower.startsWith(QLatin1String(prefix)); });
+    const QString lower = base::LowerCase(id);
+    return std::any_of(std::begin(classIds), std::end(classIds), [&](const ClassId& known) {
+        return lower.startsWith(QLatin1String(known.Start)) &&
+               (known.Unless == nullptr || !lower.contains(QLatin1String(known.Unless)));
+    });
 }
 
 // "BUS\..." or "*XXX0000", without blanks or signs that no platform puts into an ID's first part.
 bool LooksLikeId(const QString& id) {
+    if (inventory::CleanText(id) != id) {
+        return false;
+    }
     if (id.startsWith(QLatin1Char('*'))) {
         return id.size() >= 5;
     }
@@ -73,14 +106,16 @@ bool HoldsMarkupOrAddress(const QString& text) {
     return false;
 }
 
-bool IsUnknown(const QString& text) {
+// Blanks and no-break spaces are no name.
+bool IsUnknown(const QString& name) {
+    const QString text = inventory::CleanText(name);
     return text.isEmpty() || text.startsWith(QLatin1String("unknown"), Qt::CaseInsensitive);
 }
 
 constexpr Rule suspicious[] = {
-    {[](const QString&, const Device& device) { return !LooksLikeId(device.HardwareId); }, "is no hardware ID"},
     {[](const QString&, const Device& device) { return IsClassId(device.HardwareId); },
      "ID of a whole class of devices"},
+    {[](const QString&, const Device& device) { return !LooksLikeId(device.HardwareId); }, "is no hardware ID"},
     {[](const QString&, const Device& device) { return IsUnknown(device.Name) || IsUnknown(device.Manufacturer); },
      "no name or no manufacturer"},
     {[](const QString& text, const Device&) { return HoldsMarkupOrAddress(text); }, "holds markup or an address"},
@@ -115,36 +150,40 @@ JudgedLine Judge(const QString& text) {
     return line;
 }
 
-std::vector<JudgedLine> ReadContributions(const QString& path, QString& error) {
-    error.clear();
+QString ReadContributions(const QString& path, const std::function<void(const JudgedLine& line)>& use) {
+    QString error;
     const std::optional<QByteArray> bytes = ReadAtMost(path, largestFile + 1, error);
     if (!bytes) {
-        return {};
+        return error;
     }
     if (bytes->size() > largestFile || bytes->contains('\0')) {
-        error = QStringLiteral("%1: no file of contributions").arg(path);
-        return {};
+        return QStringLiteral("%1: no file of contributions").arg(path);
     }
-    std::vector<JudgedLine> lines;
     int number = 0;
-    for (QByteArray bare : bytes->split('\n')) {
+    for (qsizetype at = 0; at < bytes->size();) {
+        const qsizetype found = bytes->indexOf('\n', at);
+        const qsizetype end = found < 0 ? bytes->size() : found;
+        const bool returned = end > at && bytes->at(end - 1) == '\r';
+        const QByteArray bare = bytes->mid(at, end - at - (returned ? 1 : 0));
+        at = end + 1;
         ++number;
-        if (bare.endsWith('\r')) {
-            bare.chop(1);
-        }
         if (!bare.isEmpty()) {
-            lines.push_back(Judge(base::FromAnsi(bare)));
-            lines.back().Number = number;
+            JudgedLine line = Judge(base::FromAnsi(bare));
+            line.Number = number;
+            use(line);
         }
     }
-    return lines;
+    return QString();
 }
 
-QString StoredLine(const database::Contribution& device) {
-    return database::ContributionLine(device.HardwareId, inventory::CleanText(device.Name),
-                                      inventory::CleanText(device.Manufacturer));
+database::Contribution Stored(const database::Contribution& device) {
+    const auto orUnknown = [](const QString& text) { return text.isEmpty() ? QStringLiteral("Unknown") : text; };
+    return {device.HardwareId, orUnknown(inventory::CleanText(device.Name)),
+            orUnknown(inventory::CleanText(device.Manufacturer))};
 }
 
-QString DeviceKey(const database::Contribution& device) { return base::LowerCase(StoredLine(device)); }
+QString DeviceKey(const database::Contribution& stored) {
+    return base::LowerCase(database::ContributionLine(stored.HardwareId, stored.Name, stored.Manufacturer));
+}
 
 } // namespace tool

@@ -5,7 +5,7 @@
 #include "database/contribution_line.h"
 
 #include <QString>
-#include <vector>
+#include <functional>
 
 namespace tool {
 
@@ -23,17 +23,17 @@ struct JudgedLine {
     QString Reason; // of a line that is not good
 };
 
-// The lines of a file in Windows-1252, empty ones left out. `error` is the line to print where it cannot be read or is
-// no such file; it is empty otherwise.
-std::vector<JudgedLine> ReadContributions(const QString& path, QString& error);
+// Calls `use` with each line of a file in Windows-1252, empty ones left out. Empty, or the line to print where it
+// cannot be read or is no such file; then there was no call.
+QString ReadContributions(const QString& path, const std::function<void(const JudgedLine& line)>& use);
 
 // Judges one line without its line end.
 JudgedLine Judge(const QString& text);
 
-// The device as a line in the form in which an addition stores it.
-QString StoredLine(const database::Contribution& device);
+// The device in the form in which an addition stores it.
+database::Contribution Stored(const database::Contribution& device);
 
-// Lines that mean the same device have the same key.
-QString DeviceKey(const database::Contribution& device);
+// Devices that are the same have the same key.
+QString DeviceKey(const database::Contribution& stored);
 
 } // namespace tool

@@ -5,32 +5,33 @@
 #include "database/schema.h"
 #include "database/store.h"
 
-#include <QFile>
 #include <QFileInfo>
+#include <vector>
 
 namespace tool {
 
 namespace {
 
-constexpr qint64 pieceSize = 1 << 20; // bytes
-
-// A disk that takes a part tells the reason when it is given the rest.
-bool WriteWhole(QFile& file, const QByteArray& bytes) {
-    qint64 done = 0;
-    while (done < bytes.size()) {
-        const qint64 taken = file.write(bytes.constData() + done, bytes.size() - done);
-        if (taken <= 0) {
-            return false;
-        }
-        done += taken;
-    }
-    return true;
-}
+constexpr qint64 mostOwnRows = 20'000'000;
+constexpr qint64 largestOwnFile = qint64(4) << 30; // bytes
 
 } // namespace
 
+const data::DatabaseRules& OwnRules() {
+    static const auto tables = [] {
+        std::vector<data::TableRule> rules(database::Rules().Tables.begin(), database::Rules().Tables.end());
+        for (data::TableRule& table : rules) {
+            table.MostRows = mostOwnRows;
+        }
+        return rules;
+    }();
+    static const data::DatabaseRules rules{tables, database::Rules().Indexes, largestOwnFile,
+                                           database::Rules().LargestWithoutIndexes, 0};
+    return rules;
+}
+
 data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
-    error = data::JudgeDatabaseFile(path, database::Rules());
+    error = data::JudgeDatabaseFile(path, OwnRules());
     if (!error.isEmpty()) {
         return nullptr;
     }
@@ -38,44 +39,13 @@ data::ConnectionPtr OpenDatabase(const QString& path, QString& error) {
     data::Error failure;
     const bool opened = data::Ran(
         [&] {
-            connection->SetRules(&database::Rules());
+            connection->SetRules(&OwnRules());
             connection->SetConnectionString(data::ConnectionStringFor(QFileInfo(path).absoluteFilePath()));
             connection->Open();
         },
         &failure);
     error = failure.Description();
     return opened ? connection : nullptr;
-}
-
-QString OpenForProgram(const QString& path) {
-    const QString wrong = data::JudgeDatabaseFile(path, database::Rules());
-    data::Error failure;
-    if (wrong.isEmpty()) {
-        database::OpenDatabaseFile(QFileInfo(path).absoluteFilePath(), &failure);
-    }
-    return wrong.isEmpty() ? failure.Description() : wrong;
-}
-
-QString CopyFile(const QString& from, const QString& to) {
-    QFile source(from);
-    QFile target(to);
-    if (!source.open(QIODevice::ReadOnly)) {
-        return source.errorString();
-    }
-    if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
-        return target.errorString();
-    }
-    bool written = true;
-    for (QByteArray piece = source.read(pieceSize); written && !piece.isEmpty(); piece = source.read(pieceSize)) {
-        written = WriteWhole(target, piece);
-    }
-    if (written && source.error() == QFileDevice::NoError) {
-        target.setPermissions(source.permissions());
-        return QString();
-    }
-    const QString error = written ? source.errorString() : target.errorString();
-    target.remove();
-    return error;
 }
 
 qint64 CountRows(const data::ConnectionPtr& connection, const QString& table) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/connection.h"
+#include "data/database_rules.h"
 #include "data/recordset.h"
 
 #include <QHash>
@@ -11,15 +12,12 @@ namespace tool {
 
 inline constexpr int longestVersion = 50; // characters
 
-// Null where it cannot be opened or is not what a client would take as its database; `error` then holds the line to
-// print.
+// What a maintainer's own database must be: what clients ask of theirs, but for its size, so that it is pack that says
+// when there is too much of it.
+const data::DatabaseRules& OwnRules();
+
+// Null where it cannot be opened or is no such database; `error` then holds the line to print.
 data::ConnectionPtr OpenDatabase(const QString& path, QString& error);
-
-// Opens it as the program's own database, for its routines. Empty, or the line to print.
-QString OpenForProgram(const QString& path);
-
-// Makes a file of the same bytes that was not there before. Empty, or what failed; there is no copy then.
-QString CopyFile(const QString& from, const QString& to);
 
 // The number of rows of a table; -1 where it has no such table.
 qint64 CountRows(const data::ConnectionPtr& connection, const QString& table);

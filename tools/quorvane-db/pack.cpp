@@ -1,6 +1,10 @@
 // quorvane-db pack: turns a database file into the three files that an update server hands out. The version files hold
-// the bare version without a line end, since clients take the whole answer as the version.
+// the bare version without a line end, since clients take the whole answer as the version. Others may write to the
+// database and pack into the folder at the same time.
 #include "command.h"
+#include "data/file_judge.h"
+#include "data/replace_file.h"
+#include "database/schema.h"
 #include "database_file.h"
 #include "net/engine_process.h"
 #include "options.h"
@@ -14,7 +18,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/file.h>
+#include <unistd.h>
 #include <utility>
 
 namespace tool {
@@ -39,9 +46,47 @@ QString WriteFile(const QString& path, const QString& text) {
     return written ? QString() : file.errorString();
 }
 
-bool Move(const QString& from, const QString& to) {
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+bool Sync(const QString& path) {
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    const bool synced = file >= 0 && ::fsync(file) == 0;
+    ::close(file);
+    return synced;
 }
+
+// On the disk with its new name before the next one follows.
+bool Move(const QString& from, const QString& folder, const QString& name) {
+    const QString to = folder + QLatin1Char('/') + name;
+    return Sync(from) && std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0 &&
+           Sync(folder);
+}
+
+constexpr char workFolders[] = ".pack-";
+
+// One at a time packs into a folder, from its copy of the database to the last file: otherwise the archive of one could
+// come to stand beside the version of another, or an older one behind a newer. What one left that was killed goes.
+class FolderLock {
+  public:
+    explicit FolderLock(const QString& folder)
+        : folder_(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        if (folder_ < 0 || ::flock(folder_, LOCK_EX) != 0) {
+            return;
+        }
+        held_ = true;
+        for (const QString& name : QDir(folder).entryList({QLatin1String(workFolders) + QStringLiteral("??????")},
+                                                          QDir::Dirs | QDir::Hidden | QDir::NoSymLinks)) {
+            QDir(folder + QLatin1Char('/') + name).removeRecursively();
+        }
+    }
+    ~FolderLock() { ::close(folder_); }
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+    bool IsHeld() const { return held_; }
+
+  private:
+    int folder_;
+    bool held_ = false;
+};
 
 // The folders that are made for the output go again if nothing comes to stand in them.
 class NewFolders {
@@ -70,15 +115,27 @@ class NewFolders {
     QString error_;
 };
 
-// The archive holds the file under the name that the program reads, whatever it is called here: a copy in the work
-// folder bears it. (What comes from the engine's standard input can be marked as a pipe, which clients refuse.) Empty,
-// or what failed.
-QString MakeArchive(const QString& databaseFile, const QString& workFolder, const QString& archive) {
-    const QString named = workFolder + QStringLiteral("/hwids.mdb");
-    const QString error = CopyFile(databaseFile, named);
-    if (!error.isEmpty()) {
+// A copy of one state of the database, whole and with a version that clients take. Empty, or what failed.
+QString CopyToPublish(const QString& databaseFile, const QString& copy, QString& version) {
+    QString error;
+    if (!data::CopyDatabaseFile(databaseFile, copy, &error)) {
         return error;
     }
+    // By the measure of those who will open it.
+    error = data::JudgeDatabaseFile(copy, database::Rules(), nullptr, data::Soundness::Indexes);
+    const data::ConnectionPtr connection = error.isEmpty() ? OpenDatabase(copy, error) : nullptr;
+    if (!connection) {
+        return error.replace(copy, databaseFile);
+    }
+    version = ReadVersion(connection);
+    return IsVersion(version, databaseVersionLimit)
+               ? QString()
+               : QStringLiteral("%1 has no usable version: \"%2\"").arg(databaseFile, Legible(version));
+}
+
+// The archive holds the file under the name that the program reads, whatever it is called here: the copy bears it.
+// (What comes from the engine's standard input can be marked as a pipe, which clients refuse.) Empty, or what failed.
+QString MakeArchive(const QString& named, const QString& archive) {
     QFile::setPermissions(named, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     QProcess engine;
     engine.setStandardInputFile(QProcess::nullDevice());
@@ -92,20 +149,27 @@ QString MakeArchive(const QString& databaseFile, const QString& workFolder, cons
 
 // Writes the three files; the version of the database comes last, so that a client that sees it finds the new archive.
 // All are whole before the first takes its place. Empty, or what went wrong.
-QString Publish(const QString& databaseFile, const QString& folder, const QString& version,
-                const QString& programVersion) {
+QString Publish(const QString& databaseFile, const QString& folder, const QString& programVersion) {
     const NewFolders made(folder);
     if (!made.Error().isEmpty()) {
         return QStringLiteral("%1: %2").arg(folder, made.Error());
     }
+    const FolderLock lock(folder);
     // On the file system of the target, so that the files move there in one step.
-    const QTemporaryDir work(folder + QStringLiteral("/.pack-XXXXXX"));
-    if (!work.isValid()) {
-        return QStringLiteral("%1: %2").arg(folder, work.errorString());
+    const QTemporaryDir work(folder + QLatin1Char('/') + QLatin1String(workFolders) + QStringLiteral("XXXXXX"));
+    if (!lock.IsHeld() || !work.isValid()) {
+        return QStringLiteral("%1: %2").arg(folder,
+                                            work.isValid() ? QStringLiteral("cannot be locked") : work.errorString());
+    }
+    const QString copy = work.filePath(QStringLiteral("hwids.mdb"));
+    QString version;
+    QString error = CopyToPublish(databaseFile, copy, version);
+    if (!error.isEmpty()) {
+        return error;
     }
     const QStringList names = {QString::fromUtf16(archiveName), QStringLiteral("update.htm"),
                                QStringLiteral("database_v1.htm")};
-    QString error = MakeArchive(databaseFile, work.path(), work.filePath(names[0]));
+    error = MakeArchive(copy, work.filePath(names[0]));
     for (const auto& [name, text] : {std::pair(names[1], programVersion), std::pair(names[2], version)}) {
         error = error.isEmpty() ? WriteFile(work.filePath(name), text) : error;
     }
@@ -113,7 +177,7 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
         return QStringLiteral("%1: %2").arg(folder, error);
     }
     for (const QString& name : names) {
-        if (!Move(work.filePath(name), folder + QLatin1Char('/') + name)) {
+        if (!Move(work.filePath(name), folder, name)) {
             return QStringLiteral("%1/%2: %3").arg(folder, name, QString::fromLocal8Bit(std::strerror(errno)));
         }
     }
@@ -131,17 +195,8 @@ int Pack(const QStringList& arguments) {
     }
     const QString path = options.Arguments().first();
     QString error;
-    data::ConnectionPtr connection = OpenDatabase(path, error);
-    if (!connection) {
+    if (!OpenDatabase(path, error)) {
         return Fail(error);
-    }
-    const QString version = ReadVersion(connection);
-    connection.reset();
-    if (!IsVersion(version, databaseVersionLimit)) {
-        return Fail(QStringLiteral("%1 has no usable version: \"%2\"").arg(path, Legible(version)));
-    }
-    if (QFileInfo::exists(path + QStringLiteral("-journal"))) {
-        return Fail(QStringLiteral("%1 is being written; close what uses it first").arg(path));
     }
     const QString programVersion = options.Value(QStringLiteral("program-version"), values::BuiltVersion());
     if (!IsVersion(programVersion, programVersionLimit)) {
@@ -150,7 +205,7 @@ int Pack(const QStringList& arguments) {
     if (net::FindEngine().isEmpty()) {
         return Fail(QStringLiteral("7-Zip is not installed"));
     }
-    error = Publish(path, output, version, programVersion);
+    error = Publish(path, output, programVersion);
     return error.isEmpty() ? int(Done) : Fail(error);
 }
 

@@ -30,6 +30,7 @@ struct DatabaseRules {
     std::span<const IndexRule> Indexes;
     qint64 LargestFile;           // bytes
     qint64 LargestWithoutIndexes; // bytes
+    int LongestLook = 30'000;     // milliseconds that reading all of it may take; 0 is no limit
 };
 
 } // namespace data

@@ -13,7 +13,6 @@ namespace data {
 
 namespace {
 
-constexpr int longestJudgement = 30'000; // milliseconds
 constexpr int stepsPerCall = 1000;
 
 struct Finalize {
@@ -23,13 +22,14 @@ using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
 struct Patience {
     const std::atomic<bool>* Stop;
+    int Longest; // milliseconds; 0 is no limit
     QElapsedTimer Timer;
 };
 
 int IsOver(void* patience) {
     const auto* limit = static_cast<const Patience*>(patience);
     const bool stopped = limit->Stop != nullptr && limit->Stop->load();
-    return stopped || limit->Timer.hasExpired(longestJudgement) ? 1 : 0;
+    return stopped || (limit->Longest > 0 && limit->Timer.hasExpired(limit->Longest)) ? 1 : 0;
 }
 
 // Why the store could not go on reading.
@@ -47,9 +47,10 @@ QString Fault(sqlite3* handle) {
     }
 }
 
-QString JudgeSoundness(sqlite3* handle) {
+QString JudgeSoundness(sqlite3* handle, Soundness soundness) {
     sqlite3_stmt* prepared = nullptr;
-    sqlite3_prepare_v2(handle, "PRAGMA quick_check(1)", -1, &prepared, nullptr);
+    const char* ask = soundness == Soundness::Pages ? "PRAGMA quick_check(1)" : "PRAGMA integrity_check(1)";
+    sqlite3_prepare_v2(handle, ask, -1, &prepared, nullptr);
     const Statement statement(prepared);
     if (!statement || sqlite3_step(statement.get()) != SQLITE_ROW) {
         return Fault(handle);
@@ -116,7 +117,7 @@ QString JudgeIndexes(sqlite3* handle, const DatabaseRules& rules) {
     return QString();
 }
 
-QString Judge(const QString& path, const DatabaseRules& rules, const std::atomic<bool>* stop) {
+QString Judge(const QString& path, const DatabaseRules& rules, const std::atomic<bool>* stop, Soundness soundness) {
     const qint64 size = QFileInfo(path).size();
     if (size > rules.LargestFile) {
         return QStringLiteral("the database is larger than %1 MiB").arg(rules.LargestFile >> 20);
@@ -125,10 +126,10 @@ QString Judge(const QString& path, const DatabaseRules& rules, const std::atomic
     sqlite3* handle = opened.get();
     // Past this the file's own definitions are known to be harmless; the check needs what the program never does.
     sqlite3_set_authorizer(handle, nullptr, nullptr);
-    Patience patience{stop, {}};
+    Patience patience{stop, rules.LongestLook, {}};
     patience.Timer.start();
     sqlite3_progress_handler(handle, stepsPerCall, IsOver, &patience);
-    QString wrong = JudgeSoundness(handle);
+    QString wrong = JudgeSoundness(handle, soundness);
     for (const TableRule& table : rules.Tables) {
         wrong = wrong.isEmpty() ? JudgeRows(handle, table) : wrong;
     }
@@ -137,10 +138,11 @@ QString Judge(const QString& path, const DatabaseRules& rules, const std::atomic
 
 } // namespace
 
-QString JudgeDatabaseFile(const QString& nativePath, const DatabaseRules& rules, const std::atomic<bool>* stop) {
+QString JudgeDatabaseFile(const QString& nativePath, const DatabaseRules& rules, const std::atomic<bool>* stop,
+                          Soundness soundness) {
     QString wrong;
     Error failure;
-    if (!Ran([&] { wrong = Judge(nativePath, rules, stop); }, &failure)) {
+    if (!Ran([&] { wrong = Judge(nativePath, rules, stop, soundness); }, &failure)) {
         return failure.Description();
     }
     return wrong.isEmpty() ? QString() : QStringLiteral("%1: %2").arg(nativePath, wrong);

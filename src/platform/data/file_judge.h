@@ -9,9 +9,12 @@
 
 namespace data {
 
+// How its soundness is asked: of every page, or also whether its indexes hold its rows and nothing else.
+enum class Soundness { Pages, Indexes };
+
 // Empty, or what is wrong in one line that begins with the path. Touches nothing but the file, so it may run aside
-// while the program goes on; `stop` set to true ends it soon, and it gives up by itself after half a minute.
+// while the program goes on; `stop` set to true ends it soon, and it gives up by itself when the rules' time is over.
 QString JudgeDatabaseFile(const QString& nativePath, const DatabaseRules& rules,
-                          const std::atomic<bool>* stop = nullptr);
+                          const std::atomic<bool>* stop = nullptr, Soundness soundness = Soundness::Pages);
 
 } // namespace data

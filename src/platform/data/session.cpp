@@ -1,5 +1,6 @@
 #include "data/session.h"
 
+#include "data/cells.h"
 #include "data/error.h"
 
 #include <QFile>
@@ -17,41 +18,6 @@ constexpr qint64 mostBytes = LongestValue;
 
 quint64 nextGeneration = 1;
 
-// The texts are UTF-8 copies that the statement keeps.
-int Bind(sqlite3_stmt* statement, int at, const QVariant& value) {
-    switch (value.typeId()) {
-    case QMetaType::UnknownType:
-        return sqlite3_bind_null(statement, at);
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-        return sqlite3_bind_int64(statement, at, value.toLongLong());
-    case QMetaType::Double:
-        return sqlite3_bind_double(statement, at, value.toDouble());
-    default: {
-        const QByteArray text = value.toString().toUtf8();
-        return sqlite3_bind_text64(statement, at, text.constData(), sqlite3_uint64(text.size()), SQLITE_TRANSIENT,
-                                   SQLITE_UTF8);
-    }
-    }
-}
-
-QVariant ColumnValue(sqlite3_stmt* statement, int column) {
-    switch (sqlite3_column_type(statement, column)) {
-    case SQLITE_INTEGER:
-        return qlonglong(sqlite3_column_int64(statement, column));
-    case SQLITE_FLOAT:
-        return sqlite3_column_double(statement, column);
-    case SQLITE_NULL:
-        return {};
-    default: {
-        const void* bytes = sqlite3_column_blob(statement, column);
-        const int size = sqlite3_column_bytes(statement, column);
-        return bytes == nullptr ? QString(QLatin1String("")) : QString::fromUtf8(static_cast<const char*>(bytes), size);
-    }
-    }
-}
-
 } // namespace
 
 // Leaves a statement reset and without values however its use ends.
@@ -61,7 +27,7 @@ class Session::Run {
         : session_(session), prepared_(session.Prepare(sql)), statement_(prepared_.Statement) {
         int at = 0;
         for (const QVariant& value : values) {
-            const int code = Bind(statement_, ++at, value);
+            const int code = BindCell(statement_, ++at, value);
             if (code != SQLITE_OK) {
                 session_.Fail(code);
             }
@@ -212,7 +178,7 @@ Table Session::Query(const QByteArray& sql, const std::vector<QVariant>& values,
         std::vector<QVariant>& row = table.Rows.emplace_back();
         row.reserve(size_t(count - first));
         for (int column = first; column < count; ++column) {
-            row.push_back(ColumnValue(run.Statement(), column));
+            row.push_back(CellAt(run.Statement(), column));
             bytes += sqlite3_column_bytes(run.Statement(), column);
         }
     }

@@ -1,0 +1,204 @@
+#include "stage.h"
+
+#include "data/error.h"
+#include "database/device_info.h"
+#include "database_file.h"
+
+#include <QCryptographicHash>
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+constexpr int patience = 600'000;  // milliseconds for another merge to end
+constexpr int linesAtOnce = 5'000; // are compared while others cannot write
+constexpr int pageOfLines = 1'000; // are in memory while they are reported
+constexpr int reported = 400;      // characters of a line
+constexpr int mostAttempts = 5;    // while the database is replaced again and again
+
+constexpr const char* makeTables[] = {
+    "CREATE TABLE staged (seq INTEGER PRIMARY KEY, state INTEGER, file INTEGER, line INTEGER, text TEXT, reason TEXT,"
+    " hwid TEXT COLLATE NOCASE, name TEXT COLLATE NOCASE, mfg TEXT COLLATE NOCASE)",
+    "CREATE TABLE seen (high INTEGER, low INTEGER, PRIMARY KEY (high, low)) WITHOUT ROWID",
+    "CREATE TABLE entries (hwid TEXT COLLATE NOCASE, entry TEXT)",
+};
+
+constexpr char stageLine[] = "INSERT INTO staged VALUES (NULL, ?, ?, ?, ?, ?, ?, ?, ?)";
+
+// The pair of numbers as a whole entry of the row's text: behind a line end or at the start, before one or at the end.
+constexpr char markKnown[] =
+    "UPDATE staged SET state = ?1 WHERE seq BETWEEN ?2 AND ?3 AND state = 0 AND EXISTS (SELECT 1 FROM live.hwids AS h"
+    " CROSS JOIN live.devicenames AS n CROSS JOIN live.mfgs AS m"
+    " WHERE h.hwid = staged.hwid AND n.devicename = staged.name AND m.mfg = staged.mfg"
+    " AND instr(char(13, 10) || h.info || char(13, 10), char(13, 10) || n.ID || ',' || m.ID || char(13, 10)))";
+
+constexpr char markOtherNames[] = "UPDATE staged SET state = ? WHERE state = 0"
+                                  " AND EXISTS (SELECT 1 FROM live.hwids AS h WHERE h.hwid = staged.hwid)";
+
+// In order, in one transaction. Names are written as they are first spelled; rows go in in the order of their index.
+// Entries are appended behind a line end, which a row of another's making may lack.
+constexpr const char* addLines[] = {
+    "INSERT INTO live.mfgs (mfg) SELECT mfg FROM (SELECT mfg, min(seq) FROM staged WHERE state = 0 GROUP BY mfg) AS s"
+    " WHERE NOT EXISTS (SELECT 1 FROM live.mfgs AS m WHERE m.mfg = s.mfg)",
+    "INSERT INTO live.devicenames (devicename) SELECT name FROM (SELECT name, min(seq) FROM staged WHERE state = 0"
+    " GROUP BY name) AS s WHERE NOT EXISTS (SELECT 1 FROM live.devicenames AS n WHERE n.devicename = s.name)",
+    "DELETE FROM entries",
+    "INSERT INTO entries SELECT hwid, (SELECT min(n.ID) FROM live.devicenames AS n WHERE n.devicename = s.name) || ',' ||"
+    " (SELECT min(m.ID) FROM live.mfgs AS m WHERE m.mfg = s.mfg) || char(13, 10)"
+    " FROM staged AS s WHERE state = 0 ORDER BY hwid, seq",
+    "UPDATE live.hwids SET info = coalesce(info, '') || CASE WHEN coalesce(info, '') = '' OR"
+    " substr(info, -2) = char(13, 10) THEN '' ELSE char(13, 10) END || more FROM (SELECT place, group_concat(entry, '')"
+    " AS more FROM (SELECT (SELECT min(h.rowid) FROM live.hwids AS h WHERE h.hwid = e.hwid) AS place, entry"
+    " FROM entries AS e) WHERE place IS NOT NULL GROUP BY place) AS added WHERE hwids.rowid = added.place",
+    "INSERT INTO live.hwids (hwid, info) SELECT hwid, group_concat(entry, '') FROM entries AS e"
+    " WHERE NOT EXISTS (SELECT 1 FROM live.hwids AS h WHERE h.hwid = e.hwid) GROUP BY hwid",
+};
+
+} // namespace
+
+QString Stage::Ran(const QString& about, const std::function<void()>& work) {
+    data::Error error;
+    return data::Ran(work, &error) ? QString() : QStringLiteral("%1: %2").arg(about, error.Description());
+}
+
+QString Stage::Read(const QStringList& paths, const Decision& decide) {
+    files_ = paths;
+    QString fault;
+    const QString failed = Ran(QStringLiteral("temporary files"), [&] {
+        work_ = std::make_unique<data::Workspace>();
+        for (const char* statement : makeTables) {
+            work_->Change(statement);
+        }
+        work_->InTransaction([&] {
+            for (qsizetype file = 0; file < paths.size() && fault.isEmpty(); ++file) {
+                fault = ReadContributions(paths[file], [&](const JudgedLine& line) {
+                    const database::Contribution device = Stored(line.Device);
+                    work_->Change(stageLine,
+                                  {int(decide(line, device)), int(file), line.Number, line.Text.left(reported),
+                                   line.Reason, device.HardwareId, device.Name, device.Manufacturer});
+                });
+            }
+        });
+    });
+    return failed.isEmpty() ? fault : failed;
+}
+
+bool Stage::IsNew(const database::Contribution& stored) {
+    // Two devices with one key would need a sender who can break the sum, and would cost that sender a line.
+    const QByteArray sum = QCryptographicHash::hash(DeviceKey(stored).toUtf8(), QCryptographicHash::Blake2s_128);
+    qlonglong parts[2];
+    std::memcpy(parts, sum.constData(), sizeof parts);
+    return work_->Change("INSERT OR IGNORE INTO seen VALUES (?, ?)", {parts[0], parts[1]}) == 1;
+}
+
+void Stage::Attach() {
+    work_->Attach(path_, OwnRules(), patience);
+    seen_ = QVariant();
+}
+
+// A few at a time: others that write wait no longer than for those.
+void Stage::MarkKnown() {
+    const qint64 last = work_->Value("SELECT max(seq) FROM staged").toLongLong();
+    seen_ = work_->Value("PRAGMA live.data_version");
+    for (qint64 first = 1; first <= last; first += linesAtOnce) {
+        work_->Change(markKnown, {int(State::Known), first, first + linesAtOnce - 1});
+    }
+}
+
+QString Stage::Compare(const QString& path) {
+    path_ = path;
+    return Ran(path, [this] {
+        Attach();
+        MarkKnown();
+    });
+}
+
+QString Stage::FindOtherNames() {
+    return Ran(path_, [this] { work_->Change(markOtherNames, {int(State::OtherName)}); });
+}
+
+QString Stage::NamesOf(const QString& hardwareId) {
+    QStringList names;
+    Ran(path_, [&] {
+        work_->Each("SELECT info FROM live.hwids WHERE hwid = ?", {hardwareId}, [&](const data::Workspace::Row& row) {
+            for (const database::InfoEntry& entry : database::DecodeInfo(row[0].toString())) {
+                const QString name =
+                    work_->Value("SELECT devicename FROM live.devicenames WHERE ID = ?", {entry.NameId.toLongLong()})
+                        .toString();
+                const QString maker =
+                    work_->Value("SELECT mfg FROM live.mfgs WHERE ID = ?", {entry.ManufacturerId.toLongLong()})
+                        .toString();
+                names << name + QStringLiteral(", ") + maker;
+            }
+        });
+    });
+    return names.join(QStringLiteral("; "));
+}
+
+QString Stage::Each(const std::function<void(const StagedLine& line)>& use) {
+    return Ran(QStringLiteral("temporary files"), [&] {
+        // In pages: a report is read by somebody, and a statement that waits for that keeps others from writing.
+        std::vector<StagedLine> page;
+        qint64 last = 0;
+        do {
+            page.clear();
+            work_->Each(
+                "SELECT seq, file, line, text, reason, hwid, state FROM staged WHERE seq > ? ORDER BY seq LIMIT ?",
+                {last, pageOfLines}, [&](const data::Workspace::Row& row) {
+                    last = row[0].toLongLong();
+                    page.push_back({files_.value(row[1].toInt()), row[2].toInt(), row[3].toString(), row[4].toString(),
+                                    row[5].toString(), State(row[6].toInt())});
+                });
+            std::for_each(page.begin(), page.end(), use);
+        } while (!page.empty());
+    });
+}
+
+qint64 Stage::Count(State state) {
+    qint64 count = 0;
+    Ran(QString(),
+        [&] { count = work_->Value("SELECT count(*) FROM staged WHERE state = ?", {int(state)}).toLongLong(); });
+    return count;
+}
+
+void Stage::Add(const QString& version) {
+    work_->InTransaction([&] {
+        // Now that nobody else can write: what came in since the lines were compared.
+        if (work_->Value("PRAGMA live.data_version") != seen_) {
+            MarkKnown();
+        }
+        for (const char* statement : addLines) {
+            work_->Change(statement);
+        }
+        if (!version.isEmpty() && work_->Change("UPDATE live.version SET dbversion = ?", {version}) == 0) {
+            work_->Change("INSERT INTO live.version (dbversion) VALUES (?)", {version});
+        }
+    });
+}
+
+QString Stage::AddAll(const QString& version) {
+    data::Error error;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        // Another file may have taken the database's place: an update, or a new one by hand.
+        const bool added = data::Ran(
+            [&] {
+                if (work_->Moved()) {
+                    Attach();
+                }
+                Add(version);
+            },
+            &error);
+        if (added) {
+            return QString();
+        }
+        if (error.Number() != data::ErrorInvalidConnection) {
+            break;
+        }
+    }
+    return QStringLiteral("%1: %2").arg(path_, error.Description());
+}
+
+} // namespace tool
