@@ -50,7 +50,7 @@ QStringList SchemaStatements() {
 }
 
 const data::DatabaseRules& Rules() {
-    static constexpr data::DatabaseRules rules{tables, indexes, qint64(64) << 20, qint64(1) << 20};
+    static constexpr data::DatabaseRules rules{tables, indexes, qint64(48) << 20, qint64(1) << 20};
     return rules;
 }
 

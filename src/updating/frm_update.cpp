@@ -81,13 +81,16 @@ QString ArchivePath() { return values::ProgramFolder() + QStringLiteral("\\hwids
 
 bool ReplaceDatabase(const QString& from, const QString& to) { return data::ReplaceDatabaseFile(from, to); }
 
-// A database takes the old one's place only if the program could start with it. Reading it through takes a while, so
+// Databases take the old ones' places only if the program could start with them. Reading them through takes a while, so
 // that is done aside.
-bool IsDeviceDatabase(const QString& path, const std::function<bool()>& stopped) {
-    bool good = false;
+bool AreDeviceDatabases(const QList<net::UnpackedFile>& files, const std::function<bool()>& stopped) {
+    bool good = true;
     base::RunAside(
         [&](const std::atomic<bool>& stop) {
-            good = data::JudgeDatabaseFile(path, database::Rules(), &stop).isEmpty();
+            for (const net::UnpackedFile& file : files) {
+                good = good &&
+                       (!IsDatabase(file) || data::JudgeDatabaseFile(file.Path, database::Rules(), &stop).isEmpty());
+            }
         },
         stopped);
     return good;
@@ -272,7 +275,9 @@ void FrmUpdate::DL1_DLComplete() {
 void FrmUpdate::UnpackDatabase(const QString& archive) {
     net::VszLib zip;
     zip.SetStop([this] { return Stopped(); });
-    zip.SetDatabaseJudge([this](const QString& path) { return IsDeviceDatabase(path, [this] { return Stopped(); }); });
+    zip.SetJudge([this](const QList<net::UnpackedFile>& files) {
+        return AreDeviceDatabases(files, [this] { return Stopped(); });
+    });
     zip.SetDatabaseReplacer(&ReplaceDatabase);
     connect(&zip, &net::VszLib::Progress, this,
             [this](int, double current, double total) { zip_Progress(current, total); });

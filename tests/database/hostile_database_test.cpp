@@ -184,8 +184,8 @@ TEST_F(HostileDatabase, IsRefusedByItsBytes) {
              Case{"cut in the middle", "Unrecognized", nullptr, [](QByteArray& bytes) { bytes.truncate(3 * page); }},
              Case{"a damaged leaf", ok, "the database is damaged",
                   [](QByteArray& bytes) { bytes.replace(bytes.size() - page, page, QByteArray(page, '\xEE')); }},
-             Case{"too large", ok, "larger than 64 MiB",
-                  [](QByteArray& bytes) { bytes.append(QByteArray(65 << 20, '\0')); }},
+             Case{"too large", ok, "larger than 48 MiB",
+                  [](QByteArray& bytes) { bytes.append(QByteArray(49 << 20, '\0')); }},
          }) {
         Make((TABLES + rows).c_str());
         QByteArray bytes = Read();

@@ -11,12 +11,18 @@ namespace net {
 
 namespace {
 
-constexpr qsizetype entryLimit = 10'000;
-constexpr qsizetype depthLimit = 8; // components of a path
+constexpr qsizetype entryLimit = 64;
+constexpr qsizetype depthLimit = 4; // components of a path
 // The bytes that a file system takes in one component, with room for a suffix.
 constexpr qsizetype componentLimit = 200;
 
-constexpr std::array<const char16_t*, 3> dataEndings = {u".mdb", u".txt", u".md"};
+struct Kind {
+    const char16_t* Ending;
+    qint64 Largest; // bytes
+};
+constexpr std::array<Kind, 4> kinds = {
+    {{u".mdb", qint64(48) << 20}, {u".txt", 1 << 20}, {u".md", 1 << 20}, {u".ini", 64 << 10}}};
+constexpr qint64 largestTotal = qint64(56) << 20; // bytes
 constexpr char16_t presetsFolder[] = u"color_presets/";
 
 // A block of "Key = value" lines, as far as they matter here.
@@ -105,14 +111,16 @@ bool IsComponent(const QString& component) {
            component.toUtf8().size() <= componentLimit;
 }
 
-bool IsWanted(const QString& foldedPath) {
-    if (foldedPath.endsWith(QStringLiteral(".ini"))) {
-        return foldedPath.startsWith(presetsFolder) && !foldedPath.endsWith(QStringLiteral("/settings.ini"));
-    }
-    return std::any_of(dataEndings.begin(), dataEndings.end(), [&foldedPath](const char16_t* ending) {
-        const QString text = QString::fromUtf16(ending);
-        return foldedPath.endsWith(text) && foldedPath.size() > text.size();
+bool IsWanted(const QString& foldedPath, qint64 size) {
+    const auto* kind = std::find_if(kinds.begin(), kinds.end(), [&foldedPath](const Kind& candidate) {
+        const QString ending = QString::fromUtf16(candidate.Ending);
+        return foldedPath.endsWith(ending) && foldedPath.size() > ending.size();
     });
+    if (kind == kinds.end() || size > kind->Largest) {
+        return false;
+    }
+    return !foldedPath.endsWith(QStringLiteral(".ini")) ||
+           (foldedPath.startsWith(presetsFolder) && !foldedPath.endsWith(QStringLiteral("/settings.ini")));
 }
 
 QString Folded(const QString& path) { return path.normalized(QString::NormalizationForm_C).toCaseFolded(); }
@@ -165,7 +173,7 @@ bool AreEntriesAllowed(const QList<ArchiveEntry>& entries) {
             folders.insert(folded);
             continue;
         }
-        if (!IsWanted(folded) || files.contains(folded) || (entry.size > 0 && !entry.crc)) {
+        if (!IsWanted(folded, entry.size) || files.contains(folded) || (entry.size > 0 && !entry.crc)) {
             return false;
         }
         files.insert(folded);
@@ -174,7 +182,8 @@ bool AreEntriesAllowed(const QList<ArchiveEntry>& entries) {
         }
     }
     // A name cannot be a file and a folder at once.
-    return !files.isEmpty() && !files.intersects(folders);
+    const std::optional<qint64> total = TotalSize(entries);
+    return !files.isEmpty() && !files.intersects(folders) && total && *total <= largestTotal;
 }
 
 std::optional<qint64> TotalSize(const QList<ArchiveEntry>& entries) {

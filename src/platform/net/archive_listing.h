@@ -18,12 +18,12 @@ struct ArchiveEntry {
 };
 
 // The entries in the order of the listing, which is the order of the engine's stream. Nothing where a line or a number
-// is not as it should be, or where there are more than 10,000 entries.
+// is not as it should be, or where there are more entries than an archive may have.
 std::optional<QList<ArchiveEntry>> ParseListing(const QByteArray& listing);
 
 // Whether the archive as a whole may be unpacked into the program's folder: databases, texts (.txt, .md) and colour
-// presets (.ini below color_presets), no two names that differ in nothing but case, no name that leads out. False for
-// an archive without files.
+// presets (.ini below color_presets), each of a size that its kind may have, no two names that differ in nothing but
+// case, no name that leads out. False for an archive without files.
 bool AreEntriesAllowed(const QList<ArchiveEntry>& entries);
 
 // The sum of the sizes; nothing where it would not fit 63 bits.

@@ -20,7 +20,7 @@ constexpr qsizetype pieceSize = 256 * 1024; // bytes
 constexpr int waitTurn = 50;                // milliseconds; a stop is noticed at the latest then
 constexpr int killWait = 5'000;             // milliseconds
 // An archive decides how much memory its unpacking wants; beyond this the engine fails instead of the machine.
-constexpr rlim_t memoryLimit = rlim_t(3) << 30;
+constexpr rlim_t memoryLimit = rlim_t(512) << 20; // bytes of addresses
 
 QStringList& Folders() {
     static QStringList folders;

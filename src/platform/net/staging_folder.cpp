@@ -1,5 +1,7 @@
 #include "net/staging_folder.h"
 
+#include "base/aside.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <fcntl.h>
@@ -11,8 +13,6 @@ namespace net {
 namespace {
 
 constexpr char16_t namePrefix[] = u".unpacking-";
-// Pieces of this size are sent on to the disk as they come, so that the wait at the end is short.
-constexpr qint64 writeBehind = 8 * 1024 * 1024; // bytes
 
 // The lock goes with its holder, however that ends. -1 where another process holds it.
 int LockFolder(const QString& path) {
@@ -67,7 +67,6 @@ StagingFolder::~StagingFolder() {
 
 bool StagingFolder::OpenFile() {
     file_.setFileName(FilePath(count_++));
-    written_ = 0;
     return file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered);
 }
 
@@ -77,10 +76,6 @@ bool StagingFolder::Write(const char* data, qsizetype size) {
         if (taken <= 0) {
             return false;
         }
-        if ((written_ + taken) / writeBehind != written_ / writeBehind) {
-            sync_file_range(file_.handle(), 0, 0, SYNC_FILE_RANGE_WRITE);
-        }
-        written_ += taken;
         data += taken;
         size -= taken;
     }
@@ -88,9 +83,14 @@ bool StagingFolder::Write(const char* data, qsizetype size) {
 }
 
 bool StagingFolder::CloseFile() {
-    const bool stored = fdatasync(file_.handle()) == 0;
     file_.close();
-    return stored && file_.error() == QFileDevice::NoError;
+    return file_.error() == QFileDevice::NoError;
+}
+
+bool StagingFolder::Sync(const std::function<bool()>& stopped) const {
+    bool stored = false;
+    base::RunAside([this, &stored](const std::atomic<bool>& /*stop*/) { stored = syncfs(lock_) == 0; }, stopped);
+    return stored;
 }
 
 QString StagingFolder::FilePath(qsizetype index) const { return path_ + QChar(u'/') + QString::number(index); }

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QString>
+#include <functional>
 
 namespace net {
 
@@ -22,8 +23,9 @@ class StagingFolder {
     // Starts the next file; a false result means disk or permissions.
     bool OpenFile();
     bool Write(const char* data, qsizetype size);
-    // Brings the file to the disk and closes it.
     bool CloseFile();
+    // Brings all of the files to the disk at once, which is waited for aside while events are dispatched.
+    bool Sync(const std::function<bool()>& stopped) const;
 
     // The full path of the file with that number, in the order of their opening.
     QString FilePath(qsizetype index) const;
@@ -33,7 +35,6 @@ class StagingFolder {
     int lock_ = -1;
     QFile file_;
     qsizetype count_ = 0;
-    qint64 written_ = 0;
 };
 
 } // namespace net

@@ -5,11 +5,9 @@
 #include "net/engine_process.h"
 #include "net/staging_folder.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <QStorageInfo>
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <optional>
 
@@ -17,7 +15,7 @@ namespace net {
 
 namespace {
 
-constexpr qsizetype listingLimit = 8 * 1024 * 1024; // bytes
+constexpr qsizetype listingLimit = 256 * 1024; // bytes; that of the most entries with the longest names
 
 // Cuts the engine's stream into files by the sizes of the listing, which it follows in order.
 class StreamSplitter {
@@ -82,64 +80,6 @@ class StreamSplitter {
     bool failed_ = false;
 };
 
-// The folders that were made for the files; those that are still empty go again unless they are kept.
-class NewFolders {
-  public:
-    ~NewFolders() {
-        for (auto folder = made_.crbegin(); folder != made_.crend(); ++folder) {
-            QDir().rmdir(*folder);
-        }
-    }
-    void Keep() { made_.clear(); }
-
-    // The folder for `relative` below `root`, made where it is missing. Nothing where a link or a file is in the way.
-    std::optional<QString> Make(const QString& root, const QStringList& relative) {
-        QString path = root;
-        for (const QString& component : relative) {
-            path = base::NativePath(path + QChar(u'/') + component);
-            const QFileInfo info(path);
-            if (info.isSymLink() || (info.exists() && !info.isDir())) {
-                return std::nullopt;
-            }
-            if (!info.exists()) {
-                if (!QDir().mkdir(path)) {
-                    return std::nullopt;
-                }
-                made_.append(path);
-            }
-        }
-        return path;
-    }
-
-  private:
-    QStringList made_;
-};
-
-bool IsDatabase(const QString& path) { return path.endsWith(QStringLiteral(".mdb"), Qt::CaseInsensitive); }
-
-bool Rename(const QString& from, const QString& to) {
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
-}
-
-// Where each file goes; empty where a place cannot be had.
-QStringList Places(const QList<ArchiveEntry>& files, const QString& folder, NewFolders& newFolders) {
-    QStringList places;
-    for (const ArchiveEntry& file : files) {
-        QStringList components = file.path.split(QChar(u'/'));
-        const QString name = components.takeLast();
-        const std::optional<QString> parent = newFolders.Make(folder, components);
-        if (!parent) {
-            return {};
-        }
-        const QString place = base::NativePath(*parent + QChar(u'/') + name);
-        if (QFileInfo(place).isDir()) {
-            return {};
-        }
-        places.append(place);
-    }
-    return places;
-}
-
 QList<ArchiveEntry> FilesOf(const QList<ArchiveEntry>& entries) {
     QList<ArchiveEntry> files;
     std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(files),
@@ -147,40 +87,12 @@ QList<ArchiveEntry> FilesOf(const QList<ArchiveEntry>& entries) {
     return files;
 }
 
-// Every database of the archive: one that is refused keeps the others back too.
-bool AreGood(const QList<ArchiveEntry>& files, const StagingFolder& staging,
-             const std::function<bool(const QString&)>& judge) {
-    for (qsizetype index = 0; judge && index < files.size(); ++index) {
-        if (IsDatabase(files.at(index).path) && !judge(staging.FilePath(index))) {
-            return false;
-        }
+QList<UnpackedFile> Unpacked(const QList<ArchiveEntry>& files, const StagingFolder& staging) {
+    QList<UnpackedFile> unpacked;
+    for (const ArchiveEntry& file : files) {
+        unpacked.append({file.path, staging.FilePath(unpacked.size())});
     }
-    return true;
-}
-
-// All of the files or, where the first of them fails, none. Databases go first: they are what can be refused.
-bool PutInPlace(const QList<ArchiveEntry>& files, const QString& target, const StagingFolder& staging,
-                const std::function<bool(const QString&, const QString&)>& replaceDatabase) {
-    NewFolders newFolders;
-    const QStringList places = Places(files, target, newFolders);
-    if (places.size() != files.size()) {
-        return false;
-    }
-    for (const bool databases : {true, false}) {
-        for (qsizetype index = 0; index < files.size(); ++index) {
-            if (IsDatabase(files.at(index).path) != databases) {
-                continue;
-            }
-            const bool replaced = databases && replaceDatabase
-                                      ? replaceDatabase(staging.FilePath(index), places.at(index))
-                                      : Rename(staging.FilePath(index), places.at(index));
-            if (!replaced) {
-                return false;
-            }
-            newFolders.Keep();
-        }
-    }
-    return true;
+    return unpacked;
 }
 
 } // namespace
@@ -241,8 +153,12 @@ bool VszLib::ExtractAll(const QString& folder) {
         {QStringLiteral("x"), QStringLiteral("-so"), QStringLiteral("-t7z"), QStringLiteral("-p"),
          QStringLiteral("-bd"), QStringLiteral("--"), archive_},
         [&splitter](const char* data, qsizetype size) { return splitter.Take(data, size); }, report);
-    return streamed && report() && splitter.IsWhole() && AreGood(files, staging, judge_) &&
-           PutInPlace(files, target, staging, replacer_);
+    if (!streamed || !report() || !splitter.IsWhole()) {
+        return false;
+    }
+    QList<UnpackedFile> unpacked = Unpacked(files, staging);
+    return (!judge_ || judge_(unpacked)) && staging.Sync([this] { return Stopped(); }) && !Stopped() &&
+           PutInPlace(unpacked, target, replacer_);
 }
 
 } // namespace net

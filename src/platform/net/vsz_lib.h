@@ -5,6 +5,7 @@
 #pragma once
 
 #include "net/archive_listing.h"
+#include "net/unpacked_files.h"
 
 #include <QObject>
 #include <QString>
@@ -31,9 +32,9 @@ class VszLib : public QObject {
 
     // Asked while the engine works; true kills it.
     void SetStop(std::function<bool()> stop) { stop_ = std::move(stop); }
-    // Tells whether an unpacked file that ends in ".mdb" may come into the folder. All are asked about before the first
-    // file is put in place; without one all may.
-    void SetDatabaseJudge(std::function<bool(const QString& path)> judge) { judge_ = std::move(judge); }
+    // Tells whether the unpacked files may come into the folder, before the first is put in place; what it takes off
+    // the list stays out. Without one all may.
+    void SetJudge(std::function<bool(QList<UnpackedFile>& files)> judge) { judge_ = std::move(judge); }
     // Puts the first file (native paths) in the place of the second, for entries that end in ".mdb"; by default a
     // rename.
     void SetDatabaseReplacer(std::function<bool(const QString& from, const QString& to)> replacer) {
@@ -53,7 +54,7 @@ class VszLib : public QObject {
     QString archive_;
     QList<ArchiveEntry> entries_;
     std::function<bool()> stop_;
-    std::function<bool(const QString&)> judge_;
+    std::function<bool(QList<UnpackedFile>&)> judge_;
     std::function<bool(const QString&, const QString&)> replacer_;
     int stallLimit_ = 60'000;
 };

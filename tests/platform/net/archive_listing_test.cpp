@@ -57,7 +57,7 @@ TEST(ArchiveListingTest, ABrokenListingIsNone) {
     // A name with a line end in it.
     EXPECT_FALSE(net::ParseListing(Block("a.txt\nPath = b.txt")));
     EXPECT_FALSE(net::ParseListing(Block("a\nb.txt")));
-    EXPECT_FALSE(net::ParseListing(Block("a.txt").repeated(10'001)));
+    EXPECT_FALSE(net::ParseListing(Block("a.txt").repeated(65)));
 }
 
 TEST(ArchiveListingTest, LetsInDataAlone) {
@@ -71,9 +71,19 @@ TEST(ArchiveListingTest, LetsInDataAlone) {
     }
 }
 
+TEST(ArchiveListingTest, EachKindHasASizeAndAllTogether) {
+    const QByteArray database = QByteArray::number(48 << 20);
+    for (const auto& [name, largest] : {std::pair("x.mdb", 48 << 20), std::pair("x.txt", 1 << 20),
+                                        std::pair("x.md", 1 << 20), std::pair("color_presets/x.ini", 64 << 10)}) {
+        EXPECT_TRUE(Allowed(Block(name, QByteArray::number(largest)))) << name;
+        EXPECT_FALSE(Allowed(Block(name, QByteArray::number(largest + 1)))) << name;
+    }
+    EXPECT_FALSE(Allowed(Block("a.mdb", database) + Block("b.mdb", database)));
+}
+
 TEST(ArchiveListingTest, LetsNoNameOutOfTheFolder) {
     for (const char* name : {"../hwids.mdb", "a/../../x.txt", "/etc/x.txt", "./x.txt", "a//x.txt", "a/./x.txt",
-                             "..\\x.txt", "C:\\x.txt", "C:x.txt", "a\tb.txt", "a/", "..", "1/2/3/4/5/6/7/8/9.txt"}) {
+                             "..\\x.txt", "C:\\x.txt", "C:x.txt", "a\tb.txt", "a/", "..", "1/2/3/4/5.txt"}) {
         EXPECT_FALSE(Allowed(Block(name))) << name;
     }
     EXPECT_FALSE(Allowed(Block("x.txt") + Block("../up", "0", "D", "")));
@@ -102,16 +112,16 @@ TEST(ArchiveListingTest, RefusesWhatIsNoOrdinaryFile) {
 
 // Listings as large as they are taken in must not hold up the program: nothing yields while they are judged.
 TEST(ArchiveListingTest, LargeListingsOfAnyFormTakeABoundedTime) {
-    constexpr qsizetype size = 8 << 20;
-    constexpr int entries = 10'000;
+    constexpr qsizetype size = 256 << 10;
+    constexpr int entries = 64;
     const auto filled = [](const QByteArray& piece) { return piece.repeated(size / piece.size()); };
     QByteArray many;
     for (int i = 0; i < entries; ++i)
-        many += Block("a/b/c/d/e/f/g/" + QByteArray(100, 'n') + QByteArray::number(i) + ".txt");
+        many += Block("a/b/c/" + QByteArray(100, 'n') + QByteArray::number(i) + ".txt");
     const std::pair<QByteArray, bool> listings[] = {
         {many, true},
         // Accents in the wrong order; few enough that the test ends if they are put in order.
-        {Block(QByteArray("\xCC\x81\xCC\xA3").repeated(80'000) + ".txt"), false},
+        {Block(QByteArray("\xCC\x81\xCC\xA3").repeated(60'000) + ".txt"), false},
         {Block(filled("a/") + ".txt"), false},
         {Block("hwids.mdb") + filled("\n"), true},
         {"Path = hwids.mdb\nSize = 5\nCRC = 363A3020\n" + filled("Folder = -\n"), true},

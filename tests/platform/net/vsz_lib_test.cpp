@@ -360,20 +360,98 @@ TEST_F(VszLibTest, WithoutAnEngineNothingOpens) {
     EXPECT_FALSE(zip_.OpenArchive(Path(QStringLiteral("hwids.7z"))));
 }
 
-TEST_F(VszLibTest, ADatabaseThatCannotBeReplacedKeepsEverythingElseBack) {
-    Write(QStringLiteral("in/hwids.mdb"), "new");
-    Write(QStringLiteral("in/a.txt"), "text");
-    Write(QStringLiteral("in/sub/b.txt"), "text");
+TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
+    for (const char* name : {"hwids.mdb", "Z.MDB", "a.txt", "sub/b.txt"}) {
+        Write(QStringLiteral("in/") + QLatin1String(name), "new");
+    }
     Pack();
     ASSERT_TRUE(Open());
-    QString place;
-    zip_.SetDatabaseReplacer([&place](const QString&, const QString& to) {
-        place = to;
+    QStringList asked;
+    zip_.SetJudge([&asked, this](QList<net::UnpackedFile>& files) {
+        for (const net::UnpackedFile& file : files) {
+            asked.append(file.Name);
+            EXPECT_EQ(Read(QDir(root_.path()).relativeFilePath(file.Path)), "new") << qPrintable(file.Name);
+        }
         return false;
     });
+    int replaced = 0;
+    zip_.SetDatabaseReplacer([&replaced](const QString&, const QString&) { return ++replaced == 0; });
     EXPECT_FALSE(Extract());
-    EXPECT_EQ(place, Path(QStringLiteral("out/hwids.mdb")));
+    EXPECT_EQ(asked.size(), 4);
+    EXPECT_EQ(replaced, 0) << "one that is refused keeps the other from its place";
     ExpectUntouched();
+    zip_.SetJudge({});
+    EXPECT_FALSE(Extract());
+    EXPECT_EQ(replaced, 1);
+    ExpectUntouched();
+    zip_.SetDatabaseReplacer({});
+    zip_.SetJudge([](QList<net::UnpackedFile>& files) {
+        files.removeIf([](const net::UnpackedFile& file) { return file.Name == QStringLiteral("a.txt"); });
+        return true;
+    });
+    EXPECT_TRUE(Extract());
+    EXPECT_EQ(Read(QStringLiteral("out/Z.MDB")), "new");
+    EXPECT_EQ(Read(QStringLiteral("out/a.txt")), "missing") << "what the judge takes off stays out";
+}
+
+// Small archives of much: the window lives while they are looked at, and little comes to the disk.
+TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
+    constexpr qint64 mostOnDisk = 56 << 20; // bytes
+    struct Case {
+        const char* what;
+        int files;
+        const char* ending;
+        qint64 size;
+        bool good;
+    };
+    for (const Case& tried : {Case{"as many as may be", 60, ".txt", 0, true},
+                              {"empty texts", 9'999, ".txt", 0, false},
+                              {"small databases", 500, ".mdb", 8, false},
+                              {"folders", 9'999, "/", 0, false},
+                              {"one long text", 1, ".txt", 250 << 20, false},
+                              {"a long database", 1, ".mdb", 49 << 20, false},
+                              {"a database as long as may be", 1, ".mdb", 48 << 20, true}}) {
+        QDir(Path(QStringLiteral("in"))).removeRecursively();
+        Write(QStringLiteral("in/x.txt"), "x");
+        for (int i = 0; i < tried.files; ++i) {
+            const QString name = QStringLiteral("in/%1").arg(i) + QLatin1String(tried.ending);
+            if (*tried.ending == '/') {
+                QDir(root_.path()).mkdir(name.chopped(1));
+                continue;
+            }
+            QFile file(Path(name));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(tried.size));
+        }
+        Pack({QStringLiteral("-mx=1")});
+        EXPECT_LT(Read(QStringLiteral("hwids.7z")).size(), 1 << 20) << tried.what;
+        qint64 longest = 0;
+        qint64 largest = 0;
+        QElapsedTimer sinceTick;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, [&] {
+            longest = std::max(longest, sinceTick.restart());
+            const QDir staged(Path(QStringLiteral("out/.unpacking-%1").arg(QCoreApplication::applicationPid())));
+            qint64 size = 0;
+            for (const QFileInfo& file : staged.entryInfoList(QDir::Files))
+                size += file.size();
+            largest = std::max(largest, size);
+        });
+        tick.start(1);
+        sinceTick.start();
+        const bool opened = Open();
+        EXPECT_EQ(opened && Extract(), tried.good) << tried.what;
+        longest = std::max(longest, sinceTick.elapsed());
+        RecordProperty(std::string("longest wait in ms, ") + tried.what, int(longest));
+        std::printf("%s: %d ms at most without a click, %d KiB on the disk\n", tried.what, int(longest),
+                    int(largest / 1024));
+        EXPECT_LT(longest, 1'000) << tried.what; // 50 on a machine that does nothing else
+        EXPECT_LE(largest, mostOnDisk) << tried.what;
+        if (!tried.good) {
+            ExpectUntouched();
+        }
+        QDir(Path(QStringLiteral("out"))).removeRecursively();
+        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+    }
 }
 
 TEST_F(VszLibTest, WhatAKilledProcessLeftIsRemoved) {
