@@ -7,10 +7,9 @@ namespace {
 // A text of so many UTF-16 units takes at most three bytes for each; what others write may be longer than what we do.
 constexpr int longestName = 1024;
 constexpr int longestId = 2048;
-constexpr int longestInfo = 64 * 1024; // some five thousand devices under one ID
 constexpr int largestNumber = 2'000'000'000;
 
-constexpr data::ColumnRule hwids[] = {{"hwid", false, longestId}, {"info", false, longestInfo}};
+constexpr data::ColumnRule hwids[] = {{"hwid", false, longestId}, {"info", false, LongestInfo}};
 constexpr data::ColumnRule deviceNames[] = {{"ID", true, largestNumber}, {"devicename", false, longestName}};
 constexpr data::ColumnRule manufacturers[] = {{"ID", true, largestNumber}, {"mfg", false, longestName}};
 constexpr data::ColumnRule version[] = {{"dbversion", false, 3 * VersionSize}};

@@ -11,6 +11,9 @@ namespace database {
 inline constexpr qsizetype NameSize = 100;
 inline constexpr qsizetype HardwareIdSize = 125;
 
+// The most bytes of an info text in a database that is opened: some five thousand devices under one ID.
+inline constexpr int LongestInfo = 64 * 1024;
+
 // The statements that add a row; the parameters are the columns in order.
 inline constexpr char16_t InsertDeviceName[] = u"INSERT INTO devicenames (devicename) VALUES(?)";
 inline constexpr char16_t InsertManufacturer[] = u"INSERT INTO mfgs (mfg) VALUES(?)";

@@ -1,4 +1,5 @@
 #include "jet_file.h"
+#include "support/long_form.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -8,6 +9,7 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -52,7 +54,7 @@ class DatabaseToolTest : public testing::Test {
             process.setProcessEnvironment(environment);
         }
         process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quorvane-db"), arguments);
-        EXPECT_TRUE(process.waitForFinished());
+        EXPECT_TRUE(process.waitForFinished(support::Rounds(30'000, 900'000)));
         return {process.exitCode(), process.readAllStandardOutput().toStdString(),
                 process.readAllStandardError().toStdString()};
     }
@@ -257,6 +259,138 @@ TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
     EXPECT_THAT(Run(merge).Output, HasSubstr("0 added, 3 already known"));
     EXPECT_THAT(Files(), ElementsAre(QStringLiteral("hwids.mdb"), QStringLiteral("new_hardware.txt"),
                                      QStringLiteral("pci.ids"), QStringLiteral("usb.ids")));
+}
+
+// Lines as they come, and what becomes of them in check and merge.
+TEST_F(DatabaseToolTest, JudgesEachLine) {
+    ASSERT_EQ(Build("1000  A\n\t0001  B\n\t0002  C\n", "1000  A\n").Status, 0);
+    const char* good = "";
+    const char* ofClass = "suspicious, ID of a whole class of devices";
+    const char* noName = "suspicious, no name or no manufacturer";
+    const char* otherName = R"(known under another name (B, A))";
+    const struct {
+        const char* Line;
+        const char* Report;
+    } rows[] = {
+        {"USB\\VID_1&PID_1|||Name||||Maker", good}, // by the program's own rule, "|Maker"
+        {"USB\\VID_1&PID_2|||Name|||Maker|||more", "malformed, has not three fields"},
+        {"USB\\VID_1&PID_3|||Name", "malformed, has not three fields"},
+        {"\xA0|||Name|||Maker", "malformed, has no hardware ID"},
+        {" USB\\VID_1&PID_4|||Name|||Maker", "suspicious, is no hardware ID"},
+        {"USB\\VID_1&PID_5|||   |||Maker", noName},
+        {"USB\\VID_1&PID_6|||\xA0|||Maker", noName},
+        {"USB\\VID_1&PID_7|||Name|||\xA0 \xA0", noName},
+        {"*PNP0C0A|||Battery|||Maker", ofClass},
+        {"ACPI\\PNP0C0A|||Battery|||Maker", ofClass},
+        {"acpi\\ven_pnp&dev_0c0a|||Battery|||Maker", ofClass},
+        {"USBSTOR\\GenDisk|||Disk|||Maker", ofClass},
+        {"GenCdRom|||Drive|||Maker", ofClass},
+        {"USB\\Class_08&SubClass_06|||Disk|||Maker", ofClass},
+        {"PCI\\VEN_1000&CC_0300|||Card|||Maker", ofClass},
+        {"HID\\VID_1000&UP:0001_U:0002|||Mouse|||Maker", ofClass},
+        {"HID_DEVICE_UP:0001_U:0002|||Mouse|||Maker", ofClass},
+        {"*ABC0001|||Panel|||Maker", good},
+        {"ACPI\\VEN_ABC&DEV_0001|||Panel|||Maker", good},
+        {"USBSTOR\\DiskMaker___Stick___________1.00|||Stick|||Maker", good},
+        {"PCI\\VEN_1000&DEV_0001&CC_0300|||Card|||Maker", good},
+        {"PCI\\VEN_1000&DEV_0001|||b|||A", "already known"},
+        {"pci\\ven_1000&dev_0001|||Other|||A", otherName},
+        {"PCI\\VEN_1000&DEV_0001|||B|||Other", otherName},
+    };
+    QByteArray text;
+    std::vector<std::string> expected;
+    int number = 0;
+    for (const auto& [line, report] : rows) {
+        text += QByteArray(line) + "\r\n";
+        ++number;
+        if (*report != '\0')
+            expected.push_back("new.txt:" + std::to_string(number) + ": " + report + ": " +
+                               QString::fromLatin1(line).toStdString());
+    }
+    Write("new.txt", text);
+    const Result checked = Run({QStringLiteral("check"), QStringLiteral("--db=hwids.mdb"), QStringLiteral("new.txt")});
+    std::vector<std::string> lines;
+    for (const QString& line : QString::fromStdString(checked.Output).split(u'\n', Qt::SkipEmptyParts))
+        lines.push_back(line.toStdString());
+    ASSERT_FALSE(lines.empty()) << checked.Errors;
+    EXPECT_EQ(lines.back(), "5 good, 3 malformed, 13 suspicious, 0 duplicate, 1 already known, 2 under another name");
+    lines.pop_back();
+    EXPECT_EQ(lines, expected);
+    EXPECT_THAT(Run({QStringLiteral("merge"), QStringLiteral("hwids.mdb"), QStringLiteral("new.txt")}).Output,
+                HasSubstr("\n7 added, 1 already known, 16 left out\n"));
+    EXPECT_THAT(Export(), Contains("USB\\VID_1&PID_1|||Name||||Maker"));
+}
+
+// Entries whose numbers stand within other numbers, and a last one without its line end.
+TEST_F(DatabaseToolTest, MergesIntoRowsOfEveryForm) {
+    QByteArray ids = "1000  A\n";
+    for (int i = 1; i <= 11; ++i)
+        ids += "\t" + QByteArray::number(i).rightJustified(4, '0') + "  B" + QByteArray::number(i) + "\n";
+    ASSERT_EQ(Build(ids, "1000  A\n").Status, 0);
+    QProcess sqlite;
+    sqlite.start(QStringLiteral("sqlite3"),
+                 {Path("hwids.mdb"), QStringLiteral("UPDATE hwids SET info = '2,1' WHERE hwid LIKE '%0002';"
+                                                    "UPDATE hwids SET info = NULL WHERE hwid LIKE '%0003'")});
+    ASSERT_TRUE(sqlite.waitForFinished());
+    Write("new.txt", "PCI\\VEN_1000&DEV_0011|||B1|||A\r\nPCI\\VEN_1000&DEV_0002|||B3|||A\r\n"
+                     "PCI\\VEN_1000&DEV_0002|||B2|||A\r\nPCI\\VEN_1000&DEV_0003|||b3|||a\r\n"
+                     "USB\\NEW|||B1|||A\r\nusb\\new|||B2|||A\r\n");
+    const QStringList merge{QStringLiteral("merge"), QStringLiteral("hwids.mdb"), QStringLiteral("new.txt")};
+    EXPECT_THAT(Run(merge).Output, HasSubstr("\n5 added, 1 already known, 0 left out\n"));
+    EXPECT_THAT(Run(merge).Output, HasSubstr("0 added, 6 already known, 0 left out\n"));
+    const std::vector<std::string> lines = Export();
+    for (const char* line : {"PCI\\VEN_1000&DEV_0011|||B11|||A", "PCI\\VEN_1000&DEV_0011|||B1|||A",
+                             "PCI\\VEN_1000&DEV_0002|||B2|||A", "PCI\\VEN_1000&DEV_0002|||B3|||A",
+                             "PCI\\VEN_1000&DEV_0003|||B3|||A", "USB\\NEW|||B1|||A", "USB\\NEW|||B2|||A"})
+        EXPECT_THAT(lines, Contains(line));
+    EXPECT_EQ(lines.size(), 1U + 11 + 2 + 2);
+
+    // A row that would make the database one that nobody opens.
+    QByteArray crowd;
+    for (int i = 0; i < 1001; ++i)
+        crowd += "USB\\CROWD|||Name " + QByteArray::number(i) + "|||A\r\n";
+    Write("new.txt", crowd + "USB\\OTHER|||B1|||A\r\n");
+    EXPECT_THAT(Run(merge).Output, HasSubstr("USB\\CROWD|||Name 1000|||A (one of over 1000 names for one ID)\n"));
+    EXPECT_THAT(Run(merge).Output, HasSubstr("\n0 added, 1 already known, 1001 left out\n"));
+    constexpr int files = 9;
+    std::string failure;
+    for (int file = 0; file < files; ++file) {
+        crowd.clear();
+        for (int i = 0; i < 1000; ++i)
+            crowd += "USB\\CROWD|||Name " + QByteArray::number(1000 * file + i) + "|||A\r\n";
+        Write("new.txt", crowd);
+        failure = Run(merge).Errors;
+    }
+    EXPECT_EQ(failure, "quorvane-db: hwids.mdb: too many devices under one ID\n");
+    EXPECT_EQ(Run({QStringLiteral("info"), QStringLiteral("hwids.mdb")}).Status, 0);
+}
+
+TEST_F(DatabaseToolTest, ManyLinesTakeLittleTimeAndMemory) {
+    const int count = support::Rounds(20'000, 1'000'000);
+    constexpr int files = 100;
+    ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
+    QStringList merge{QStringLiteral("merge"), QStringLiteral("hwids.mdb")};
+    for (int file = 0; file < files; ++file) {
+        QByteArray lines;
+        for (int i = file; i < count; i += files)
+            lines += "USB\\VID_" + QByteArray::number(i % 65536, 16) + "&PID_" + QByteArray::number(i, 16) +
+                     "|||Adapter " + QByteArray::number(i) + "|||Maker " + QByteArray::number(i % 3000) + "\r\n";
+        merge << QString::number(file);
+        Write(merge.last().toUtf8().constData(), lines);
+    }
+    rusage before{};
+    rusage after{};
+    ::getrusage(RUSAGE_CHILDREN, &before);
+    const Result merged = Run(merge);
+    ::getrusage(RUSAGE_CHILDREN, &after);
+    EXPECT_THAT(merged.Output, HasSubstr("\n" + std::to_string(count) + " added, 0 already known, 0 left out\n"));
+    const auto seconds = [](const rusage& usage) {
+        return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+               double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    };
+    // Sixty seconds for a million, and what a start takes.
+    EXPECT_LT(seconds(after) - seconds(before), 1 + 60.0 * count / 1e6);
+    EXPECT_LT(after.ru_maxrss, 160 << 10) << "KiB";
 }
 
 TEST_F(DatabaseToolTest, WhatComesThroughAPipeIsReadToItsEnd) {

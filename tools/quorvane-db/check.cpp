@@ -51,12 +51,15 @@ int Check(const QStringList& arguments) {
         return RefuseUsage(wrong.isEmpty() ? QStringLiteral("check needs a FILE") : wrong);
     }
     Stage stage;
-    QString error = stage.Read(options.Arguments(), [&](const JudgedLine& line, const database::Contribution& device) {
-        return line.Judgement == Verdict::Malformed    ? State::Malformed
-               : !stage.IsNew(device)                  ? State::Duplicate
-               : line.Judgement == Verdict::Suspicious ? State::Suspicious
-                                                       : State::Good;
-    });
+    QString error = stage.Read(
+        options.Arguments(),
+        [&](const JudgedLine& line, const database::Contribution& device) {
+            return line.Judgement == Verdict::Malformed    ? State::Malformed
+                   : !stage.IsNew(device)                  ? State::Duplicate
+                   : line.Judgement == Verdict::Suspicious ? State::Suspicious
+                                                           : State::Good;
+        },
+        State::Suspicious);
     if (error.isEmpty() && options.Has(QStringLiteral("db"))) {
         error = Compare(stage, options.Value(QStringLiteral("db")));
     }

@@ -2,9 +2,12 @@
 // that programs and other merges add at the same time, and an interrupted or failed merge leaves the database as it
 // was.
 #include "command.h"
+#include "database/schema.h"
 #include "database_file.h"
 #include "options.h"
 #include "stage.h"
+
+#include <QFileInfo>
 
 namespace tool {
 
@@ -20,10 +23,14 @@ void Report(const StagedLine& line) {
 
 // Empty, or what failed.
 QString Gather(Stage& stage, const QString& path, const QStringList& files, bool suspiciousToo) {
-    QString error = stage.Read(files, [&](const JudgedLine& line, const database::Contribution& device) {
-        const bool wanted = line.Judgement == Verdict::Good || (line.Judgement == Verdict::Suspicious && suspiciousToo);
-        return !wanted ? State::LeftOut : stage.IsNew(device) ? State::Good : State::Duplicate;
-    });
+    QString error = stage.Read(
+        files,
+        [&](const JudgedLine& line, const database::Contribution& device) {
+            const bool wanted =
+                line.Judgement == Verdict::Good || (line.Judgement == Verdict::Suspicious && suspiciousToo);
+            return !wanted ? State::LeftOut : stage.IsNew(device) ? State::Good : State::Duplicate;
+        },
+        State::LeftOut);
     if (error.isEmpty() && !OpenDatabase(path, error)) {
         return error;
     }
@@ -42,10 +49,10 @@ int Merge(const QStringList& arguments) {
     if (version.size() > longestVersion) {
         return RefuseUsage(QStringLiteral("the version is longer than %1 characters").arg(longestVersion));
     }
+    const QString path = options.Arguments().first();
     const bool dryRun = options.Has(QStringLiteral("dry-run"));
     Stage stage;
-    QString error = Gather(stage, options.Arguments().first(), options.Arguments().mid(1),
-                           options.Has(QStringLiteral("include-suspicious")));
+    QString error = Gather(stage, path, options.Arguments().mid(1), options.Has(QStringLiteral("include-suspicious")));
     // Before the transaction: who reads the report may take his time, and one that nobody gets stops the merge.
     if (error.isEmpty()) {
         error = stage.Each(Report);
@@ -58,6 +65,11 @@ int Merge(const QStringList& arguments) {
     }
     if (!error.isEmpty()) {
         return Fail(error);
+    }
+    if (QFileInfo(path).size() > database::Rules().LargestFile) {
+        Note(QStringLiteral("%1: larger than the %2 MiB that clients take")
+                 .arg(path)
+                 .arg(database::Rules().LargestFile >> 20));
     }
     const qint64 leftOut = stage.Count(State::LeftOut);
     Print(QStringLiteral("%1%2 added, %3 already known, %4 left out")

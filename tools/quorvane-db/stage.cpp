@@ -2,6 +2,7 @@
 
 #include "data/error.h"
 #include "database/device_info.h"
+#include "database/schema.h"
 #include "database_file.h"
 
 #include <QCryptographicHash>
@@ -17,6 +18,7 @@ constexpr int patience = 600'000;  // milliseconds for another merge to end
 constexpr int linesAtOnce = 5'000; // are compared while others cannot write
 constexpr int pageOfLines = 1'000; // are in memory while they are reported
 constexpr int reported = 400;      // characters of a line
+constexpr int mostNames = 1'000;   // for one ID in one merge
 constexpr int mostAttempts = 5;    // while the database is replaced again and again
 
 constexpr const char* makeTables[] = {
@@ -27,6 +29,10 @@ constexpr const char* makeTables[] = {
 };
 
 constexpr char stageLine[] = "INSERT INTO staged VALUES (NULL, ?, ?, ?, ?, ?, ?, ?, ?)";
+
+constexpr char markCrowds[] = "UPDATE staged SET state = ?1, reason = 'one of over ' || ?2 || ' names for one ID'"
+                              " WHERE state = 0 AND hwid IN"
+                              " (SELECT hwid FROM staged WHERE state = 0 GROUP BY hwid HAVING count(*) > ?2)";
 
 // The pair of numbers as a whole entry of the row's text: behind a line end or at the start, before one or at the end.
 constexpr char markKnown[] =
@@ -64,7 +70,7 @@ QString Stage::Ran(const QString& about, const std::function<void()>& work) {
     return data::Ran(work, &error) ? QString() : QStringLiteral("%1: %2").arg(about, error.Description());
 }
 
-QString Stage::Read(const QStringList& paths, const Decision& decide) {
+QString Stage::Read(const QStringList& paths, const Decision& decide, State crowded) {
     files_ = paths;
     QString fault;
     const QString failed = Ran(QStringLiteral("temporary files"), [&] {
@@ -82,6 +88,7 @@ QString Stage::Read(const QStringList& paths, const Decision& decide) {
                 });
             }
         });
+        work_->Change(markCrowds, {int(crowded), mostNames});
     });
     return failed.isEmpty() ? fault : failed;
 }
@@ -172,6 +179,10 @@ void Stage::Add(const QString& version) {
         }
         for (const char* statement : addLines) {
             work_->Change(statement);
+        }
+        // A row that is longer makes the whole database one that nobody opens.
+        if (work_->Value("SELECT 1 FROM live.hwids WHERE length(info) > ?", {database::LongestInfo}).isValid()) {
+            throw data::Error(data::ErrorUnspecified, QStringLiteral("too many devices under one ID"));
         }
         if (!version.isEmpty() && work_->Change("UPDATE live.version SET dbversion = ?", {version}) == 0) {
             work_->Change("INSERT INTO live.version (dbversion) VALUES (?)", {version});

@@ -33,9 +33,10 @@ struct StagedLine {
 
 class Stage {
   public:
-    // Reads the files; `decide` says what becomes of each line, and may ask IsNew about its device in stored form.
+    // Reads the files; `decide` says what becomes of each line, and may ask IsNew about its device in stored form. Good
+    // lines that give one ID more names than anything has become `crowded`.
     using Decision = std::function<State(const JudgedLine& line, const database::Contribution& stored)>;
-    QString Read(const QStringList& paths, const Decision& decide);
+    QString Read(const QStringList& paths, const Decision& decide, State crowded);
     // False if it was asked about the same device before.
     bool IsNew(const database::Contribution& stored);
 
