@@ -1,101 +1,113 @@
 #include "pnp/acpi_ids.h"
 
-#include "pnp/class_table.h"
-
+#include <QByteArrayList>
+#include <QHash>
 #include <algorithm>
+#include <vector>
 
 namespace pnp {
 
 namespace {
-
-using namespace class_guid;
-
-constexpr AcpiKind Kinds[] = {
-    {"PNP0000", System, u"Programmable interrupt controller", false},
-    {"PNP0100", System, u"System timer", false},
-    {"PNP0103", System, u"High precision event timer", false},
-    {"PNP0200", System, u"Direct memory access controller", false},
-    {"PNP0300", Keyboard, u"PC/XT Keyboard (83-Key)", true},
-    {"PNP0301", Keyboard, u"PC/AT Keyboard (86-Key)", true},
-    {"PNP0303", Keyboard, u"Standard PS/2 Keyboard", true},
-    {"PNP0320", Keyboard, u"Japanese PS/2 Keyboard", true},
-    {"PNP0400", Ports, u"Printer Port", true},
-    {"PNP0401", Ports, u"ECP Printer Port", true},
-    {"PNP0500", Ports, u"Communications Port", true},
-    {"PNP0501", Ports, u"Communications Port", true},
-    {"PNP0700", Fdc, u"Standard floppy disk controller", true},
-    {"PNP0800", System, u"System speaker", false},
-    {"PNP0A03", System, u"PCI Bus", false},
-    {"PNP0A05", System, u"Generic ACPI bus", false},
-    {"PNP0A06", System, u"Extended IO bus", false},
-    {"PNP0A08", System, u"PCI Express Root Complex", false},
-    {"PNP0B00", System, u"System CMOS/real time clock", false},
-    {"PNP0C01", System, u"System board", false},
-    {"PNP0C02", System, u"Motherboard resources", false},
-    {"PNP0C04", System, u"Numeric data processor", false},
-    {"PNP0C08", System, u"ACPI core driver", false},
-    {"PNP0C09", System, u"ACPI-Compliant Embedded Controller", false},
-    {"PNP0C0A", Battery, u"ACPI-Compliant Control Method Battery", true},
-    {"PNP0C0B", System, u"ACPI Fan", false},
-    {"PNP0C0C", System, u"ACPI Power Button", false},
-    {"PNP0C0D", System, u"ACPI Lid", false},
-    {"PNP0C0E", System, u"ACPI Sleep Button", false},
-    {"PNP0C0F", System, u"PCI interrupt link", false},
-    {"PNP0C14", System, u"Management Interface for ACPI", false},
-    {"PNP0C15", System, u"ACPI docking station", false},
-    {"PNP0C31", SecurityDevices, u"Trusted Platform Module 1.2", true},
-    {"PNP0C32", System, u"Direct Application Launch Button", false},
-    {"PNP0C33", System, u"Hardware error device", false},
-    {"PNP0C50", HidClass, u"I2C HID Device", true},
-    {"PNP0C60", System, u"Display sensor device", false},
-    {"PNP0C80", System, u"Memory device", false},
-    {"PNP0D10", Usb, u"USB xHCI controller", true},
-    {"PNP0D20", Usb, u"USB EHCI controller", true},
-    {"PNP0D80", System, u"Power Engine Plug-in", false},
-    {"PNP0D40", SdHost, u"SDA Standard Compliant SD Host Controller", true},
-    {"PNP0F03", Mouse, u"PS/2 Port Mouse", true},
-    {"PNP0F12", Mouse, u"PS/2 Port Mouse", true},
-    {"PNP0F13", Mouse, u"PS/2 Compatible Mouse", true},
-    {"ACPI0003", Battery, u"AC Adapter", true},
-    {"ACPI0004", System, u"ACPI Module Device", false},
-    {"ACPI0006", System, u"ACPI General Purpose Event block", false},
-    {"ACPI0007", Processor, u"Processor", false},
-    {"ACPI0008", Sensor, u"Ambient light sensor", true},
-    {"ACPI000C", System, u"ACPI Processor Aggregator", false},
-    {"ACPI000D", System, u"ACPI Power Meter", false},
-    {"ACPI000E", System, u"ACPI Time and Alarm Device", false},
-    {"ACPI0010", System, u"ACPI Processor Container Device", false},
-    {"ACPI0011", System, u"Generic Buttons Device", false},
-    {"ACPI0013", System, u"Generic Event Device", false},
-    {"ACPI0017", System, u"CXL Root Object", false},
-    {"INT0800", System, u"Intel Firmware Hub", false},
-    {"MSFT0101", SecurityDevices, u"Trusted Platform Module 2.0", true},
-};
 
 struct VendorRow {
     const char* letters;
     const char16_t* name;
 };
 
+// Makers by the letters that their identifiers begin with. These come before pnp.ids, which knows other companies under
+// some of them; an empty name means that the letters tell no maker.
 constexpr VendorRow Vendors[] = {
+    {"AMD", u"Advanced Micro Devices"},
     {"AMDI", u"Advanced Micro Devices"},
+    {"AMDF", u"Advanced Micro Devices"},
     {"AMZN", u"Amazon.com, Inc."},
+    {"APP", u"Apple"},
     {"APPC", u"Apple"},
+    {"APPL", u"Apple"},
+    {"ARMH", u"ARM"},
+    {"ASU", u"ASUSTeK"},
     {"ASUS", u"ASUSTeK"},
+    {"ATK", u"ASUSTeK"},
+    {"ATM", u"Atmel"},
+    {"ATML", u"Atmel"},
+    {"AMI", u"American Megatrends"},
+    {"BMA", u"Bosch Sensortec"},
+    {"BMC", u"Bosch Sensortec"},
+    {"BMG", u"Bosch Sensortec"},
+    {"BMI", u"Bosch Sensortec"},
+    {"BMM", u"Bosch Sensortec"},
     {"BOSC", u"Bosch Sensortec"},
+    {"CLSA", u"Cirrus Logic"},
+    {"CSC", u"Cirrus Logic"},
+    {"CYAP", u"Cypress"},
+    {"DEL", u"Dell"},
     {"DELL", u"Dell"},
+    {"DLL", u"Dell"},
+    {"DLLK", u"Dell"},
     {"ELAN", u"ELAN Microelectronics"},
+    {"ESSX", u"Everest Semiconductor"},
+    {"ETD", u"ELAN Microelectronics"},
+    {"FPC", u"Fingerprint Cards"},
+    {"FTSC", u"FocalTech"},
+    {"FUJ", u"Fujitsu"},
+    {"GDI", u"Goodix"},
+    {"GDIX", u"Goodix"},
+    {"GGL", u"Google"},
     {"GOOG", u"Google"},
+    {"HPQ", u"Hewlett-Packard"},
     {"HPIC", u"Hewlett-Packard"},
+    {"HWPC", u"Hewlett-Packard"},
+    {"IBM", u"IBM"},
+    {"ICO", u"Intel"},
+    {"IDEA", u"Lenovo"},
+    {"ILTK", u"ILI Technology"},
+    {"INT", u"Intel"},
     {"INTC", u"Intel"},
     {"INTL", u"Intel"},
+    {"INVN", u"InvenSense"},
+    {"KIOX", u"Kionix"},
+    {"LEN", u"Lenovo"},
+    {"LGEX", u"LG Electronics"},
     {"LNRO", u"Linaro"},
+    {"LPE", u"Intel"},
+    {"LTER", u"Lite-On"},
+    {"MAT", u"Panasonic"},
+    {"MMA", u"NXP Semiconductors"},
+    {"MSF", u"Microsoft"},
     {"MSFT", u"Microsoft"},
     {"MSHW", u"Microsoft"},
+    {"MSI", u"Micro-Star International"},
+    {"MSSL", u"Silead"},
+    {"MXC", u"Memsic"},
+    {"NTRG", u"N-trig"},
     {"NVDA", u"NVIDIA"},
+    {"NVTN", u"Nuvoton"},
+    {"OVTI", u"OmniVision"},
+    {"PRP", u""},
     {"QCOM", u"Qualcomm"},
     {"QEMU", u"QEMU"},
+    {"RAYD", u"Raydium"},
+    {"REA", u"Realtek"},
+    {"RTK", u"Realtek"},
+    {"RTL", u"Realtek"},
+    {"SAM", u"Samsung"},
+    {"SMB", u""},
+    {"SNSL", u"Sensel"},
+    {"SNY", u"Sony"},
+    {"SONY", u"Sony"},
+    {"STM", u"STMicroelectronics"},
+    {"SYN", u"Synaptics"},
     {"SYNA", u"Synaptics"},
+    {"TOS", u"Toshiba"},
+    {"TPS", u"Topstar"},
+    {"TXN", u"Texas Instruments"},
+    {"VMW", u"VMware"},
+    {"VPC", u"Lenovo"},
+    {"WACF", u"Wacom"},
+    {"WACM", u"Wacom"},
+    {"WACO", u"Wacom"},
+    {"WCOM", u"Wacom"},
+    {"WDHT", u"Goodix"},
     {"XENS", u"Xen"},
 };
 
@@ -105,12 +117,36 @@ bool AllAlphanumeric(const QString& text) {
     });
 }
 
+struct KindIndex {
+    QHash<QByteArray, const AcpiKind*> whole;
+    std::vector<std::pair<QByteArray, const AcpiKind*>> starts;
+};
+
+KindIndex MakeIndex() {
+    KindIndex index;
+    for (const AcpiKind& kind : AcpiKinds()) {
+        for (const QByteArray& id : QByteArray(kind.ids).split(' ')) {
+            if (id.endsWith('*'))
+                index.starts.emplace_back(id.chopped(1), &kind);
+            else
+                index.whole.insert(id, &kind);
+        }
+    }
+    return index;
+}
+
 } // namespace
 
 const AcpiKind* FindAcpiKind(const QString& id) {
-    const auto found = std::find_if(std::begin(Kinds), std::end(Kinds),
-                                    [&id](const AcpiKind& kind) { return id == QLatin1String(kind.id); });
-    return found == std::end(Kinds) ? nullptr : found;
+    static const KindIndex index = MakeIndex();
+    const QByteArray wanted = id.toLatin1();
+    if (const auto found = index.whole.constFind(wanted); found != index.whole.constEnd())
+        return *found;
+    for (const auto& [start, kind] : index.starts) {
+        if (wanted.startsWith(start))
+            return kind;
+    }
+    return nullptr;
 }
 
 bool IsStandardAcpiId(const QString& id) {
@@ -137,12 +173,24 @@ QStringList AcpiHardwareIds(const QString& id, const QString& revision) {
     return ids;
 }
 
-QString AcpiVendorName(const QString& letters) {
+QString AcpiMaker(const QString& id, IdFile& pci, IdFile& usb, PnpVendorFile& pnp) {
+    const AcpiKind* kind = FindAcpiKind(id);
+    if (kind != nullptr && kind->maker != nullptr)
+        return QString::fromUtf16(kind->maker);
+    const QString letters = AcpiVendor(id);
     for (const VendorRow& row : Vendors) {
         if (letters == QLatin1String(row.letters))
             return QString::fromUtf16(row.name);
     }
-    return {};
+    // "10EC5640": the number of a PCI or USB vendor. Letters alone are letters.
+    bool isNumber = false;
+    const quint16 vendor = letters.toUShort(&isNumber, 16);
+    const bool hasDigit = std::any_of(letters.begin(), letters.end(), [](QChar c) { return c.isDigit(); });
+    if (letters.size() == 4 && isNumber && hasDigit) {
+        const QString name = pci.VendorName(vendor);
+        return name.isEmpty() ? usb.VendorName(vendor) : name;
+    }
+    return pnp.VendorName(letters);
 }
 
 } // namespace pnp

@@ -77,6 +77,26 @@ void TakePowerSupplyNames(const Node& node, Device& device) {
     }
 }
 
+struct StandardMaker {
+    const char16_t* guid;
+    const char16_t* text;
+};
+
+constexpr StandardMaker StandardMakerTexts[] = {
+    {class_guid::Fdc, u"(Standard floppy disk controllers)"}, {class_guid::Keyboard, u"(Standard keyboards)"},
+    {class_guid::Mouse, u"(Standard mouse types)"},           {class_guid::Ports, u"(Standard port types)"},
+    {class_guid::Processor, u"(Standard processor types)"},
+};
+
+// Who stands for the makers of standard equipment of a class; null where nobody does.
+const char16_t* StandardMakers(const QString& guid) {
+    for (const StandardMaker& row : StandardMakerTexts) {
+        if (guid == QString::fromUtf16(row.guid))
+            return row.text;
+    }
+    return nullptr;
+}
+
 // Power engine plug-ins say so among what they are compatible with, whatever maker's identifier they bear.
 bool IsPowerEngine(const QStringList& ids) { return ids.contains(QStringLiteral("PNP0D80")); }
 
@@ -99,20 +119,17 @@ void TakeClassAndNames(Context& context, const QStringList& ids, Device& device,
     else
         device.name = QStringLiteral("ACPI device ") + ids.first();
 
-    if (!standard) {
-        const QString vendor = AcpiVendor(ids.first());
-        device.manufacturer = vendor.size() == 3 ? context.PnpIds().VendorName(vendor) : AcpiVendorName(vendor);
-    } else if (guid == class_guid::Keyboard) {
-        device.manufacturer = QStringLiteral("(Standard keyboards)");
-    } else if (guid == class_guid::Ports) {
-        device.manufacturer = QStringLiteral("(Standard port types)");
-    } else if (guid == class_guid::Mouse) {
-        device.manufacturer = QStringLiteral("(Standard mouse types)");
-    } else if (guid == class_guid::Fdc) {
-        device.manufacturer = QStringLiteral("(Standard floppy disk controllers)");
-    } else {
+    if (!standard)
+        device.manufacturer = AcpiMaker(ids.first(), context.PciIds(), context.UsbIds(), context.PnpIds());
+    else if (const char16_t* makers = StandardMakers(device.classGuid))
+        device.manufacturer = QString::fromUtf16(makers);
+}
+
+// Bridges, timers and their like; what has a problem shall not vanish among them.
+void TakeStandardSystem(const QStringList& ids, Device& device) {
+    if (IsStandardAcpiId(ids.first()) && device.problemCode == problem::None &&
+        device.classGuid == QString::fromUtf16(class_guid::System))
         device.manufacturer = StandardSystemDevices();
-    }
 }
 
 void TakeIds(const QStringList& ids, const QString& revision, Device& device) {
@@ -186,6 +203,7 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
         Overrule(device, problem::FirmwareDisabled);
     else if (needsDriver && (status & StatusFunctioning) == 0)
         Overrule(device, problem::Reported);
+    TakeStandardSystem(ids, device);
     devices.push_back(std::move(device));
 }
 
@@ -202,7 +220,10 @@ void ReadPnp(Context& context, const std::string& path, std::vector<Device>& dev
         if (const QString id = Identifier(part); !id.isEmpty())
             ids.append(id);
     }
-    if (ids.isEmpty())
+    // Kernels before 2.6.29 leave out that link for the root complex.
+    const bool isNodeAgain = !ids.isEmpty() && !node.Has("firmware_node") &&
+                             context.Files().Has("/bus/acpi/devices/" + ids.first().toStdString() + ":00");
+    if (ids.isEmpty() || isNodeAgain)
         return;
     Device device;
     device.instancePath = QStringLiteral("ACPI\\") + ids.first() + QLatin1Char('\\') +
@@ -213,6 +234,7 @@ void ReadPnp(Context& context, const std::string& path, std::vector<Device>& dev
     bool needsDriver = true;
     TakeClassAndNames(context, ids, device, needsDriver);
     TakeProblem(context, node, node.Modalias(), needsDriver, device);
+    TakeStandardSystem(ids, device);
     devices.push_back(std::move(device));
 }
 

@@ -19,6 +19,7 @@ constexpr SetupClass Classes[] = {
     {DiskDrive, u"DiskDrive", u"Disk drives", IconWay::Path, Setup, 53},
     {Display, u"Display", u"Display adapters", IconWay::Path, Setup, 1},
     {Fdc, u"fdc", u"Floppy disk controllers", IconWay::IdOnly, Setup, 34},
+    {FloppyDisk, u"FloppyDisk", u"Floppy disk drives", IconWay::Path, Setup, 55},
     {Hdc, u"hdc", u"IDE ATA/ATAPI controllers", IconWay::IdOnly, Setup, 9},
     {HidClass, u"HIDClass", u"Human Interface Devices", IconWay::Path, Setup, 24},
     {Image, u"Image", u"Imaging devices", IconWay::Path, Setup, 42},

@@ -42,6 +42,7 @@ inline constexpr char16_t ComputeAccelerator[] = u"{F01A9D53-3FF6-48D2-9F97-C8A7
 inline constexpr char16_t DiskDrive[] = u"{4D36E967-E325-11CE-BFC1-08002BE10318}";
 inline constexpr char16_t Display[] = u"{4D36E968-E325-11CE-BFC1-08002BE10318}";
 inline constexpr char16_t Fdc[] = u"{4D36E969-E325-11CE-BFC1-08002BE10318}";
+inline constexpr char16_t FloppyDisk[] = u"{4D36E980-E325-11CE-BFC1-08002BE10318}";
 inline constexpr char16_t Hdc[] = u"{4D36E96A-E325-11CE-BFC1-08002BE10318}";
 inline constexpr char16_t HidClass[] = u"{745A17A0-74D3-11D0-B6FE-00A0C90F57DA}";
 inline constexpr char16_t Image[] = u"{6BDD1FC6-810F-11D0-BEC7-08002BE2092F}";

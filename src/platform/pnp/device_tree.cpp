@@ -10,9 +10,9 @@ namespace {
 // In the order in which devices come up.
 const std::vector<BusReader>& Readers() {
     static const std::vector<BusReader> readers = {
-        ProcessorReader(), AcpiReader(),    PnpReader(),         PciReader(), UsbReader(),
-        HidReader(),       ScsiReader(),    NvmeReader(),        MmcReader(), SdioReader(),
-        HdAudioReader(),   MonitorReader(), ThunderboltReader(), NetReader(), PlatformReader(),
+        ProcessorReader(), AcpiReader(),    PnpReader(),     PciReader(),         UsbReader(),  HidReader(),
+        ScsiReader(),      NvmeReader(),    BlockReader(),   MmcReader(),         SdioReader(), FireWireReader(),
+        SoundWireReader(), HdAudioReader(), MonitorReader(), ThunderboltReader(), NetReader(),  PlatformReader(),
     };
     return readers;
 }

@@ -1,68 +1,17 @@
-// Drives: SCSI and ATA disks, optical drives and tapes, USB storage, NVMe controllers.
+// Drives that the SCSI bus lists: SCSI and ATA disks, optical drives and tapes, USB storage, array controllers and
+// enclosures.
+#include "pnp/ata_identity.h"
 #include "pnp/bus_reader.h"
-#include "pnp/class_table.h"
+#include "pnp/disk_ids.h"
 #include "pnp/identity.h"
 #include "pnp/problem.h"
-
-#include <algorithm>
 
 namespace pnp {
 
 namespace {
 
-struct TypeRow {
-    quint32 type;
-    // In front of vendor and product, and behind them as the generic ID.
-    const char16_t* kind;
-    const char16_t* generic;
-    const char16_t* guid;
-    const char16_t* name;
-};
-
-// SCSI device types; all others (enclosures, controllers) are not listed.
-constexpr TypeRow Types[] = {
-    {0, u"Disk", u"GenDisk", class_guid::DiskDrive, u"Disk drive"},
-    {1, u"Sequential", u"GenSequential", class_guid::TapeDrive, u"Tape drive"},
-    {4, u"Worm", u"GenWorm", class_guid::Cdrom, u"Write-once drive"},
-    {5, u"CdRom", u"GenCdRom", class_guid::Cdrom, u"CD-ROM Drive"},
-    {7, u"Optical", u"GenOptical", class_guid::DiskDrive, u"Optical disk drive"},
-    {14, u"Disk", u"GenDisk", class_guid::DiskDrive, u"Disk drive"},
-};
-
-const TypeRow* FindType(quint32 type) {
-    const auto found =
-        std::find_if(std::begin(Types), std::end(Types), [type](const TypeRow& row) { return row.type == type; });
-    return found == std::end(Types) ? nullptr : found;
-}
-
-const QString NvmeVendor = QStringLiteral("NVMe");
-
-struct Inquiry {
-    QString vendor;
-    QString product;
-    QString revision;
-};
-
-// kind + vendor 8 + product 16 + revision 4; then shorter; then without the kind and with one character of the
-// revision.
-void TakeInquiryIds(const QString& bus, const TypeRow& type, const Inquiry& inquiry, Device& device) {
-    const QString vendor = IdField(inquiry.vendor, 8);
-    const QString product = vendor + IdField(inquiry.product, 16);
-    const QString kind = bus + QString::fromUtf16(type.kind);
-    device.hardwareIds.append(kind + product + IdField(inquiry.revision, 4));
-    device.hardwareIds.append(kind + product);
-    // Neither an empty vendor nor the name of the protocol tells a product.
-    if (!inquiry.vendor.isEmpty() && inquiry.vendor != NvmeVendor)
-        device.hardwareIds.append(kind + vendor);
-    device.hardwareIds.append(bus + product + IdField(inquiry.revision, 1));
-    device.hardwareIds.append(product + IdField(inquiry.revision, 1));
-    device.hardwareIds.append(QString::fromUtf16(type.generic));
-}
-
-QString InstanceBase(const QString& bus, const TypeRow& type, const QString& vendor, const QString& product) {
-    return bus + QString::fromUtf16(type.kind) + QStringLiteral("&Ven_") + PathText(vendor.left(8)) +
-           QStringLiteral("&Prod_") + PathText(product.left(16));
-}
+// The protocol of interfaces with USB attached SCSI.
+constexpr quint32 AttachedScsi = 0x62;
 
 // The device that owns the path's SCSI host, and the host's place among that device's hosts.
 struct HostPlace {
@@ -129,9 +78,19 @@ std::vector<std::string> ListScsi(const Context& context) {
     return drives;
 }
 
-QString DriveName(const Inquiry& inquiry, const TypeRow& type) {
-    const QString name = (inquiry.vendor + QLatin1Char(' ') + inquiry.product).trimmed();
-    return name.isEmpty() ? QString::fromUtf16(type.name) : name;
+// USB attached SCSI gives its drives to the SCSI stack; plain mass storage has a bus of its own. The driver tells, and
+// without one the protocol of the interface.
+bool IsUsbStorage(const Node& node, const std::string& usb) {
+    if (usb.empty())
+        return false;
+    std::string folder = node.Path();
+    while (ParentPath(folder) != usb)
+        folder = ParentPath(folder);
+    const Node interface = node.Ancestor(folder);
+    std::string driver = interface.LinkName("driver");
+    if (driver.empty())
+        driver = interface.Uevent("DRIVER");
+    return driver.empty() ? interface.Hex("bInterfaceProtocol") != AttachedScsi : driver != "uas";
 }
 
 void ReadScsi(Context& context, const std::string& path, std::vector<Device>& devices) {
@@ -141,76 +100,39 @@ void ReadScsi(Context& context, const std::string& path, std::vector<Device>& de
     const std::string aliasStart = "scsi:t-0x";
     if (const std::string alias = node.Modalias(); !number && alias.starts_with(aliasStart))
         number = ParseHex(alias.substr(aliasStart.size()));
-    const TypeRow* type = number ? FindType(*number) : nullptr;
+    const DriveType* type = number ? FindDriveType(*number) : nullptr;
     if (!address || type == nullptr)
         return;
-    // The translation of ATA commands puts "ATA" where a vendor would stand; the model then begins with the maker.
-    Inquiry inquiry{node.Text("vendor"), node.Text("model"), node.Text("rev")};
-    if (inquiry.vendor == QStringLiteral("ATA"))
-        inquiry.vendor.clear();
+    Inquiry inquiry{node.Field("vendor"), node.Field("model"), node.Field("rev")};
+    const std::string usb = UsbDevice(path);
+    const bool storage = IsUsbStorage(node, usb);
+    // The translation of ATA commands puts "ATA" where a vendor would stand. Enclosures on USB do that themselves.
+    if (usb.empty() && inquiry.vendor == QStringLiteral("ATA"))
+        inquiry = AtaInquiry(node, inquiry);
 
     Device device;
-    const std::string usb = UsbDevice(path);
     const HostPlace host = FindHost(context, path);
     const quint32 hostPath = host.path != 0 ? host.path : address->channel;
     const QString place =
         InstanceSuffix(TreeLevel(host.owner) + 1, context.Stable(host.owner),
                        Hex(hostPath & 0xFF, 2) + Hex(address->target & 0xFF, 2) + Hex(address->unit & 0xFF, 2));
-    if (usb.empty()) {
-        device.instancePath =
-            InstanceBase(QStringLiteral("SCSI\\"), *type, inquiry.vendor, inquiry.product) + QLatin1Char('\\') + place;
-    } else {
-        const QString base = InstanceBase(QStringLiteral("USBSTOR\\"), *type, inquiry.vendor, inquiry.product) +
-                             QStringLiteral("&Rev_") + PathText(inquiry.revision.left(4)) + QLatin1Char('\\');
-        const QString serial = SerialText(node.Ancestor(usb).Text("serial"));
-        device.alternativePath = base + place;
-        device.instancePath = serial.isEmpty() ? device.alternativePath
-                                               : base + serial + QLatin1Char('&') + QString::number(address->unit);
+    const QString bus = storage ? QStringLiteral("USBSTOR\\") : QStringLiteral("SCSI\\");
+    QString base = DriveInstance(bus, *type, inquiry);
+    if (storage)
+        base += QStringLiteral("&Rev_") + PathField(inquiry.revision, 4);
+    device.instancePath = base + QLatin1Char('\\') + place;
+    if (const QString serial = storage ? SerialText(node.Ancestor(usb).Text("serial")) : QString(); !serial.isEmpty()) {
+        device.alternativePath = device.instancePath;
+        device.instancePath = base + QLatin1Char('\\') + serial + QLatin1Char('&') + QString::number(address->unit);
     }
     if (!inquiry.product.isEmpty())
-        TakeInquiryIds(usb.empty() ? QStringLiteral("SCSI\\") : QStringLiteral("USBSTOR\\"), *type, inquiry, device);
+        TakeInquiryIds(bus, *type, inquiry, device);
     device.name = DriveName(inquiry, *type);
-    device.manufacturer = inquiry.vendor.isEmpty() ? QStringLiteral("(Standard disk drives)") : inquiry.vendor;
-    if (inquiry.vendor.isEmpty() && type->guid == class_guid::Cdrom)
-        device.manufacturer = QStringLiteral("(Standard CD-ROM drives)");
+    device.manufacturer = inquiry.vendor.isEmpty() ? QString::fromUtf16(type->maker) : inquiry.vendor.trimmed();
     device.classGuid = QString::fromUtf16(type->guid);
     context.TakeDriver(node, device);
-    TakeProblem(context, node, node.Modalias(), true, device);
+    TakeProblem(context, node, node.Modalias(), type->needsDriver, device);
     if (node.Word("state") == "offline")
-        Overrule(device, problem::Reported);
-    devices.push_back(std::move(device));
-}
-
-std::vector<std::string> ListNvme(const Context& context) { return ListEntries(context, "/class/nvme"); }
-
-void ReadNvme(Context& context, const std::string& path, std::vector<Device>& devices) {
-    const Node node = context.At(path);
-    // Controllers over a network have nothing in this machine.
-    if (!node.Exists() || path.find("/virtual/") != std::string::npos)
-        return;
-    const QString model = node.Text("model");
-    const QString firmware = node.Text("firmware_rev");
-    const TypeRow& type = Types[0];
-    const Inquiry inquiry{NvmeVendor, model, firmware};
-    std::string owner = PciFolder(path);
-    if (owner.empty())
-        owner = ParentPath(ParentPath(path));
-    Device device;
-    device.instancePath = InstanceBase(QStringLiteral("SCSI\\"), type, inquiry.vendor, model) + QLatin1Char('\\') +
-                          InstanceSuffix(TreeLevel(owner) + 1, context.Stable(owner), QStringLiteral("000000"));
-    if (!model.isEmpty()) {
-        const QString whole = QStringLiteral("SCSI\\Disk") + IdField(inquiry.vendor, 8) + IdField(model, 40);
-        device.hardwareIds.append(whole + IdField(firmware, 8));
-        device.hardwareIds.append(whole);
-        TakeInquiryIds(QStringLiteral("SCSI\\"), type, inquiry, device);
-    }
-    device.name = model.isEmpty() ? QStringLiteral("NVMe disk drive") : model;
-    device.manufacturer = QStringLiteral("(Standard disk drives)");
-    device.classGuid = QString::fromUtf16(type.guid);
-    // The controller's driver is the disk's as well.
-    context.TakeDriver(node.Ancestor(owner), device);
-    TakeProblem(context, node, {}, false, device);
-    if (node.Word("state") == "dead")
         Overrule(device, problem::Reported);
     devices.push_back(std::move(device));
 }
@@ -218,6 +140,5 @@ void ReadNvme(Context& context, const std::string& path, std::vector<Device>& de
 } // namespace
 
 BusReader ScsiReader() { return {ListScsi, ReadScsi}; }
-BusReader NvmeReader() { return {ListNvme, ReadNvme}; }
 
 } // namespace pnp

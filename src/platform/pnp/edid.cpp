@@ -27,12 +27,14 @@ std::optional<Edid> ParseEdid(const std::string& block) {
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(block[at]); };
     Edid edid;
     const int letters = byte(8) << 8 | byte(9);
+    bool possible = true;
     for (const int shift : {10, 5, 0}) {
         const int letter = letters >> shift & 0x1F;
-        if (letter < 1 || letter > 26)
-            return std::nullopt;
+        possible = possible && letter >= 1 && letter <= 26;
         edid.vendor += QLatin1Char(char('A' + letter - 1));
     }
+    if (!possible)
+        edid.vendor.clear();
     edid.product = quint16(byte(10) | byte(11) << 8);
     for (std::size_t at = FirstDescriptor; at + DescriptorSize <= BlockSize - 2; at += DescriptorSize) {
         // Two zeros tell a descriptor from a timing.

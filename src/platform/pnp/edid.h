@@ -8,14 +8,14 @@
 namespace pnp {
 
 struct Edid {
-    // Three letters.
+    // Three letters; empty where the block holds none.
     QString vendor;
     quint16 product = 0;
     // From the descriptors; empty where the block has none.
     QString name;
 };
 
-// Nothing for a block that is short, lacks the header or names no vendor. The checksum is not asked: many monitors
+// Nothing for a block that is short or lacks the header. The checksum is not asked: many monitors
 // deliver it wrong.
 std::optional<Edid> ParseEdid(const std::string& block);
 

@@ -6,6 +6,8 @@
 #include "pnp/problem.h"
 #include "pnp/usb_ids.h"
 
+#include <QRegularExpression>
+
 namespace pnp {
 
 namespace {
@@ -14,8 +16,9 @@ constexpr std::size_t LongestDescriptor = 16384;
 constexpr quint32 BusUsb = 0x03;
 constexpr quint32 BusBluetooth = 0x05;
 constexpr quint32 BusI2c = 0x18;
-// Sensor hubs of processors.
-constexpr quint32 BusSensorHub = 0x20;
+// Sensor hubs of processors, of Intel and of AMD.
+constexpr quint32 BusIntelHub = 0x1F;
+constexpr quint32 BusAmdHub = 0x20;
 
 struct HidIds {
     quint32 bus = 0;
@@ -39,11 +42,13 @@ constexpr UsageRow Usages[] = {
     {0x01, 0x05, u"HID_DEVICE_SYSTEM_GAME", class_guid::HidClass, u"HID-compliant game controller"},
     {0x01, 0x06, u"HID_DEVICE_SYSTEM_KEYBOARD", class_guid::Keyboard, u"HID Keyboard Device"},
     {0x01, 0x07, u"HID_DEVICE_SYSTEM_KEYBOARD", class_guid::Keyboard, u"HID Keyboard Device"},
+    {0x01, 0x0c, nullptr, class_guid::HidClass, u"HID-compliant wireless radio controls"},
     {0x01, 0x80, u"HID_DEVICE_SYSTEM_CONTROL", class_guid::HidClass, u"HID-compliant system controller"},
     {0x0c, 0x01, u"HID_DEVICE_SYSTEM_CONSUMER", class_guid::HidClass, u"HID-compliant consumer control device"},
     {0x0d, 0x02, nullptr, class_guid::HidClass, u"HID-compliant pen"},
     {0x0d, 0x04, nullptr, class_guid::HidClass, u"HID-compliant touch screen"},
     {0x0d, 0x05, nullptr, class_guid::HidClass, u"HID-compliant touch pad"},
+    {0x20, 0x01, nullptr, class_guid::Sensor, u"HID Sensor Collection"},
 };
 
 const UsageRow* FindUsage(HidUsage usage) {
@@ -78,7 +83,19 @@ struct Parts {
     QString interface;
     // "HID\VID_v", in front of a usage; empty where there is no such form.
     QString vendor;
+    // Over I2C: "HID\VEN_SYN&DEV_2392" in front of the base, and behind it the same with an asterisk.
+    QString apart;
+    QString starred;
 };
+
+// "i2c-SYNA2392:00"
+QString AcpiIdOfParent(const Node& parent) {
+    const std::string name = parent.Name();
+    const std::size_t colon = name.find(':');
+    return name.starts_with("i2c-") && colon != std::string::npos
+               ? PathText(CleanAttribute(name.substr(4, colon - 4)).toUpper())
+               : QString();
+}
 
 Parts ReadParts(const Node& node, const HidIds& ids) {
     Parts parts;
@@ -101,11 +118,11 @@ Parts ReadParts(const Node& node, const HidIds& ids) {
             QStringLiteral("HID\\{00001124-0000-1000-8000-00805F9B34FB}_VID&0002%1_PID&%2").arg(vendor, product);
         parts.vendor.clear();
     } else if (ids.bus == BusI2c) {
-        // "i2c-ELAN0672:00"
-        const std::string name = parent.Name();
-        if (name.starts_with("i2c-") && name.find(':') != std::string::npos) {
-            parts.base = QStringLiteral("HID\\") + PathText(CleanAttribute(name.substr(4, name.find(':') - 4)));
-            parts.vendor.clear();
+        if (const QString id = AcpiIdOfParent(parent); id.size() >= 7) {
+            // Three letters stand for the vendor, also where the ID has four.
+            parts.apart = QStringLiteral("HID\\VEN_%1&DEV_%2").arg(id.left(3), id.right(4));
+            parts.base = QStringLiteral("HID\\") + id;
+            parts.starred = QStringLiteral("HID\\*") + id;
         }
     }
     return parts;
@@ -115,13 +132,20 @@ void TakeIds(const Parts& parts, const QString& column, HidUsage usage, Device& 
     const QString upu = QStringLiteral("UP:%1_U:%2").arg(Hex(usage.page, 4), Hex(usage.usage, 4));
     if (!parts.revision.isEmpty())
         device.hardwareIds.append(parts.base + parts.revision + parts.interface + column);
+    if (!parts.apart.isEmpty())
+        device.hardwareIds.append(parts.apart + column);
     device.hardwareIds.append(parts.base + parts.interface + column);
-    if (!parts.vendor.isEmpty())
+    if (!parts.starred.isEmpty())
+        device.hardwareIds.append(parts.starred + column);
+    // A descriptor without a usage leaves these out.
+    const bool told = usage != HidUsage();
+    if (told && !parts.vendor.isEmpty())
         device.hardwareIds.append(parts.vendor + QLatin1Char('&') + upu);
     const UsageRow* row = FindUsage(usage);
     if (row != nullptr && row->systemId != nullptr)
         device.hardwareIds.append(QString::fromUtf16(row->systemId));
-    device.hardwareIds.append(QStringLiteral("HID_DEVICE_") + upu);
+    if (told)
+        device.hardwareIds.append(QStringLiteral("HID_DEVICE_") + upu);
     device.hardwareIds.append(QStringLiteral("HID_DEVICE"));
 }
 
@@ -132,11 +156,27 @@ QString VendorName(Context& context, const HidIds& ids) {
     case BusBluetooth:
     case BusI2c:
         return context.UsbIds().VendorName(quint16(ids.vendor));
-    case BusSensorHub:
+    case BusIntelHub:
+    case BusAmdHub:
         return context.PciIds().VendorName(quint16(ids.vendor));
     default:
         return {};
     }
+}
+
+// The device's own name, unless it is what the kernel makes of an ACPI ID: "ELAN1300:00 04F3:3057".
+QString OwnName(const Node& node) {
+    static const QRegularExpression madeUp(QStringLiteral("^[0-9A-Z]{7,8}:[0-9A-F]{2}( [0-9A-F]{4}:[0-9A-F]{4})?\\b"));
+    const QString name = CleanAttribute(node.Uevent("HID_NAME"));
+    return madeUp.match(name).hasMatch() ? QString() : name;
+}
+
+QString UsageName(HidUsage usage) {
+    constexpr quint16 firstOfVendors = 0xFF00;
+    if (const UsageRow* row = FindUsage(usage))
+        return QString::fromUtf16(row->name);
+    return usage.page >= firstOfVendors ? QStringLiteral("HID-compliant vendor-defined device")
+                                        : QStringLiteral("HID-compliant device");
 }
 
 std::vector<std::string> ListHid(const Context& context) { return ListEntries(context, "/bus/hid/devices"); }
@@ -156,7 +196,7 @@ void ReadHid(Context& context, const std::string& path, std::vector<Device>& dev
     QString maker = ids->bus == BusUsb ? parent.Parent().Text("manufacturer") : QString();
     if (maker.isEmpty())
         maker = VendorName(context, *ids);
-    const QString ownName = CleanAttribute(node.Uevent("HID_NAME"));
+    const QString ownName = OwnName(node);
     // Wireless devices share one parent; their address or serial tells them apart.
     const std::string place = context.Stable(parent.Path()) + "|" + node.Uevent("HID_UNIQ");
 
@@ -173,9 +213,7 @@ void ReadHid(Context& context, const std::string& path, std::vector<Device>& dev
         TakeIds(parts, column, usages[i], device);
         const UsageRow* row = FindUsage(usages[i]);
         device.classGuid = QString::fromUtf16(row == nullptr ? class_guid::HidClass : row->guid);
-        device.name = ownName;
-        if (device.name.isEmpty())
-            device.name = row == nullptr ? QStringLiteral("HID-compliant device") : QString::fromUtf16(row->name);
+        device.name = ownName.isEmpty() ? UsageName(usages[i]) : ownName;
         device.manufacturer = maker;
         devices.push_back(std::move(device));
     }

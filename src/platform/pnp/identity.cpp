@@ -99,17 +99,23 @@ std::string StablePath(const std::string& path) {
     return stable;
 }
 
-QString IdText(const QString& text) {
-    QString id = text;
+QString IdField(const QString& text, int width) {
+    QString id = text.left(width);
     for (QChar& c : id) {
-        if (!IsLetterOrDigit(c))
+        const char16_t u = c.unicode();
+        // The bar parts the IDs of a list.
+        if (u <= u' ' || u > u'~' || u == u',' || u == u'|')
             c = QLatin1Char('_');
     }
-    return id;
+    return id.leftJustified(width, QLatin1Char('_'));
 }
 
-QString IdField(const QString& text, int width) {
-    return IdText(text.left(width)).leftJustified(width, QLatin1Char('_'));
+QString PathField(const QString& text, int width) {
+    QString field = text.left(width);
+    while (field.endsWith(QLatin1Char(' ')))
+        field.chop(1);
+    const qsizetype blanks = field.size() - field.trimmed().size();
+    return QString(blanks, QLatin1Char('_')) + PathText(field);
 }
 
 QString PathText(const QString& text) {

@@ -32,10 +32,11 @@ bool IsUsbPlace(const std::string& component);
 // The folder of the innermost PCI function on the path; empty if there is none.
 std::string PciFolder(const std::string& path);
 
-// A device's own text as a part of an ID: letters and digits stay, anything else becomes "_".
-QString IdText(const QString& text);
-// The same, cut and filled up with "_" to `width` characters.
+// A device's own text as a part of an ID, cut and filled up with "_" to `width` characters. Blanks, commas and what is
+// not printable become "_", all other punctuation stays.
 QString IdField(const QString& text, int width);
+// The same for an instance path: blanks in front count, those behind do not, and nothing is filled up.
+QString PathField(const QString& text, int width);
 // A device's own text as a part of an instance path: what may not stand there becomes "_", ends are trimmed.
 QString PathText(const QString& text);
 // A serial number fit for an instance path; empty where it holds anything but printable ASCII, or more than 120

@@ -25,7 +25,8 @@ void ReadMonitor(Context& context, const std::string& path, std::vector<Device>&
     if (node.Word("status") != "connected")
         return;
     const std::string block = node.Bytes("edid", LongestEdid);
-    if (block.empty())
+    // Connectors without one are padded as well when a tree is packed.
+    if (block.find_first_not_of('\0') == std::string::npos)
         return;
     // "card0-HDMI-A-1": the card's number depends on the order of arrival, the connector's name does not.
     const std::string connector = node.Name().substr(node.Name().find('-') + 1);
@@ -36,13 +37,14 @@ void ReadMonitor(Context& context, const std::string& path, std::vector<Device>&
                                             QStringLiteral("UID") + QString::number(StableHash(connector) & 0xFFFF));
     const std::optional<Edid> edid = ParseEdid(block);
     Device device;
-    const QString model = edid ? edid->vendor + Hex(edid->product, 4) : QStringLiteral("Default_Monitor");
+    const bool known = edid && !edid->vendor.isEmpty();
+    const QString model = known ? edid->vendor + Hex(edid->product, 4) : QStringLiteral("Default_Monitor");
     device.instancePath = QStringLiteral("DISPLAY\\") + model + QLatin1Char('\\') + instance;
     device.classGuid = QString::fromUtf16(class_guid::Monitor);
     device.name = edid ? edid->name : QString();
     if (device.name.isEmpty())
         device.name = QStringLiteral("Generic PnP Monitor");
-    if (edid) {
+    if (known) {
         device.hardwareIds.append(QStringLiteral("MONITOR\\") + model);
         device.manufacturer = context.PnpIds().VendorName(edid->vendor);
         if (device.manufacturer.isEmpty())

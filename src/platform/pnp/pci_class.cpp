@@ -77,6 +77,10 @@ const ClassRow* FindRow(quint32 classCode) {
     return nullptr;
 }
 
+// Whose own functions of the kind "other system device" work without a driver. Those of others are card readers and
+// the like.
+bool MakesChipsets(quint32 vendor) { return vendor == 0x8086 || vendor == 0x1022; }
+
 struct VirtioRow {
     quint32 type;
     const char16_t* guid;
@@ -103,19 +107,23 @@ const char16_t* VirtioSetupClass(quint32 type) {
     return nullptr;
 }
 
-bool PciNeedsDriver(quint32 classCode) {
+bool PciNeedsDriver(quint32 classCode, quint32 vendor) {
     const quint32 base = classCode >> 16 & 0xFF;
     const quint32 subclass = classCode >> 8 & 0xFF;
     if (base == 0x05)
         return false;
     if (base == 0x06)
         return subclass == 0x07 || subclass == 0x80;
+    if (base == 0x08 && subclass == 0x80)
+        return !MakesChipsets(vendor);
     return base != 0x08 || subclass == 0x05;
 }
 
-bool IsStandardSystemFunction(quint32 classCode) {
+bool IsStandardSystemFunction(quint32 classCode, quint32 vendor) {
     const quint32 base = classCode >> 16 & 0xFF;
     const quint32 subclass = classCode >> 8 & 0xFF;
+    if (base == 0x08 && subclass == 0x80)
+        return MakesChipsets(vendor);
     return base == 0x05 || (base == 0x06 && subclass != 0x07) || (base == 0x08 && subclass != 0x05);
 }
 

@@ -10,10 +10,11 @@ namespace pnp {
 const char16_t* PciSetupClass(quint32 classCode);
 // The setup class of a virtio device type (1 network, 2 block, ...); null for an unknown type.
 const char16_t* VirtioSetupClass(quint32 type);
-// Bridges, memory and system controllers work without a driver.
-bool PciNeedsDriver(quint32 classCode);
+// Bridges, memory and system controllers work without a driver. Other system devices do so if their vendor makes the
+// board's chipset.
+bool PciNeedsDriver(quint32 classCode, quint32 vendor);
 // Bridges, timers, interrupt controllers and the like.
-bool IsStandardSystemFunction(quint32 classCode);
+bool IsStandardSystemFunction(quint32 classCode, quint32 vendor);
 // A name for a function that the ID files do not know ("Ethernet Controller").
 QString PciClassName(quint32 classCode);
 

@@ -77,8 +77,6 @@ void TakeNames(Context& context, const PciFunction& function, Device& device) {
     }
     if (device.name.isEmpty())
         device.name = PciClassName(classCode);
-    if (IsStandardSystemFunction(classCode))
-        device.manufacturer = StandardSystemDevices();
 }
 
 std::vector<std::string> ListPci(const Context& context) { return ListEntries(context, "/bus/pci/devices"); }
@@ -99,8 +97,13 @@ void ReadPci(Context& context, const std::string& path, std::vector<Device>& dev
 
     const Node functional = FunctionalNode(node, function);
     context.TakeDriver(functional, device);
-    TakeProblem(context, node, functional.Modalias(), !function.classCode || PciNeedsDriver(*function.classCode),
-                device);
+    const quint32 vendor = function.vendor.value_or(0);
+    TakeProblem(context, node, functional.Modalias(),
+                !function.classCode || PciNeedsDriver(*function.classCode, vendor), device);
+    // What has a problem shall not vanish among them.
+    if (function.classCode && device.problemCode == problem::None &&
+        IsStandardSystemFunction(*function.classCode, vendor))
+        device.manufacturer = StandardSystemDevices();
 
     const char16_t* guid = SetupClassOf(function);
     if (guid == nullptr && !device.service.isEmpty())

@@ -34,7 +34,10 @@ QString Context::KernelRelease() {
 
 void Context::TakeDriver(const Node& node, Device& device) {
     const std::string link = node.Link("driver");
-    const std::string name = link.empty() ? node.LinkName("driver") : LastComponent(link);
+    std::string name = link.empty() ? node.LinkName("driver") : LastComponent(link);
+    // Where a capture lacks the links.
+    if (name.empty())
+        name = node.Uevent("DRIVER");
     if (name.empty())
         return;
     device.service = CleanAttribute(name);

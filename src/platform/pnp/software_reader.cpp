@@ -31,7 +31,9 @@ std::vector<std::string> ListPlatform(const Context& context) { return ListEntri
 void ReadPlatform(Context& context, const std::string& path, std::vector<Device>& devices) {
     const Node node = context.At(path);
     // Those with a firmware node are listed by it; in partial captures it is known by the same name.
-    if (!node.Exists() || node.Has("firmware_node") || context.Files().Has("/bus/acpi/devices/" + node.Name()))
+    // So are floppy drives by the block device below them.
+    if (!node.Exists() || node.Has("firmware_node") || node.Has("block") ||
+        context.Files().Has("/bus/acpi/devices/" + node.Name()))
         return;
     Device device;
     const QString name = CleanAttribute(node.Name());

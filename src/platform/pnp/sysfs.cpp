@@ -245,16 +245,23 @@ std::string Node::Link(const std::string& name) const {
 
 bool Node::Has(const std::string& name) const { return Folder() >= 0 && IsThere(Folder(), name); }
 
-QString Node::Text(const std::string& name) const {
-    const std::optional<std::string> bytes = Read(name, LongestText + 1);
-    return bytes && bytes->size() <= LongestText ? CleanAttribute(*bytes) : QString();
+// Trees packed by tar have their attributes padded with NULs to a page, so the text ends at the first before any limit.
+std::string Node::TextBytes(const std::string& name) const {
+    std::string bytes = Read(name, LongestText + 1).value_or(std::string());
+    bytes.resize(std::min(bytes.find('\0'), bytes.size()));
+    return bytes.size() <= LongestText ? bytes : std::string();
+}
+
+QString Node::Text(const std::string& name) const { return CleanAttribute(TextBytes(name)); }
+
+QString Node::Field(const std::string& name) const {
+    const std::string bytes = TextBytes(name);
+    const QString text = CleanAttribute(bytes);
+    return text.isEmpty() ? text : QString(qsizetype(bytes.find_first_not_of(' ')), QLatin1Char(' ')) + text;
 }
 
 std::string Node::Word(const std::string& name) const {
-    const std::optional<std::string> bytes = Read(name, LongestText + 1);
-    if (!bytes || bytes->size() > LongestText)
-        return {};
-    const std::string text = CleanAttribute(*bytes).toStdString();
+    const std::string text = Text(name).toStdString();
     const bool printable = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
     return printable ? text : std::string();
 }

@@ -52,6 +52,8 @@ class Node {
     // A text attribute without the blanks and line ends around it, cut at its first NUL. Nothing where it is missing,
     // empty, longer than 1,000 bytes or no UTF-8. Control characters other than the tab become blanks.
     QString Text(const std::string& name) const;
+    // The same, with the blanks in front of it: fields of a fixed width count them.
+    QString Field(const std::string& name) const;
     // The same as plain bytes, for numbers and identifiers; other than printable ASCII makes it empty.
     std::string Word(const std::string& name) const;
     // An attribute in hexadecimal, with or without 0x; in decimal.
@@ -77,6 +79,7 @@ class Node {
     // The open folder; -1 if there is none.
     int Folder() const;
     std::optional<std::string> Read(const std::string& name, std::size_t limit) const;
+    std::string TextBytes(const std::string& name) const;
 
     const Sysfs* sysfs_;
     std::string path_;

@@ -5,6 +5,7 @@
 #include "pnp/pci_function.h"
 #include "pnp/problem.h"
 #include "pnp/usb_class.h"
+#include "pnp/usb_functions.h"
 #include "pnp/usb_ids.h"
 
 namespace pnp {
@@ -101,7 +102,11 @@ void ReadSingleFunction(Context& context, const Node& node, const std::vector<st
 }
 
 void ReadDevice(Context& context, const Node& node, std::vector<Device>& devices) {
-    const UsbIds ids = ReadUsbIds(node, node.Modalias());
+    const std::vector<std::string> interfaces = InterfacesOf(node);
+    UsbIds ids = ReadUsbIds(node, node.Modalias());
+    // A bare folder is known by what its interface tells.
+    if ((!ids.vendor || !ids.product) && !interfaces.empty())
+        ids = ReadUsbIds(node.Child(interfaces.front()), node.Child(interfaces.front()).Modalias());
     Device device;
     const std::string name = node.Name();
     const std::size_t dot = name.find_last_of(".-");
@@ -119,7 +124,6 @@ void ReadDevice(Context& context, const Node& node, std::vector<Device>& devices
     }
     TakeNames(context, node, ids, device);
 
-    const std::vector<std::string> interfaces = InterfacesOf(node);
     const bool hub = DeviceCodes(node).classCode == HubClass;
     if (hub || IsComposite(node, interfaces)) {
         if (device.name.isEmpty())
@@ -133,7 +137,7 @@ void ReadDevice(Context& context, const Node& node, std::vector<Device>& devices
     devices.push_back(std::move(device));
 }
 
-// The functions of a composite device. Interfaces that an association joins are one function, known by its first.
+// The functions of a composite device, each known by its first interface.
 void ReadInterface(Context& context, const Node& node, std::vector<Device>& devices) {
     const Node parent = node.Parent();
     const std::string name = node.Name();
@@ -141,8 +145,9 @@ void ReadInterface(Context& context, const Node& node, std::vector<Device>& devi
     // A root hub's own interface ("1-0:1.0") is no function.
     if (owner.ends_with("-0"))
         return;
-    // The parent can be gone already while its interface is still listed; the interface then speaks for itself.
-    const bool orphan = parent.Name() != owner || !parent.Exists();
+    // The parent can be gone already, or be a bare folder in a capture, while its interface is still listed; the
+    // interface then speaks for itself.
+    const bool orphan = parent.Name() != owner || !parent.Exists() || !context.Files().Has("/bus/usb/devices/" + owner);
     const std::string alias = node.Modalias();
     if (!orphan && !IsComposite(parent, InterfacesOf(parent)))
         return;
@@ -150,8 +155,7 @@ void ReadInterface(Context& context, const Node& node, std::vector<Device>& devi
     if (!ids.vendor || !ids.product)
         ids = ReadUsbIds(node, alias);
     const std::optional<quint32> number = UsbInterfaceNumber(node);
-    const std::optional<quint32> first = node.Hex("iad_bFirstInterface");
-    if (!number || !ids.vendor || !ids.product || (first && *first != *number))
+    if (!number || !ids.vendor || !ids.product || FirstOfFunction(parent, node, *number) != *number)
         return;
 
     Device device;

@@ -53,6 +53,7 @@ constexpr std::array resources = {
     Resource{1, 52, Glyph::Volume},
     Resource{1, 53, Glyph::Disk},
     Resource{1, 54, Glyph::Wireless},
+    Resource{1, 55, Glyph::Floppy},
     Resource{2, 36, Glyph::Battery},
     Resource{3, 301, Glyph::Bluetooth},
     Resource{4, 4, Glyph::Sound},

@@ -62,7 +62,16 @@ TEST(Edid, RefusesWhatIsNone) {
     EXPECT_FALSE(pnp::ParseEdid(""));
     EXPECT_FALSE(pnp::ParseEdid(std::string(128, '\0')));
     EXPECT_FALSE(pnp::ParseEdid(Block(0x10, 0xAC).substr(0, 127)));
-    // No letters: the vendor field is empty or beyond Z.
-    EXPECT_FALSE(pnp::ParseEdid(Block(0x00, 0x00)));
-    EXPECT_FALSE(pnp::ParseEdid(Block(0x7F, 0xFF)));
+}
+
+// No letters: the vendor field is empty or beyond Z. That costs the vendor, not the name.
+TEST(Edid, AnImpossibleVendorCostsItself) {
+    for (const auto& [first, second] : {std::pair<quint8, quint8>{0x00, 0x00}, {0x7F, 0xFF}}) {
+        std::string block = Block(first, second);
+        Describe(block, 54, 0xFC, "Beamer\n");
+        const std::optional<pnp::Edid> edid = pnp::ParseEdid(block);
+        ASSERT_TRUE(edid);
+        EXPECT_EQ(edid->vendor, QString());
+        EXPECT_EQ(edid->name, QStringLiteral("Beamer"));
+    }
 }

@@ -44,6 +44,9 @@ TEST(HostileAttributes, CostTheirFieldOnly) {
     EXPECT_EQ(NameOf(QByteArray("\0Stick\n", 7)), fallback);
     EXPECT_EQ(NameOf("Stick \xFF\xFE\n"), fallback);
     EXPECT_EQ(NameOf(QByteArray(5000000, 'x')), fallback);
+    EXPECT_EQ(NameOf(QByteArray(4096, 'x')), fallback);
+    EXPECT_EQ(NameOf(QByteArray(4096, '\0')), fallback);
+    EXPECT_EQ(NameOf(QByteArray("Stick\n").leftJustified(4096, '\0')), "Stick");
     EXPECT_EQ(NameOf("two\nlines\x01"), "two lines");
     EXPECT_EQ(NameOf("Gr\xC3\xBC\xC3\x9F\x65\n"), "Gr\xC3\xBC\xC3\x9F\x65");
     // What would drive a terminal, and what would show the text behind it in another order.

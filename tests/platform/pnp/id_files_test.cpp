@@ -65,22 +65,3 @@ TEST_F(IdFiles, MonitorsAndFirmwareKnowThreeLetters) {
     EXPECT_EQ(file.VendorName(QStringLiteral("XX")), QString());
     EXPECT_EQ(file.VendorName(QStringLiteral("ell")), QString());
 }
-
-// A device's own strings come first, then the files.
-TEST_F(IdFiles, NameDevicesThatDoNotNameThemselves) {
-    DeviceFixture fixture("/devices/pci0000:00/0000:00:03.0 @ bus/pci\nvendor = 0x8086\ndevice = 0x100e\n"
-                          "class = 0x020000\n"
-                          "/devices/pci0000:00/0000:00:14.0/usb1/1-1 @ bus/usb\nidVendor = 0951\nidProduct = 1666\n"
-                          "product = Own name\n");
-    Written(QStringLiteral("pci.ids"), "8086  Intel Corporation\n\t100e  82540EM\n");
-    Written(QStringLiteral("usb.ids"), "0951  Kingston\n\t1666  DataTraveler\n");
-    pnp::Sources sources = pnp::CurrentSources();
-    sources.idFolder = folder_.path();
-    pnp::SetSources(sources);
-    const pnp::Device function = fixture.Only(QStringLiteral("PCI\\"));
-    EXPECT_EQ(Plain(function.name), "82540EM");
-    EXPECT_EQ(Plain(function.manufacturer), "Intel Corporation");
-    const pnp::Device stick = fixture.Only(QStringLiteral("USB\\"));
-    EXPECT_EQ(Plain(stick.name), "Own name");
-    EXPECT_EQ(Plain(stick.manufacturer), "Kingston");
-}
