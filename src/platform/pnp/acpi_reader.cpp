@@ -188,6 +188,9 @@ void ReadAcpi(Context& context, const std::string& path, std::vector<Device>& de
     context.TakeDriver(node, device);
     for (std::size_t i = 0; device.service.isEmpty() && i < physical.size(); ++i)
         context.TakeDriver(context.At(physical[i]), device);
+    // The floppy driver has a device of its own making, and binds to that alone.
+    if (device.service.isEmpty() && ids.contains(QStringLiteral("PNP0700")))
+        context.TakeDriver(context.At("/devices/platform/floppy.0"), device);
     bool needsDriver = true;
     TakeClassAndNames(context, ids, device, needsDriver);
     if (const QString own = node.Text("description"); !own.isEmpty() && FindAcpiKind(ids.first()) == nullptr)

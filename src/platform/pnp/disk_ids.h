@@ -7,7 +7,7 @@ namespace pnp {
 
 struct DriveType {
     quint32 type;
-    // In front of vendor and product, and behind them as the generic ID; only such as the program knows not to contribute.
+    // In front of vendor and product, and behind them as the generic ID. Only such as are known to be generic have one.
     const char16_t* kind;
     const char16_t* generic;
     const char16_t* guid;
