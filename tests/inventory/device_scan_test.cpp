@@ -115,9 +115,9 @@ TEST_F(Scan, AssignsDevicesToLists) {
     EXPECT_EQ(Shown(QStringLiteral("Disabled")), "HPS");
     EXPECT_EQ(Shown(QStringLiteral("Ethernet Controller")), "HDPS");
     EXPECT_EQ(Shown(QStringLiteral("Microsoft BASIC Display Adapter")), "HDS");
-    // Without a class; and without a driver, yet standard equipment.
+    // Without a class; and without a driver, which standard equipment does not hide.
     EXPECT_EQ(Shown(QStringLiteral("PCI Device")), "HDPS");
-    EXPECT_EQ(Shown(QStringLiteral("PCI Bridge")), "HDP");
+    EXPECT_EQ(Shown(QStringLiteral("PCI Bridge")), "HDPS");
     // Root hubs, virtual interfaces and platform devices are in no list, though the scan came by.
     EXPECT_EQ(lists[inventory::Hardware].Count(), 8);
     EXPECT_TRUE(status.contains(QStringLiteral("Status: Getting pcspkr")));
