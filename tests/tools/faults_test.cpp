@@ -226,8 +226,9 @@ TEST_F(FaultsTest, BadOptionsAreRefused) {
     }
     for (const char* line :
          {"quorvane-db", "quorvane-db frobnicate", "quorvane-db info hwids.mdb hwids.mdb",
-          "quorvane-db export --output hwids.mdb hwids.mdb", "quorvane-db import-jet --output old.mdb ./old.mdb",
-          "quorvane-db pack --output= hwids.mdb", "quorvane-db export --output= hwids.mdb",
+          "quorvane-db merge hwids.mdb", "quorvane-db export --output hwids.mdb hwids.mdb",
+          "quorvane-db import-jet --output old.mdb ./old.mdb", "quorvane-db pack --output= hwids.mdb",
+          "quorvane-db export --output= hwids.mdb",
           "quorvane-db merge --version 123456789.123456789.123456789.123456789.123456789.1 hwids.mdb new.txt",
           "quorvane-db build --output out.mdb --version 123456789.123456789.123456789.123456789.123456789.1",
           "quorvane-list extra", "quorvane-list --format xml", "quorvane-list --list=none", "quorvane-list --db="})

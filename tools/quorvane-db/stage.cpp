@@ -6,6 +6,7 @@
 #include "database_file.h"
 
 #include <QCryptographicHash>
+#include <QThread>
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -14,17 +15,21 @@ namespace tool {
 
 namespace {
 
-constexpr int patience = 600'000;  // milliseconds for another merge to end
-constexpr int linesAtOnce = 5'000; // are compared while others cannot write
-constexpr int pageOfLines = 1'000; // are in memory while they are reported
-constexpr int reported = 400;      // characters of a line
-constexpr int mostNames = 1'000;   // for one ID in one merge
-constexpr int mostAttempts = 5;    // while the database is replaced again and again
+constexpr int patience = 600'000;         // milliseconds for another merge to end
+constexpr int linesAtOnce = 5'000;        // are compared while others cannot write
+constexpr int pageOfLines = 1'000;        // are in memory while they are reported
+constexpr int reported = 400;             // characters of a line
+constexpr qint64 portionOfLines = 20'000; // go in at once, in less time than a program waits for its turn
+constexpr int breathing = 20;             // milliseconds in which others have theirs
+constexpr int mostNames = 1'000;          // for one ID in one merge
+constexpr int mostAttempts = 5;           // while the database is replaced again and again
 
 constexpr const char* makeTables[] = {
     "CREATE TABLE staged (seq INTEGER PRIMARY KEY, state INTEGER, file INTEGER, line INTEGER, text TEXT, reason TEXT,"
     " hwid TEXT COLLATE NOCASE, name TEXT COLLATE NOCASE, mfg TEXT COLLATE NOCASE)",
     "CREATE TABLE seen (high INTEGER, low INTEGER, PRIMARY KEY (high, low)) WITHOUT ROWID",
+    "CREATE TABLE portion (seq INTEGER PRIMARY KEY, hwid TEXT COLLATE NOCASE, name TEXT COLLATE NOCASE,"
+    " mfg TEXT COLLATE NOCASE)",
     "CREATE TABLE entries (hwid TEXT COLLATE NOCASE, entry TEXT)",
 };
 
@@ -44,17 +49,20 @@ constexpr char markKnown[] =
 constexpr char markOtherNames[] = "UPDATE staged SET state = ? WHERE state = 0"
                                   " AND EXISTS (SELECT 1 FROM live.hwids AS h WHERE h.hwid = staged.hwid)";
 
+constexpr char takePortion[] =
+    "INSERT INTO portion SELECT seq, hwid, name, mfg FROM staged WHERE seq BETWEEN ? AND ? AND state = 0";
+
 // In order, in one transaction. Names are written as they are first spelled; rows go in in the order of their index.
 // Entries are appended behind a line end, which a row of another's making may lack.
 constexpr const char* addLines[] = {
-    "INSERT INTO live.mfgs (mfg) SELECT mfg FROM (SELECT mfg, min(seq) FROM staged WHERE state = 0 GROUP BY mfg) AS s"
+    "INSERT INTO live.mfgs (mfg) SELECT mfg FROM (SELECT mfg, min(seq) FROM portion GROUP BY mfg) AS s"
     " WHERE NOT EXISTS (SELECT 1 FROM live.mfgs AS m WHERE m.mfg = s.mfg)",
-    "INSERT INTO live.devicenames (devicename) SELECT name FROM (SELECT name, min(seq) FROM staged WHERE state = 0"
+    "INSERT INTO live.devicenames (devicename) SELECT name FROM (SELECT name, min(seq) FROM portion"
     " GROUP BY name) AS s WHERE NOT EXISTS (SELECT 1 FROM live.devicenames AS n WHERE n.devicename = s.name)",
     "DELETE FROM entries",
     "INSERT INTO entries SELECT hwid, (SELECT min(n.ID) FROM live.devicenames AS n WHERE n.devicename = s.name) || ',' ||"
     " (SELECT min(m.ID) FROM live.mfgs AS m WHERE m.mfg = s.mfg) || char(13, 10)"
-    " FROM staged AS s WHERE state = 0 ORDER BY hwid, seq",
+    " FROM portion AS s ORDER BY hwid, seq",
     "UPDATE live.hwids SET info = coalesce(info, '') || CASE WHEN coalesce(info, '') = '' OR"
     " substr(info, -2) = char(13, 10) THEN '' ELSE char(13, 10) END || more FROM (SELECT place, group_concat(entry, '')"
     " AS more FROM (SELECT (SELECT min(h.rowid) FROM live.hwids AS h WHERE h.hwid = e.hwid) AS place, entry"
@@ -101,17 +109,17 @@ bool Stage::IsNew(const database::Contribution& stored) {
     return work_->Change("INSERT OR IGNORE INTO seen VALUES (?, ?)", {parts[0], parts[1]}) == 1;
 }
 
+qint64 Stage::Last() { return work_->Value("SELECT max(seq) FROM staged").toLongLong(); }
+
 void Stage::Attach() {
     work_->Attach(path_, OwnRules(), patience);
     seen_ = QVariant();
 }
 
 // A few at a time: others that write wait no longer than for those.
-void Stage::MarkKnown() {
-    const qint64 last = work_->Value("SELECT max(seq) FROM staged").toLongLong();
-    seen_ = work_->Value("PRAGMA live.data_version");
-    for (qint64 first = 1; first <= last; first += linesAtOnce) {
-        work_->Change(markKnown, {int(State::Known), first, first + linesAtOnce - 1});
+void Stage::MarkKnown(qint64 first, qint64 last) {
+    for (; first <= last; first += linesAtOnce) {
+        work_->Change(markKnown, {int(State::Known), first, std::min(first + linesAtOnce - 1, last)});
     }
 }
 
@@ -119,7 +127,8 @@ QString Stage::Compare(const QString& path) {
     path_ = path;
     return Ran(path, [this] {
         Attach();
-        MarkKnown();
+        seen_ = work_->Value("PRAGMA live.data_version");
+        MarkKnown(1, Last());
     });
 }
 
@@ -171,23 +180,42 @@ qint64 Stage::Count(State state) {
     return count;
 }
 
+void Stage::AddPortion(qint64 first, qint64 last) {
+    // Now that nobody else can write: what came in since the lines were compared.
+    if (work_->Value("PRAGMA live.data_version") != seen_) {
+        MarkKnown(first, last);
+    }
+    work_->Change("DELETE FROM portion");
+    work_->Change(takePortion, {first, last});
+    for (const char* statement : addLines) {
+        work_->Change(statement);
+    }
+    // A row that is longer makes the whole database one that nobody opens.
+    if (work_
+            ->Value("SELECT 1 FROM portion AS p JOIN live.hwids AS h ON h.hwid = p.hwid WHERE length(h.info) > ?",
+                    {database::LongestInfo})
+            .isValid()) {
+        throw data::Error(data::ErrorUnspecified, QStringLiteral("too many devices under one ID"));
+    }
+}
+
 void Stage::Add(const QString& version) {
-    work_->InTransaction([&] {
-        // Now that nobody else can write: what came in since the lines were compared.
-        if (work_->Value("PRAGMA live.data_version") != seen_) {
-            MarkKnown();
+    const qint64 last = Last();
+    added_ = 0;
+    do {
+        if (added_ > 0) {
+            QThread::msleep(breathing);
         }
-        for (const char* statement : addLines) {
-            work_->Change(statement);
-        }
-        // A row that is longer makes the whole database one that nobody opens.
-        if (work_->Value("SELECT 1 FROM live.hwids WHERE length(info) > ?", {database::LongestInfo}).isValid()) {
-            throw data::Error(data::ErrorUnspecified, QStringLiteral("too many devices under one ID"));
-        }
-        if (!version.isEmpty() && work_->Change("UPDATE live.version SET dbversion = ?", {version}) == 0) {
-            work_->Change("INSERT INTO live.version (dbversion) VALUES (?)", {version});
-        }
-    });
+        const qint64 end = std::min(added_ + portionOfLines, last);
+        work_->InTransaction([&] {
+            AddPortion(added_ + 1, end);
+            if (end == last && !version.isEmpty() &&
+                work_->Change("UPDATE live.version SET dbversion = ?", {version}) == 0) {
+                work_->Change("INSERT INTO live.version (dbversion) VALUES (?)", {version});
+            }
+        });
+        added_ = end;
+    } while (added_ < last);
 }
 
 QString Stage::AddAll(const QString& version) {
@@ -209,7 +237,8 @@ QString Stage::AddAll(const QString& version) {
             break;
         }
     }
-    return QStringLiteral("%1: %2").arg(path_, error.Description());
+    const QString begun = added_ == 0 ? QString() : QStringLiteral(" (the first %1 lines are in)").arg(added_);
+    return QStringLiteral("%1: %2%3").arg(path_, error.Description(), begun);
 }
 
 } // namespace tool

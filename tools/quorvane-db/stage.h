@@ -52,19 +52,23 @@ class Stage {
     qint64 Count(State state);
 
     // Adds the good lines to the database that was compared, whatever others added meanwhile, and gives it the version
-    // where that is not empty. All of it is done and on the disk, or nothing.
+    // where that is not empty. All of it is done and on the disk, or nothing; but very many go in portion by portion,
+    // so that others that write have their turn, and the line to print tells how many are in where one fails.
     QString AddAll(const QString& version);
 
   private:
     QString Ran(const QString& about, const std::function<void()>& work);
     void Attach();
-    void MarkKnown();
+    qint64 Last();
+    void MarkKnown(qint64 first, qint64 last);
+    void AddPortion(qint64 first, qint64 last);
     void Add(const QString& version);
 
     std::unique_ptr<data::Workspace> work_;
     QString path_;
     QVariant seen_; // the database's own count of changes when it was compared
     QStringList files_;
+    qint64 added_ = 0; // lines from the first on
 };
 
 } // namespace tool
