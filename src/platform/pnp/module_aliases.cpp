@@ -1,5 +1,7 @@
 #include "pnp/module_aliases.h"
 
+#include "pnp/machine_facts.h"
+
 #include <QDir>
 #include <QFile>
 #include <fnmatch.h>
@@ -21,11 +23,17 @@ bool HasWildcard(const QByteArray& text) { return text.contains('*') || text.con
 bool ModuleAliases::Available() {
     if (!loaded_)
         Load();
+    if (sources_.noted != nullptr)
+        sources_.noted->modulesKnown = available_;
     return available_;
 }
 
 void ModuleAliases::Load() {
     loaded_ = true;
+    if (sources_.facts != nullptr) {
+        available_ = sources_.facts->modulesKnown;
+        return;
+    }
     QFile file(sources_.modulesFolder + QStringLiteral("/modules.alias"));
     available_ = file.open(QIODevice::ReadOnly) && !file.isSequential() && file.size() <= LargestFile;
     if (!available_)
@@ -61,10 +69,20 @@ void ModuleAliases::LoadBlacklists() {
 }
 
 QByteArrayList ModuleAliases::Matching(const std::string& modalias) {
-    QByteArrayList modules;
     if (!Available() || modalias.empty())
-        return modules;
-    const QByteArray text = QByteArray::fromStdString(modalias);
+        return {};
+    QByteArrayList modules;
+    if (sources_.facts == nullptr)
+        modules = MatchingAliases(QByteArray::fromStdString(modalias));
+    else if (const auto known = sources_.facts->modules.find(modalias); known != sources_.facts->modules.end())
+        modules = known->second;
+    if (sources_.noted != nullptr && !modules.isEmpty())
+        sources_.noted->modules[modalias] = modules;
+    return modules;
+}
+
+QByteArrayList ModuleAliases::MatchingAliases(const QByteArray& text) const {
+    QByteArrayList modules;
     for (const QByteArray& key : {KeyOf(text), QByteArray()}) {
         const auto found = aliases_.constFind(key);
         if (found == aliases_.constEnd())
@@ -78,9 +96,13 @@ QByteArrayList ModuleAliases::Matching(const std::string& modalias) {
 }
 
 bool ModuleAliases::Blacklisted(const QByteArray& module) {
-    if (!blacklistsLoaded_)
+    if (!blacklistsLoaded_ && sources_.facts == nullptr)
         LoadBlacklists();
-    return blacklist_.contains(module);
+    const bool blacklisted =
+        sources_.facts == nullptr ? blacklist_.contains(module) : sources_.facts->blacklisted.contains(module);
+    if (sources_.noted != nullptr && blacklisted)
+        sources_.noted->blacklisted.insert(module);
+    return blacklisted;
 }
 
 } // namespace pnp

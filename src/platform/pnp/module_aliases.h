@@ -17,7 +17,7 @@ class ModuleAliases {
   public:
     explicit ModuleAliases(const Sources& sources) : sources_(sources) {}
 
-    // Whether modules.alias could be read.
+    // Whether modules.alias could be read, or a saved machine's could.
     bool Available();
     // The names of the modules whose aliases match, "-" written as "_".
     QByteArrayList Matching(const std::string& modalias);
@@ -30,6 +30,7 @@ class ModuleAliases {
     };
 
     void Load();
+    QByteArrayList MatchingAliases(const QByteArray& modalias) const;
     void LoadBlacklists();
 
     Sources sources_;

@@ -2,6 +2,7 @@
 #include "pnp/bus_reader.h"
 #include "pnp/class_table.h"
 #include "pnp/identity.h"
+#include "pnp/machine_facts.h"
 #include "pnp/problem.h"
 
 #include <QFile>
@@ -52,7 +53,7 @@ std::optional<Identity> ReadIdentity(const Context& context) {
 }
 
 // The first "model name" of the processor file.
-QString BrandText(const Context& context) {
+QString ReadBrand(const Context& context) {
     QFile file(context.From().processorInfo);
     if (context.From().processorInfo.isEmpty() || !file.open(QIODevice::ReadOnly))
         return {};
@@ -61,6 +62,14 @@ QString BrandText(const Context& context) {
             return CleanAttribute(line.mid(line.indexOf(':') + 1).toStdString());
     }
     return {};
+}
+
+QString BrandText(const Context& context) {
+    const Sources& sources = context.From();
+    const QString brand = sources.facts != nullptr ? sources.facts->processor : ReadBrand(context);
+    if (sources.noted != nullptr)
+        sources.noted->processor = brand;
+    return brand;
 }
 
 std::vector<std::string> ListProcessors(const Context& context) {

@@ -7,7 +7,7 @@
 namespace pnp {
 
 Context::Context(const Sources& sources)
-    : sources_(sources), files_(sources.deviceRoot), pciIds_(sources.idFolder + QStringLiteral("/pci.ids")),
+    : sources_(sources), files_(sources), pciIds_(sources.idFolder + QStringLiteral("/pci.ids")),
       usbIds_(sources.idFolder + QStringLiteral("/usb.ids")), pnpIds_(sources.idFolder + QStringLiteral("/pnp.ids")),
       modules_(sources) {}
 

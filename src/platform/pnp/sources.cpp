@@ -2,6 +2,7 @@
 
 #include "pnp/sysfs.h"
 
+#include <QFileInfo>
 #include <sys/utsname.h>
 
 namespace pnp {
@@ -43,6 +44,14 @@ void SetDeviceRoot(const QString& root) {
     SetSources(sources);
 }
 
-bool DeviceRootReadable() { return Sysfs(CurrentSources().deviceRoot).Readable(); }
+bool DeviceRootReadable() {
+    const QFileInfo root(Held().deviceRoot);
+    return Held().tree != nullptr || (root.isDir() && root.isReadable());
+}
+
+bool DeviceRootHasDevices() {
+    const Sysfs files(Held());
+    return files.Has("/bus") || files.Has("/class");
+}
 
 } // namespace pnp

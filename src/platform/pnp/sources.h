@@ -4,8 +4,12 @@
 
 #include <QString>
 #include <QStringList>
+#include <memory>
 
 namespace pnp {
+
+class TreeFolder;
+struct MachineFacts;
 
 struct Sources {
     // Stands for /sys.
@@ -14,14 +18,20 @@ struct Sources {
     QString processorInfo = QStringLiteral("/proc/cpuinfo");
     // Holds pci.ids, usb.ids and pnp.ids.
     QString idFolder = QStringLiteral("/usr/share/hwdata");
-    // Whether the tree is that of the running kernel. Only then do its modules and its release say anything.
+    // Whether release and modules are those of the tree's own kernel. Only then do they say anything.
     bool live = true;
-    // Release of the running kernel; used for live trees alone.
+    // Release of the kernel; used for live trees alone.
     QString kernelRelease;
     // Holds modules.alias of that release.
     QString modulesFolder;
     // Folders of *.conf files with "blacklist" lines.
     QStringList modprobeFolders;
+    // The root itself where it is no folder of the file system; null for that of deviceRoot.
+    std::shared_ptr<const TreeFolder> tree;
+    // A saved machine's answers, in place of processorInfo, modulesFolder and modprobeFolders; null for none.
+    std::shared_ptr<const MachineFacts> facts;
+    // Takes down what the readers learn from those three; null where nobody asks.
+    std::shared_ptr<MachineFacts> noted;
 };
 
 // The sources of the running system.
@@ -35,5 +45,7 @@ void SetDeviceRoot(const QString& root);
 
 // Whether the root can be listed at all.
 bool DeviceRootReadable();
+// Whether it holds "bus" or "class", without which no reader finds anything.
+bool DeviceRootHasDevices();
 
 } // namespace pnp

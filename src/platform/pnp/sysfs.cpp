@@ -3,12 +3,7 @@
 #include <QFile>
 #include <QStringDecoder>
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace pnp {
 
@@ -76,68 +71,12 @@ std::string Normalised(const std::string& folder, const std::string& target) {
     return path;
 }
 
-// The calls below take names from an open folder, or absolute paths with AT_FDCWD.
-std::string ReadLink(int folder, const std::string& path) {
-    char target[4096];
-    const ssize_t length = readlinkat(folder, path.c_str(), target, sizeof target);
-    return length > 0 && std::size_t(length) < sizeof target ? std::string(target, std::size_t(length)) : std::string();
-}
+// A path below the root, as a name in the root's folder.
+std::string Inside(const std::string& path) { return path.empty() ? "." : path.substr(1); }
 
-std::string ReadLinkName(int folder, const std::string& path) {
-    std::string target = ReadLink(folder, path);
-    while (!target.empty() && target.back() == '/')
-        target.pop_back();
-    return LastComponent(target);
-}
-
-std::optional<std::string> ReadFile(int folder, const std::string& path, std::size_t limit) {
-    // Not blocking: a fixture or a captured tree may hold a pipe under any name.
-    const int file = openat(folder, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file < 0)
-        return std::nullopt;
-    // Attributes are short as a rule, so the first round asks for little.
-    std::string bytes(std::min<std::size_t>(limit, 512), '\0');
-    std::size_t used = 0;
-    bool failed = false;
-    while (used < limit) {
-        if (used == bytes.size())
-            bytes.resize(std::min(limit, bytes.size() * 4));
-        const ssize_t count = read(file, bytes.data() + used, bytes.size() - used);
-        if (count < 0 && errno == EINTR)
-            continue;
-        failed = count < 0;
-        if (count <= 0)
-            break;
-        used += std::size_t(count);
-    }
-    close(file);
-    if (failed)
-        return std::nullopt;
-    bytes.resize(used);
-    return bytes;
-}
-
-std::vector<std::string> ListFolder(int folder, const std::string& path) {
-    std::vector<std::string> names;
-    const int file = openat(folder, path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* const stream = file < 0 ? nullptr : fdopendir(file);
-    if (stream == nullptr) {
-        if (file >= 0)
-            close(file);
-        return names;
-    }
-    while (const dirent* entry = readdir(stream)) {
-        if (entry->d_name[0] != '.')
-            names.emplace_back(entry->d_name);
-    }
-    closedir(stream);
+std::vector<std::string> Sorted(std::vector<std::string> names) {
     std::sort(names.begin(), names.end(), NaturalLess);
     return names;
-}
-
-bool IsThere(int folder, const std::string& path) {
-    struct stat status {};
-    return fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 // What turns the text behind it round, so that a list shows other than what it holds.
@@ -147,17 +86,12 @@ bool IsDirectionMark(char16_t c) {
 
 } // namespace
 
-Sysfs::Sysfs(const QString& root) : root_(QFile::encodeName(root).toStdString()) {
+Sysfs::Sysfs(const QString& root, std::shared_ptr<const TreeFolder> tree)
+    : root_(QFile::encodeName(root).toStdString()), tree_(std::move(tree)) {
     while (root_.size() > 1 && root_.back() == '/')
         root_.pop_back();
-}
-
-bool Sysfs::Readable() const {
-    DIR* folder = opendir(root_.c_str());
-    if (folder == nullptr)
-        return false;
-    closedir(folder);
-    return true;
+    if (tree_ == nullptr)
+        tree_ = OpenFolder(root_);
 }
 
 std::string Sysfs::Below(const std::string& folder, const std::string& target) const {
@@ -167,29 +101,29 @@ std::string Sysfs::Below(const std::string& folder, const std::string& target) c
 }
 
 std::string Sysfs::Link(const std::string& path) const {
-    return Below(ParentPath(path), ReadLink(AT_FDCWD, root_ + path));
+    return tree_ == nullptr ? std::string() : Below(ParentPath(path), tree_->ReadLink(Inside(path)));
 }
 
-std::vector<std::string> Sysfs::List(const std::string& path) const { return ListFolder(AT_FDCWD, root_ + path); }
+std::vector<std::string> Sysfs::List(const std::string& path) const {
+    return tree_ == nullptr ? std::vector<std::string>() : Sorted(tree_->List(Inside(path)));
+}
 
-bool Sysfs::Has(const std::string& path) const { return IsThere(AT_FDCWD, root_ + path); }
+bool Sysfs::Has(const std::string& path) const { return tree_ != nullptr && tree_->Has(Inside(path)); }
 
 std::string Sysfs::Resolve(const std::string& path) const {
     std::string target = Link(path);
     if (!target.empty())
         return target;
-    struct stat status {};
-    return lstat((root_ + path).c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? path : std::string();
+    return tree_ != nullptr && tree_->IsFolder(Inside(path)) ? path : std::string();
+}
+
+std::shared_ptr<const TreeFolder> Sysfs::Open(const std::string& path) const {
+    return tree_ == nullptr ? nullptr : tree_->Open(Inside(path));
 }
 
 struct Node::Opened {
-    ~Opened() {
-        if (folder >= 0)
-            close(folder);
-    }
-
     bool tried = false;
-    int folder = -1;
+    std::shared_ptr<const TreeFolder> folder;
     bool ueventRead = false;
     std::string uevent;
 };
@@ -197,16 +131,16 @@ struct Node::Opened {
 Node::Node(const Sysfs& sysfs, std::string path)
     : sysfs_(&sysfs), path_(std::move(path)), opened_(std::make_shared<Opened>()) {}
 
-int Node::Folder() const {
+const TreeFolder* Node::Folder() const {
     if (!opened_->tried) {
         opened_->tried = true;
-        opened_->folder = open(sysfs_->Absolute(path_).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+        opened_->folder = sysfs_->Open(path_);
     }
-    return opened_->folder;
+    return opened_->folder.get();
 }
 
 std::optional<std::string> Node::Read(const std::string& name, std::size_t limit) const {
-    return Folder() < 0 ? std::nullopt : ReadFile(Folder(), name, limit);
+    return Folder() == nullptr ? std::nullopt : Folder()->Read(name, limit);
 }
 
 std::string Node::Name() const { return LastComponent(path_); }
@@ -215,8 +149,8 @@ std::string Node::Name() const { return LastComponent(path_); }
 Node Node::Parent() const {
     Node parent(*sysfs_, ParentPath(path_));
     parent.opened_->tried = true;
-    if (Folder() >= 0 && !parent.path_.empty())
-        parent.opened_->folder = openat(Folder(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (Folder() != nullptr && !parent.path_.empty())
+        parent.opened_->folder = Folder()->Open("..");
     return parent;
 }
 
@@ -230,20 +164,23 @@ Node Node::Ancestor(const std::string& path) const {
 Node Node::Child(const std::string& name) const {
     Node child(*sysfs_, path_ + "/" + name);
     child.opened_->tried = true;
-    if (Folder() >= 0)
-        child.opened_->folder = openat(Folder(), name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (Folder() != nullptr)
+        child.opened_->folder = Folder()->Open(name);
     return child;
 }
 
 std::string Node::LinkName(const std::string& name) const {
-    return Folder() < 0 ? std::string() : ReadLinkName(Folder(), name);
+    std::string target = Folder() == nullptr ? std::string() : Folder()->ReadLink(name);
+    while (!target.empty() && target.back() == '/')
+        target.pop_back();
+    return LastComponent(target);
 }
 
 std::string Node::Link(const std::string& name) const {
-    return Folder() < 0 ? std::string() : sysfs_->Below(path_, ReadLink(Folder(), name));
+    return Folder() == nullptr ? std::string() : sysfs_->Below(path_, Folder()->ReadLink(name));
 }
 
-bool Node::Has(const std::string& name) const { return Folder() >= 0 && IsThere(Folder(), name); }
+bool Node::Has(const std::string& name) const { return Folder() != nullptr && Folder()->Has(name); }
 
 // Trees packed by tar have their attributes padded with NULs to a page, so the text ends at the first before any limit.
 std::string Node::TextBytes(const std::string& name) const {
@@ -296,7 +233,7 @@ std::string Node::Modalias() const {
 }
 
 std::vector<std::string> Node::List(const std::string& name) const {
-    return Folder() < 0 ? std::vector<std::string>() : ListFolder(Folder(), name.empty() ? "." : name);
+    return Folder() == nullptr ? std::vector<std::string>() : Sorted(Folder()->List(name.empty() ? "." : name));
 }
 
 std::string LastComponent(const std::string& path) {

@@ -2,6 +2,9 @@
 // or makes no sense; none blocks, none throws. Paths are bytes relative to the root and begin with "/".
 #pragma once
 
+#include "pnp/sources.h"
+#include "pnp/tree_folder.h"
+
 #include <QString>
 #include <memory>
 #include <optional>
@@ -13,9 +16,9 @@ namespace pnp {
 
 class Sysfs {
   public:
-    explicit Sysfs(const QString& root);
+    explicit Sysfs(const QString& root, std::shared_ptr<const TreeFolder> tree = nullptr);
+    explicit Sysfs(const Sources& sources) : Sysfs(sources.deviceRoot, sources.tree) {}
 
-    bool Readable() const;
     // The target of a link as a path below the root, taken textually, since links of captured trees dangle. Empty for
     // what is no link and for targets outside the root.
     std::string Link(const std::string& path) const;
@@ -25,13 +28,14 @@ class Sysfs {
     bool Has(const std::string& path) const;
     // The folder behind an entry of a bus or class folder: the link's target, or the entry itself where it is a folder.
     std::string Resolve(const std::string& path) const;
-    // The whole path, for the file calls.
-    std::string Absolute(const std::string& path) const { return root_ + path; }
+    // The folder of a path; null where there is none.
+    std::shared_ptr<const TreeFolder> Open(const std::string& path) const;
     // A link's target, as it is written there, as a path below the root; empty for one outside.
     std::string Below(const std::string& folder, const std::string& target) const;
 
   private:
     std::string root_;
+    std::shared_ptr<const TreeFolder> tree_;
 };
 
 // One device folder, opened at the first question. All answers come from that folder, also when another device takes
@@ -47,7 +51,7 @@ class Node {
     // The folder of that path above this one; for a path elsewhere, whatever stands there.
     Node Ancestor(const std::string& path) const;
     Node Child(const std::string& name) const;
-    bool Exists() const { return Folder() >= 0; }
+    bool Exists() const { return Folder() != nullptr; }
 
     // A text attribute without the blanks and line ends around it, cut at its first NUL. Nothing where it is missing,
     // empty, longer than 1,000 bytes or no UTF-8. Control characters other than the tab become blanks.
@@ -76,8 +80,8 @@ class Node {
   private:
     struct Opened;
 
-    // The open folder; -1 if there is none.
-    int Folder() const;
+    // The open folder; null if there is none.
+    const TreeFolder* Folder() const;
     std::optional<std::string> Read(const std::string& name, std::size_t limit) const;
     std::string TextBytes(const std::string& name) const;
 
