@@ -3,7 +3,7 @@
 # shellcheck shell=bash disable=SC2034
 
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libxcb1-dev libxcb-shape0-dev
-  libgl-dev hwdata fonts-dejavu-core)
+  libarchive-dev libgl-dev hwdata fonts-dejavu-core)
 run_packages=(p7zip-full)
 display_packages=(xvfb openbox xdotool x11-apps imagemagick)
 # To build the Debian package.

@@ -109,6 +109,7 @@ bool IsExcluded(const QString& deviceId) {
 // Each row resolves its properties anew, so the same device costs each list its own look-ups.
 void AddRow(suite::ListItems& list, const DeviceValues& device) {
     suite::ListItem* item = list.Add(base::Trim(CleanText(device.name)), device.iconId);
+    item->SetTag(device.deviceId);
     const int place = list.Count();
     // The look-ups yield; a row that somebody removed meanwhile takes no more values.
     const auto set = [&](int index, const QString& text) {

@@ -19,7 +19,7 @@ struct Result {
 };
 
 // What a word of a command stands for.
-enum class Role { Plain, Database, Ids, Contributions, Jet, OutputFile, OutputFolder, SysFolder };
+enum class Role { Plain, Database, Ids, Contributions, Jet, OutputFile, OutputFolder, SysFolder, Saved };
 
 struct Word {
     const char* Name;
@@ -27,9 +27,10 @@ struct Word {
 };
 
 constexpr Word roles[] = {
-    {"hwids.mdb", Role::Database}, {"pci.ids", Role::Ids},        {"new.txt", Role::Contributions},
-    {"old.mdb", Role::Jet},        {"out.mdb", Role::OutputFile}, {"out.txt", Role::OutputFile},
-    {"out", Role::OutputFolder},   {"sys", Role::SysFolder},
+    {"hwids.mdb", Role::Database},    {"pci.ids", Role::Ids},        {"new.txt", Role::Contributions},
+    {"old.mdb", Role::Jet},           {"out.mdb", Role::OutputFile}, {"out.txt", Role::OutputFile},
+    {"out", Role::OutputFolder},      {"sys", Role::SysFolder},      {"saved.tar.xz", Role::Saved},
+    {"out.tar.xz", Role::OutputFile},
 };
 
 // What is put there instead, and must be refused.
@@ -68,6 +69,13 @@ constexpr Wrong wrongs[] = {
     {Role::OutputFolder, "/proc/out"},
     {Role::SysFolder, "none"},
     {Role::SysFolder, "text.txt"},
+    {Role::SysFolder, "empty"},
+    {Role::SysFolder, "bin"},
+    {Role::Saved, "none.tar.xz"},
+    {Role::Saved, "hwids.mdb"},
+    {Role::Saved, "cut.tar.xz"},
+    {Role::Saved, "plain.tar.xz"},
+    {Role::Saved, "/dev/zero"},
 };
 
 struct Command {
@@ -90,6 +98,8 @@ constexpr Command commands[] = {
     {"quorvane-list --root sys"},
     {"quorvane-list --root sys --format json --list all"},
     {"quorvane-list --root sys --format table --db hwids.mdb"},
+    {"quorvane-list --root saved.tar.xz --list all"},
+    {"quorvane-list --root sys --save out.tar.xz"},
     {"quorvane-db --help"},
     {"quorvane-db --version"},
     {"quorvane-list --help"},
@@ -127,7 +137,7 @@ class FaultsTest : public testing::Test {
             contributions += "USB\\VID_1234&PID_" + QByteArray::number(1000 + i) + "|||Adapter " + QByteArray(80, 'a') +
                              QByteArray::number(i) + "|||Maker\r\n";
         Write("new.txt", contributions);
-        ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("sys/devices")));
+        ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("sys/bus/pci/devices/0000:00:02.0")));
         ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("bin")));
         Write("bin/mdb-export", jetExport);
         Write("bin/mdb-count", jetCount);
@@ -136,6 +146,8 @@ class FaultsTest : public testing::Test {
         ASSERT_EQ(Run("quorvane-db build --output hwids.mdb --pci-ids pci.ids --usb-ids pci.ids").Status, 0);
         ASSERT_EQ(Run("sqlite3 other.db 'create table hwids (hwid, info)'").Status, 0);
         ASSERT_EQ(Run("head -c 5000 hwids.mdb >cut.mdb").Status, 0);
+        ASSERT_EQ(Run("quorvane-list --root sys --save saved.tar.xz").Status, 0);
+        ASSERT_EQ(Run("head -c 200 saved.tar.xz >cut.tar.xz && tar cJf plain.tar.xz sys").Status, 0);
     }
 
     QString Path(const char* name) const { return Folder.filePath(QLatin1String(name)); }
@@ -194,6 +206,7 @@ class FaultsTest : public testing::Test {
     void RemoveOutputs() const {
         QFile::remove(Path("out.mdb"));
         QFile::remove(Path("out.txt"));
+        QFile::remove(Path("out.tar.xz"));
         QDir(Path("out")).removeRecursively();
     }
 
@@ -244,7 +257,8 @@ TEST_F(FaultsTest, WrongFilesAreRefused) {
                     continue;
                 QStringList line = words;
                 line[at] = QLatin1String(wrong.Instead);
-                ExpectRefused(line.join(QLatin1Char(' ')), wrong.As == Role::SysFolder ? 2 : 1);
+                ExpectRefused(line.join(QLatin1Char(' ')),
+                              wrong.As == Role::SysFolder || wrong.As == Role::Saved ? 2 : 1);
             }
         }
     }
@@ -256,7 +270,8 @@ TEST_F(FaultsTest, TextThatNobodyGetsIsAFailure) {
     const auto before = Contents();
     for (const Command& command : commands) {
         const QString line = QLatin1String(command.Line);
-        if (line.contains(QLatin1String(" pack ")) || line.contains(QLatin1String("--output out.txt")))
+        if (line.contains(QLatin1String(" pack ")) || line.contains(QLatin1String("--output out.txt")) ||
+            line.contains(QLatin1String("--save")))
             continue; // they print nothing
         // The last is a pipe that a reader has opened and closed.
         for (const char* output : {"%1 >/dev/full", "%1 >&- <&-",
@@ -277,6 +292,11 @@ TEST_F(FaultsTest, TextThatNobodyGetsIsAFailure) {
 TEST_F(FaultsTest, AFullDiskLeavesNothingHalfWritten) {
     if (Run(QStringLiteral("unshare -m sh -c 'mkdir disk && mount -t tmpfs none disk'")).Status != 0)
         GTEST_SKIP() << "no disk of a chosen size can be mounted";
+    // A machine whose file fills more than the smallest disk.
+    ASSERT_EQ(Run("for i in $(seq 300); do d=many/bus/pci/devices/0000:00:02.$i; mkdir -p $d;"
+                  "head -c 40 /dev/urandom | od -An -tx1 | tr -d ' \\n' >$d/vendor; done")
+                  .Status,
+              0);
     const QString onDisk = QStringLiteral("unshare -m sh -c 'mount -t tmpfs -o size=%1k none disk || exit 99;"
                                           "%2 %3; s=$?; ls -A disk >listing; [ ! -e disk/hwids.mdb ] ||"
                                           " cmp -s hwids.mdb disk/hwids.mdb || echo changed >>listing; exit $s'");
@@ -292,6 +312,7 @@ TEST_F(FaultsTest, AFullDiskLeavesNothingHalfWritten) {
         {"", "quorvane-db export --output disk/out.txt hwids.mdb", 0, "", "out.txt\n"},
         {"", "quorvane-db import-jet --output disk/out.mdb old.mdb", 0, "", "out.mdb\n"},
         {"", "quorvane-db pack --output disk/a/b hwids.mdb", 0, "", "a\n"},
+        {"", "quorvane-list --root many --save disk/out.tar.xz", 0, "", "out.tar.xz\n"},
         {"cp hwids.mdb disk || exit 98;", "quorvane-db merge disk/hwids.mdb new.txt", 3, "hwids.mdb\n",
          "hwids.mdb\nchanged\n"},
     };

@@ -88,7 +88,7 @@ TEST_F(ListFormatsTest, ATableStandsInColumnsAndMovesNoCursor) {
     Add(QStringLiteral("a\x1b[2J\r\n\u202E"), QStringLiteral("(0) OK"), QStringLiteral("X|Y|"));
     Add(QString::fromUcs4(U"\U0001F5A8"));
     EXPECT_EQ(list_tool::TableText({list_}).toStdString(),
-              "Name      Manufacturer  Error Code  Class  Driver Version  Hardware ID\n"
+              "Name      Manufacturer  Error Code  Class  Driver Version  Hardware ID  Driver  Fitting Module  Place\n"
               "a\uFFFD[2J\uFFFD\uFFFD\uFFFD                (0) OK                             X\n"
               "\U0001F5A8                       (0) OK\n");
 }

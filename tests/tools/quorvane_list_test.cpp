@@ -3,6 +3,7 @@
 #include "device_fixture.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -36,6 +37,7 @@ constexpr char Machine[] = R"(
   vendor = 0xfff0
   device = 0x0001
   class = 0x060000
+  driver -> /bus/pci/drivers/own
 /devices/pci0000:00/0000:00:02.0 @ bus/pci
   vendor = 0xfff0
   device = 0x0002
@@ -101,6 +103,11 @@ TEST(QuorvaneList, AddsTheBestMatches) {
                   QStringLiteral("pci\\ven_fff0&dev_0002&cc_0300"));
     }
     EXPECT_EQ(names, QStringList({QStringLiteral("One"), QStringLiteral("Two")}));
+    const QJsonObject video = hardware[1].toObject();
+    EXPECT_EQ(video.value(QStringLiteral("bus")).toString() + video.value(QStringLiteral("address")).toString(),
+              QStringLiteral("pci0000:00:02.0"));
+    EXPECT_TRUE(video.value(QStringLiteral("driver")).isNull() && video.value(QStringLiteral("module")).isNull());
+    EXPECT_EQ(hardware[0].toObject().value(QStringLiteral("driver")).toString(), QStringLiteral("own"));
     const QString csv = run({QStringLiteral("--lookup"), QStringLiteral("--list"), QStringLiteral("problems")}).output;
     EXPECT_TRUE(csv.endsWith(
         Video.chopped(2) +
@@ -128,6 +135,11 @@ TEST(QuorvaneList, RefusesInOneLine) {
         {QStringLiteral("--root=")},
         {QStringLiteral("--root"), QStringLiteral("/nonexistent")},
         {QStringLiteral("--root"), QStringLiteral("/dev/null")},
+        {QStringLiteral("--root=/proc/self")},
+        {QStringLiteral("--root=/proc/self/status")},
+        {QStringLiteral("--save")},
+        {QStringLiteral("--save=")},
+        {QStringLiteral("--save=x"), QStringLiteral("--lookup")},
         {QStringLiteral("--format")},
         {QStringLiteral("--format=xml")},
         {QStringLiteral("--lookup=yes")},
@@ -142,9 +154,37 @@ TEST(QuorvaneList, RefusesInOneLine) {
     }
 }
 
-TEST(QuorvaneList, AnEmptyTreeHasAHeaderOnly) {
+// A folder without devices in it is told from one that cannot hold any, which names the one beside it that can.
+TEST(QuorvaneList, TellsWhichFolderIsMeant) {
     const DeviceFixture fixture;
-    const Result result = RunTool({QStringLiteral("--root"), fixture.Root()});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(Plain(result.output), Plain(Header));
+    const auto list = [](const QString& root) { return RunTool({QStringLiteral("--root"), root}); };
+    const Result none = list(fixture.Root());
+    EXPECT_EQ(none.status, 2);
+    EXPECT_TRUE(none.errors.endsWith(QStringLiteral("sys\" holds neither \"bus\" nor \"class\"\n")))
+        << Plain(none.errors);
+    ASSERT_TRUE(QDir().mkpath(fixture.Root() + QStringLiteral("/class")));
+    const Result empty = list(fixture.Root());
+    EXPECT_EQ(empty.status, 0);
+    EXPECT_EQ(Plain(empty.output), Plain(Header));
+    const Result above = list(fixture.Beside({}));
+    EXPECT_EQ(above.status, 2);
+    EXPECT_TRUE(above.errors.contains(QStringLiteral("\"%1\" is probably meant").arg(fixture.Root())))
+        << Plain(above.errors);
+}
+
+TEST(QuorvaneList, ReadsWhatItHasSaved) {
+    const DeviceFixture fixture(Machine);
+    const QString file = fixture.Beside(QStringLiteral("saved.tar.xz"));
+    const Result saved = RunTool({QStringLiteral("--root"), fixture.Root(), QStringLiteral("--save"), file});
+    EXPECT_EQ(saved.status, 0) << Plain(saved.errors);
+    EXPECT_EQ(Plain(saved.output), "");
+    for (const char* format : {"csv", "json", "table"}) {
+        const auto list = [format](const QString& root) {
+            return RunTool({QStringLiteral("--list=all"), QStringLiteral("--root"), root, QStringLiteral("--format"),
+                            QString::fromLatin1(format)});
+        };
+        const Result of = list(file);
+        EXPECT_EQ(of.status, 0) << Plain(of.errors);
+        EXPECT_EQ(Plain(of.output), Plain(list(fixture.Root()).output));
+    }
 }

@@ -2,6 +2,7 @@
 
 #include "inventory/device_lists.h"
 #include "inventory/list_text.h"
+#include "pnp/device_tree.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -25,6 +26,21 @@ constexpr MatchColumn MatchColumns[] = {
     {"Match Manufacturers", "manufacturer", &Match::Manufacturer},
     {"Match Hardware IDs", "hardware_id", &Match::HardwareId},
 };
+
+// What the program's own columns do not tell.
+struct DeviceField {
+    const char* key; // of JSON
+    QString pnp::Device::*field;
+};
+
+constexpr DeviceField DeviceFields[] = {
+    {"driver", &pnp::Device::service},
+    {"module", &pnp::Device::fittingModule},
+    {"bus", &pnp::Device::bus},
+    {"address", &pnp::Device::address},
+};
+
+constexpr const char* DeviceCaptions[] = {"Driver", "Fitting Module", "Place"};
 
 // In the order of the list's columns; the hardware IDs stand apart.
 constexpr const char* Keys[] = {"name", "manufacturer", "error_code", "class", "driver_version"};
@@ -65,6 +81,13 @@ QString JsonMatches(const Matches& matches) {
     return JsonArray(objects);
 }
 
+// The device of a row, whose tag is its instance path; an empty one for a row of another kind.
+pnp::Device DeviceOf(const suite::ListItem& item) {
+    const QString path = item.Tag().toString();
+    const pnp::Device* const device = path.isEmpty() ? nullptr : pnp::CurrentTree()->Find(path);
+    return device == nullptr ? pnp::Device() : *device;
+}
+
 QString JsonRow(const ListText& text, int row) {
     const suite::ListItem& item = *text.list.Item(row);
     QStringList pairs;
@@ -79,6 +102,11 @@ QString JsonRow(const ListText& text, int row) {
     pairs += Pair("hardware_ids", JsonArray(ids));
     if (text.matches != nullptr)
         pairs += Pair("matches", JsonMatches(MatchesOf(text, row)));
+    const pnp::Device device = DeviceOf(item);
+    for (const DeviceField& field : DeviceFields) {
+        const QString& value = device.*field.field;
+        pairs += Pair(field.key, value.isEmpty() ? QStringLiteral("null") : JsonString(value));
+    }
     return QLatin1Char('{') + pairs.join(QLatin1Char(',')) + QLatin1Char('}');
 }
 
@@ -104,6 +132,8 @@ std::vector<QStringList> TableRows(const ListText& text) {
     if (text.matches != nullptr)
         for (const MatchColumn& column : MatchColumns)
             rows.front() += QLatin1String(column.caption);
+    for (const char* caption : DeviceCaptions)
+        rows.front() += QLatin1String(caption);
     for (int row = 1; row <= text.list.Count(); ++row) {
         const suite::ListItem& item = *text.list.Item(row);
         QStringList cells;
@@ -114,6 +144,9 @@ std::vector<QStringList> TableRows(const ListText& text) {
             for (const MatchColumn& column : MatchColumns)
                 cells +=
                     Visible(Joined(MatchesOf(text, row), column.field).chopped(MatchesOf(text, row).empty() ? 0 : 1));
+        const pnp::Device device = DeviceOf(item);
+        cells += {Visible(device.service), Visible(device.fittingModule),
+                  Visible((device.bus + QLatin1Char(' ') + device.address).trimmed())};
         rows.push_back(cells);
     }
     return rows;

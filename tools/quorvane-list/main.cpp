@@ -4,9 +4,11 @@
 #include "formats.h"
 #include "inventory/device_lists.h"
 #include "inventory/device_scan.h"
+#include "machine_file.h"
 #include "matches.h"
 #include "options.h"
 #include "pnp/sources.h"
+#include "root.h"
 #include "values/program_values.h"
 
 #include <QCoreApplication>
@@ -23,13 +25,14 @@ using list_tool::Options;
 
 enum Status {
     Done = 0,
-    Failed = 1,  // the database cannot be used, or standard output did not take the text
-    Refused = 2, // bad options, or a folder that cannot be read
+    Failed = 1,  // the database cannot be used, or standard output or the file did not take what was to be in it
+    Refused = 2, // bad options, or a folder or a file that is no machine's
 };
 
 constexpr char Help[] = "Usage: quorvane-list [--list NAME] [--format csv|json|table] [--lookup] [--db FILE]\n"
-                        "                     [--root DIR]\n"
-                        "Prints the devices of this machine.\n"
+                        "                     [--root DIR|FILE]\n"
+                        "       quorvane-list --save FILE.tar.xz [--root DIR|FILE]\n"
+                        "Prints the devices of this machine, or saves what tells of them.\n"
                         "\n"
                         "  --list NAME   hardware: all devices (the default); nodrivers: devices without\n"
                         "                drivers; problems: devices with problems; nosystem: all except\n"
@@ -39,10 +42,13 @@ constexpr char Help[] = "Usage: quorvane-list [--list NAME] [--format csv|json|t
                         "  --lookup      add the best matches that the database knows\n"
                         "  --db FILE     look them up in this database; implies --lookup\n"
                         "  --root DIR    read a captured tree; DIR stands for /sys\n"
+                        "  --root FILE   read a machine that --save has saved\n"
+                        "  --save FILE   save this machine, without serial numbers and network addresses;\n"
+                        "                the guide lists what is in the file\n"
                         "  --help        print this text\n"
                         "  --version     print the version\n"
                         "\n"
-                        "Status: 0 done, 1 failed, 2 bad usage or unreadable DIR.\n";
+                        "Status: 0 done, 1 failed, 2 bad usage, or a DIR or FILE that is none.\n";
 
 int Complain(const std::string& complaint, Status status) {
     std::fprintf(stderr, "quorvane-list: %s\n", complaint.c_str());
@@ -113,13 +119,15 @@ int Run(const Options& options) {
         return Print(Help);
     if (options.version)
         return Print("quorvane-list " + values::BuiltVersion().toStdString() + "\n");
-    if (!options.root.empty())
-        pnp::SetDeviceRoot(QString::fromLocal8Bit(options.root.c_str()));
-    if (!pnp::DeviceRootReadable())
-        return Complain("the folder \"" + pnp::CurrentSources().deviceRoot.toStdString() + "\" cannot be read",
-                        Refused);
+    std::string fault = list_tool::UseRoot(options.root);
+    if (!fault.empty())
+        return Complain(fault, Refused);
+    if (!options.save.empty()) {
+        fault = list_tool::WriteMachine(pnp::SaveMachine(pnp::CurrentSources()), options.save);
+        return fault.empty() ? int(Done) : Complain(fault, Failed);
+    }
     // Before the scan, so that a failure does not come after the work.
-    const std::string fault = options.lookup ? list_tool::OpenDatabase(options.database) : std::string();
+    fault = options.lookup ? list_tool::OpenDatabase(options.database) : std::string();
     if (!fault.empty())
         return Complain(fault, Failed);
     const int status = Scan(options);

@@ -45,7 +45,13 @@ void TakeFormat(const std::string& name, Options& options) {
 void TakeRoot(const std::string& folder, Options& options) {
     options.root = folder;
     if (folder.empty())
-        options.complaint = "--root needs a folder";
+        options.complaint = "--root needs a folder or a file";
+}
+
+void TakeSave(const std::string& file, Options& options) {
+    options.save = file;
+    if (file.empty())
+        options.complaint = "--save needs a file";
 }
 
 void TakeDatabase(const std::string& file, Options& options) {
@@ -56,7 +62,7 @@ void TakeDatabase(const std::string& file, Options& options) {
 }
 
 constexpr Named<void (*)(const std::string&, Options&)> ValuedOptions[] = {
-    {"--list", TakeList}, {"--format", TakeFormat}, {"--root", TakeRoot}, {"--db", TakeDatabase}};
+    {"--list", TakeList}, {"--format", TakeFormat}, {"--root", TakeRoot}, {"--save", TakeSave}, {"--db", TakeDatabase}};
 
 constexpr Named<bool Options::*> Flags[] = {
     {"--lookup", &Options::lookup}, {"--help", &Options::help}, {"--version", &Options::version}};
@@ -89,6 +95,8 @@ Options ReadOptions(int count, char** arguments) {
     for (int at = 1; at < count && options.complaint.empty(); ++at)
         if (!TakeArgument(count, arguments, at, options))
             options.complaint = "unknown option \"" + std::string(arguments[at]) + "\"";
+    if (options.complaint.empty() && !options.save.empty() && options.lookup)
+        options.complaint = "--save looks nothing up";
     return options;
 }
 

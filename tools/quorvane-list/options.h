@@ -12,8 +12,10 @@ inline constexpr int AllLists = -1;
 struct Options {
     int list = 0; // an inventory::DeviceList, or AllLists
     Format format = Format::Csv;
-    // Empty for the running system.
+    // A folder or the file of a saved machine; empty for the running system.
     std::string root;
+    // Where to save the machine, in place of printing it; empty to print.
+    std::string save;
     bool lookup = false;
     // Empty for the program's own.
     std::string database;

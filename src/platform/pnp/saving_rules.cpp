@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <sstream>
 
 namespace pnp {
 
@@ -89,6 +90,7 @@ struct Attribute {
 constexpr Attribute Attributes[] = {
     {"afg", Text},
     {"authorized", Text},
+    {"bConfigurationValue", Text},
     {"bDeviceClass", Text},
     {"bDeviceProtocol", Text},
     {"bDeviceSubClass", Text},
@@ -102,12 +104,15 @@ constexpr Attribute Attributes[] = {
     {"class", Text},
     {"config", Config, false},
     {"description", Text},
+    // Numbers of texts, not the texts.
+    {"descriptors", Text, false},
     {"device", Text},
     {"device_name", Text},
     {"driver_override", Text},
     {"edid", EdidWithoutIdentity, false},
     {"firmware_rev", Text},
     {"fwrev", Text},
+    {"guid", nullptr},
     {"hid", Text},
     {"hrv", Text},
     {"hwrev", Text},
@@ -116,6 +121,7 @@ constexpr Attribute Attributes[] = {
     {"idProduct", Text},
     {"idVendor", Text},
     {"interface", Text},
+    {"is_local", Text},
     {"manfid", Text},
     {"manufacturer", Text},
     {"mfg", Text},
@@ -132,6 +138,7 @@ constexpr Attribute Attributes[] = {
     {"revision_id", Text},
     {"runtime_status", Text},
     {"serial", nullptr},
+    {"specifier_id", Text},
     {"state", Text},
     {"status", Text},
     {"subsystem_device", Text},
@@ -160,11 +167,25 @@ const Attribute* FindAttribute(const std::string& name) {
 // Names of interfaces are the user's own, or made of the card's address ("wlx001122334455"). No list shows them.
 bool IsInterface(const std::string& path) { return path.find("/net/") != std::string::npos; }
 
+// What an ATA disk tells of itself as words in hexadecimal, of which only the model and its firmware are kept.
+std::string IdentityWords(const std::string& text) {
+    constexpr int firmware = 23;
+    constexpr int modelEnd = 47;
+    std::istringstream words(text);
+    std::string kept;
+    std::string word;
+    for (int i = 0; words >> word; ++i)
+        kept += i >= firmware && i < modelEnd ? word.substr(0, 4) + " " : "0000 ";
+    return kept;
+}
+
 std::string Contents(const std::string& path, const std::string& bytes, AddressMask& mask) {
     const Attribute* const attribute = FindAttribute(LastComponent(path));
     if (attribute == nullptr || attribute->kept == nullptr)
         return {};
-    const std::string kept = attribute->kept(bytes);
+    // One name for two things: the numbers of a PnP device, and all that an ATA disk tells.
+    const std::string kept =
+        path.find("/ata_device/") == std::string::npos ? attribute->kept(bytes) : IdentityWords(bytes);
     return attribute->isText ? mask.Masked(kept) : kept;
 }
 

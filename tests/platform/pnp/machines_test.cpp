@@ -12,6 +12,7 @@
 // A machine gives its rows and no others, in any order. Lines that begin with "#" are comments.
 #include "device_fixture.h"
 #include "pnp/class_table.h"
+#include "pnp/saved_machine.h"
 
 #include <QDir>
 #include <QFile>
@@ -108,6 +109,17 @@ QString Written(const pnp::Device& device) {
     return text;
 }
 
+// What can be seen of a saved machine: its serial numbers and its network interfaces are left out.
+QString WithoutInstances(const std::vector<pnp::Device>& devices) {
+    QString text;
+    for (pnp::Device device : devices) {
+        device.instancePath.truncate(device.instancePath.lastIndexOf(QLatin1Char('\\')));
+        if (device.bus != QStringLiteral("net"))
+            text += Written(device);
+    }
+    return text;
+}
+
 void ExpectFields(const pnp::Device& device, const Row& row) {
     const QMap<QString, QString> fields = FieldsOf(device);
     const QString more = QStringLiteral(" | ...");
@@ -164,6 +176,13 @@ TEST_P(Machines, GiveTheirRows) {
     }
     for (const pnp::Device& device : devices)
         ADD_FAILURE() << "nobody expects:\n" << Plain(Written(device));
+
+    // Saved, it is the same, but for what is left out.
+    const QString before = WithoutInstances(fixture.Devices());
+    pnp::Sources saved = SavedSources(SaveMachine(sources), machine.title);
+    saved.idFolder = sources.idFolder;
+    pnp::SetSources(saved);
+    EXPECT_EQ(Plain(WithoutInstances(fixture.Devices())), Plain(before));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Machines, testing::ValuesIn(ReadMachines()), CaseName);
