@@ -225,8 +225,8 @@ class Machine:
         name = cut(vendor, 8) + cut(product, 16)
         ids = [f"{start}{kind}{name}{cut(revision, 4)}", f"{start}{kind}{name}"]
         ids += [f"{start}{kind}{cut(vendor, 8)}"] if vendor and vendor != "NVMe" else []
-        ids += [f"{start}{name}{cut(revision, 1)}"] + ([start + generic] if start == "USBSTOR\\" else [])
-        return ids + [f"{name}{cut(revision, 1)}", generic]
+        ids += [f"{start}{name}{cut(revision, 1)}", f"{name}{cut(revision, 1)}"]
+        return ids + ([start + generic] if start == "USBSTOR\\" else []) + [generic]
 
     def scsi(self):
         for folder in self.on("scsi"):
