@@ -117,6 +117,8 @@ class Machine:
             present = int(texts.get("status", "15")) & 1
             hidden = re.match("LNX|device:", os.path.basename(folder))
             if names and present and not elsewhere and not hidden and names[0] != "ACPI0007":
+                if "PNP0700" in names:  # the floppy driver makes a device of its own for the controller
+                    bodies.append("/sys/devices/platform/floppy.0")
                 # Which kinds need a driver is the program's knowledge; none of these machines lacks one.
                 driver = next(filter(None, map(self.driver, [folder] + bodies)), "")
                 yield self.row(folder, self.acpi_ids(names, texts.get("hrv")), None, False, driver)
