@@ -19,6 +19,11 @@ def place(row):
     return row["bus"], row["address"]
 
 
+def ids_of(row):
+    """The list shows the path of a device without IDs in their place; it alone is of three parts."""
+    return tuple(id for id in row["hardware_ids"] if id.count("\\") < 2)
+
+
 class Comparison:
     def __init__(self, machine, listed):
         self.machine, self.lists, self.faults = machine, listed, []
@@ -30,8 +35,8 @@ class Comparison:
         """Nothing missing, nothing doubled, each with its IDs, driver and code."""
         hardware = self.lists["hardware"]
         wanted = collections.Counter(self.machine.rows())
-        found = collections.Counter(Row(place(row), tuple(row["hardware_ids"]), row["driver"] or "",
-                                        row["problem_code"]) for row in hardware)
+        found = collections.Counter(Row(place(row), ids_of(row), row["driver"] or "", row["problem_code"])
+                                    for row in hardware)
         for row in hardware:
             if row["problem_code"] in (10, 31, 32) and row["module"] not in self.machine.fits.get(place(row), ()):
                 self.fault(f"{row['name']} would need {row['module']}")
@@ -64,7 +69,8 @@ class Comparison:
             if not os.path.exists(f"{self.machine.report}/{self.machine.moment}/{name}.csv"):
                 continue
             text = [",".join([row[key] for key in ("name", "manufacturer", "error_code", "class", "driver_version")] +
-                             ["".join(f"{id}|" for id in row["hardware_ids"])]) for row in self.lists[name]]
+                             ["".join(f"{id}|" for id in ids_of(row)) or row["hardware_ids"][0]])
+                    for row in self.lists[name]]
             if [line.rstrip("\r") for line in self.machine.read(f"{name}.csv")][1:] != text:
                 self.fault(f"the list {name} differs between csv and JSON")
 

@@ -263,7 +263,7 @@ class Machine:
             if re.search(r"/vd[a-z]+$", folder):
                 yield self.row(folder, self.disk_ids("SCSI\\", "Disk", "GenDisk", "Red Hat", "VirtIO", "0001"), owner)
             elif re.search(r"/fd\d+$", folder):
-                yield self.row(folder, ["FDC\\GENERIC_FLOPPY_DRIVE"], owner)
+                yield self.row(folder, [], owner)
 
     def mmc(self):
         for folder in self.on("mmc"):
