@@ -39,6 +39,29 @@ QStringList AliasIds(const std::string& alias) {
     return ids;
 }
 
+QStringList PnpIds(const Node& node) {
+    QStringList ids;
+    for (const QString& part : node.Text("id").split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        if (const QString id = Identifier(part); !id.isEmpty())
+            ids.append(id);
+    }
+    return ids;
+}
+
+// The PnP device of a node to which nothing links it: of those that bear the node's identifier, the one that has as
+// many before it as the node ("PNP0501:01").
+std::string UnlinkedTwin(const Context& context, const std::string& name) {
+    const std::size_t colon = name.find(':');
+    quint32 before = colon == std::string::npos ? 0 : ParseHex(name.substr(colon + 1)).value_or(0);
+    for (const std::string& entry : ListEntries(context, "/bus/pnp/devices")) {
+        const std::string folder = context.Files().Resolve(entry);
+        const Node node = context.At(folder);
+        if (!node.Has("firmware_node") && PnpIds(node).value(0).toStdString() == name.substr(0, colon) && before-- == 0)
+            return folder;
+    }
+    return {};
+}
+
 // The device folders that the kernel made for a node ("physical_node", "physical_node1", ...). Partial captures lack
 // the links, but the devices bear the node's name.
 std::vector<std::string> PhysicalNodes(const Context& context, const Node& node) {
@@ -53,6 +76,11 @@ std::vector<std::string> PhysicalNodes(const Context& context, const Node& node)
         return folders;
     for (const char* place : {"/bus/platform/devices/", "/bus/i2c/devices/i2c-", "/bus/spi/devices/spi-"}) {
         if (std::string folder = context.Files().Resolve(place + node.Name()); !folder.empty())
+            folders.push_back(std::move(folder));
+    }
+    // The running kernel links all of them.
+    if (folders.empty() && !context.From().live) {
+        if (std::string folder = UnlinkedTwin(context, node.Name()); !folder.empty())
             folders.push_back(std::move(folder));
     }
     return folders;
@@ -217,13 +245,8 @@ void ReadPnp(Context& context, const std::string& path, std::vector<Device>& dev
     // The ACPI node stands for both, if it is there.
     if (const std::string firmware = node.Link("firmware_node"); !firmware.empty() && context.Files().Has(firmware))
         return;
-    QStringList ids;
-    const QString attribute = node.Text("id");
-    for (const QString& part : attribute.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
-        if (const QString id = Identifier(part); !id.isEmpty())
-            ids.append(id);
-    }
-    // Kernels before 2.6.29 leave out that link for the root complex.
+    const QStringList ids = PnpIds(node);
+    // Old kernels leave out that link for the root complex, partial captures leave out all.
     const bool isNodeAgain = !ids.isEmpty() && !node.Has("firmware_node") &&
                              context.Files().Has("/bus/acpi/devices/" + ids.first().toStdString() + ":00");
     if (ids.isEmpty() || isNodeAgain)

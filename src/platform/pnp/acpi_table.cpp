@@ -79,7 +79,7 @@ constexpr AcpiKind Kinds[] = {
     {"PNP0C31", SecurityDevices, u"Trusted Platform Module 1.2", Needs},
     {"PNP0C32", System, u"Direct Application Launch Button", Works},
     {"PNP0C33", System, u"Hardware error device", Works},
-    {"PNP0C40", HidClass, u"Button Array", Needs},
+    {"PNP0C40", HidClass, u"Button Array", Works},
     {"PNP0C50", HidClass, u"I2C HID Device", Needs},
     {"PNP0C60", System, u"Display sensor device", Works},
     {"PNP0C70", System, u"Dock sensor device", Works},

@@ -1,4 +1,5 @@
 #include "device_fixture.h"
+#include "pnp/acpi_ids.h"
 #include "pnp/class_table.h"
 #include "pnp/device_tree.h"
 #include "pnp/identity.h"
@@ -96,4 +97,17 @@ TEST(ClassTable, KeepsItsPromises) {
         extracted = extracted || !QString::fromUtf16(entry.iconModule).endsWith(QStringLiteral("dll"));
     }
     EXPECT_TRUE(extracted) << "no class uses the way of extracted icons";
+}
+
+// A row that stands twice would hide what the other says.
+TEST(AcpiTable, NoIdentifierStandsTwice) {
+    QSet<QString> seen;
+    for (const pnp::AcpiKind& kind : pnp::AcpiKinds()) {
+        for (const QString& id : QString::fromLatin1(kind.ids).split(QLatin1Char(' '))) {
+            EXPECT_FALSE(seen.contains(id)) << Plain(id);
+            EXPECT_EQ(id, id.toUpper());
+            EXPECT_TRUE(pnp::FindAcpiKind(id) == &kind) << Plain(id);
+            seen.insert(id);
+        }
+    }
 }
