@@ -2,9 +2,8 @@
 // case is a few lines there.
 //
 //   machine TITLE            begins a machine; its tree follows in the fixture's form (device_fixture.h)
-//   file ids/pci.ids         a file beside the tree, of the lines below that begin with "| ". Files in modules/ make
-//   the
-//     | 8086  Intel          tree that of the running kernel, cpuinfo is the processors' file.
+//   file ids/pci.ids         a file beside the tree, of the lines below that begin with "| ". Files in modules/ make it
+//     | 8086  Intel          a tree of the running kernel, cpuinfo is the processors' file
 //   row CODE CLASS PATH      a device: problem code, short name of its class ("-" for none), instance path with "*" for
 //     name = TEXT            any run of characters. Below it what else must hold: name, maker, version, driver, module,
 //     ids = A | B | ...      place (bus and address), ids; "..." at the end lets more follow
