@@ -2,15 +2,15 @@
 # are missing, quietly, and configures a build.
 # shellcheck shell=bash disable=SC2034
 
-build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libxcb1-dev libxcb-shape0-dev
-  libarchive-dev libgl-dev hwdata fonts-dejavu-core)
+build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libssl-dev libxcb1-dev
+  libxcb-shape0-dev libarchive-dev libgl-dev hwdata fonts-dejavu-core)
 run_packages=(p7zip-full)
 display_packages=(xvfb openbox xdotool x11-apps imagemagick)
 # To build the Debian package.
 package_packages=(dpkg-dev gzip)
 # To test it.
 package_test_packages=(lintian desktop-file-utils appstream debootstrap groff x11-utils python3)
-test_packages=(libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools)
+test_packages=(openssl libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools)
 # To boot emulated PCs.
 machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext2fs e2fsprogs python3)
 bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)

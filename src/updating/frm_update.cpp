@@ -3,15 +3,12 @@
 #include "appearance/colour_table.h"
 #include "appearance/skin.h"
 #include "appearance/window_effects.h"
-#include "base/aside.h"
 #include "base/yield.h"
 #include "controls/brindlex_pb.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
-#include "data/file_judge.h"
 #include "data/replace_file.h"
-#include "database/schema.h"
 #include "database/store.h"
 #include "database/submission_scope.h"
 #include "forms/desktop.h"
@@ -22,6 +19,7 @@
 #include "net/inet.h"
 #include "net/vsz_lib.h"
 #include "suite/check_box.h"
+#include "updating/archive_judge.h"
 #include "updating/download.h"
 #include "updating/download_formats.h"
 #include "updating/version_compare.h"
@@ -80,21 +78,6 @@ QString ShownValue(qint32 number) { return QString::number(number); }
 QString ArchivePath() { return values::ProgramFolder() + QStringLiteral("\\hwids.7z"); }
 
 bool ReplaceDatabase(const QString& from, const QString& to) { return data::ReplaceDatabaseFile(from, to); }
-
-// Databases take the old ones' places only if the program could start with them. Reading them through takes a while, so
-// that is done aside.
-bool AreDeviceDatabases(const QList<net::UnpackedFile>& files, const std::function<bool()>& stopped) {
-    bool good = true;
-    base::RunAside(
-        [&](const std::atomic<bool>& stop) {
-            for (const net::UnpackedFile& file : files) {
-                good = good &&
-                       (!IsDatabase(file) || data::JudgeDatabaseFile(file.Path, database::Rules(), &stop).isEmpty());
-            }
-        },
-        stopped);
-    return good;
-}
 
 } // namespace
 
@@ -275,8 +258,9 @@ void FrmUpdate::DL1_DLComplete() {
 void FrmUpdate::UnpackDatabase(const QString& archive) {
     net::VszLib zip;
     zip.SetStop([this] { return Stopped(); });
-    zip.SetJudge([this](const QList<net::UnpackedFile>& files) {
-        return AreDeviceDatabases(files, [this] { return Stopped(); });
+    zip.SetJudge([this](QList<net::UnpackedFile>& files) {
+        return IsArchiveGood(files, values::ServerAddresses().UpdateKeys, values::ProgramFolder(),
+                             [this] { return Stopped(); });
     });
     zip.SetDatabaseReplacer(&ReplaceDatabase);
     connect(&zip, &net::VszLib::Progress, this,

@@ -98,9 +98,16 @@ class LoopTest : public testing::Test {
         return {tool.exitCode(), tool.readAll().toStdString()};
     }
 
-    void Publish() const {
-        const Result packed = Maintain(QStringLiteral("pack shared.mdb --output ") + server_.PublicFolder() +
-                                       QStringLiteral("/files/updates/quorvane"));
+    // A new key; its public part as a build takes it.
+    QString MakeKey(const QString& name) const {
+        const Result made = Maintain(QStringLiteral("keygen --output ") + name);
+        EXPECT_EQ(made.Status, 0) << made.Output;
+        return QString::fromStdString(made.Output).trimmed().section(u'=', 1);
+    }
+
+    void Publish(const QString& keys) const {
+        const Result packed = Maintain(QStringLiteral("pack shared.mdb ") + keys + QStringLiteral(" --output ") +
+                                       server_.PublicFolder() + QStringLiteral("/files/updates/quorvane"));
         ASSERT_EQ(packed.Status, 0) << packed.Output;
     }
 
@@ -198,6 +205,26 @@ class LoopTest : public testing::Test {
         EXPECT_TRUE(main_->CommandCheckForUpdates->Enabled());
     }
 
+    void ExpectRefusedUpdate() {
+        QStringList messages;
+        forms::SetMsgBoxRecorder([&messages](const QString& text, forms::MessageIcon) { messages.append(text); });
+        Click(main_->CommandCheckForUpdates);
+        auto* update = static_cast<updating::FrmUpdate*>(all_.Find(QStringLiteral("FrmUpdate")));
+        ASSERT_NE(update, nullptr);
+        EXPECT_TRUE(QTest::qWaitFor([update] { return update->CommandDownloadDatabase->Enabled(); }, 20000));
+        Click(update->CommandDownloadDatabase);
+        // The main window reads the old database again.
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] {
+                return all_.Find(QStringLiteral("FrmUpdate")) == nullptr && database::DatabaseConnection() &&
+                       main_->CommandCheckForUpdates->Enabled();
+            },
+            30000));
+        EXPECT_EQ(messages, QStringList{QStringLiteral("Failed to decompress the download database file!")});
+        forms::SetMsgBoxRecorder(
+            [](const QString& text, forms::MessageIcon) { ADD_FAILURE() << "message: " << Plain(text); });
+    }
+
     static void CheckForUpdatesAtStart() {
         QString path = values::SettingsPath();
         values::WriteSetting(QStringLiteral("main"), QStringLiteral("CheckForUpdates"), QStringLiteral("1"), path);
@@ -230,7 +257,10 @@ TEST_F(LoopTest, AContributedDeviceReachesEverybody) {
     const Result built =
         Maintain(QStringLiteral("build --output shared.mdb --version 2.5.0 --pci-ids pci.ids --usb-ids usb.ids"));
     ASSERT_EQ(built.Status, 0) << built.Output;
-    Publish();
+    const QString firstKey = MakeKey(QStringLiteral("first.pem"));
+    const QString secondKey = MakeKey(QStringLiteral("second.pem"));
+    values::ServerAddresses().UpdateKeys = firstKey;
+    Publish(QStringLiteral("--key first.pem"));
     MakeClient(QStringLiteral("contributor"));
     MakeClient(QStringLiteral("second"));
 
@@ -259,12 +289,14 @@ TEST_F(LoopTest, AContributedDeviceReachesEverybody) {
     const Result merged = Maintain(QStringLiteral("merge --version 2.5.1 shared.mdb ") + arrived.first());
     EXPECT_EQ(merged.Status, 0) << merged.Output;
     EXPECT_THAT(merged.Output, HasSubstr("2 added, 0 already known, 0 left out"));
-    Publish();
+    // The key changes: both sign until everybody has a program that knows the new one.
+    Publish(QStringLiteral("--key second.pem --old-key first.pem"));
     EXPECT_THAT(Maintain(QStringLiteral("check --db shared.mdb ") + arrived.first()).Output,
                 HasSubstr("0 good, 0 malformed, 0 suspicious, 0 duplicate, 2 already known"));
 
     for (const char* machine : {contributorsMachine, secondMachine}) {
         Start(machine == secondMachine ? QStringLiteral("second") : QStringLiteral("contributor"), machine);
+        values::ServerAddresses().UpdateKeys = machine == secondMachine ? secondKey : firstKey;
         EXPECT_TRUE(main_->ImportantLabelUpdateAvailable->Visible());
         Update(QStringLiteral("2.5.1"));
         EXPECT_EQ(Plain(LookUp()), "Results: 2 Possible Matches\n"
@@ -273,6 +305,15 @@ TEST_F(LoopTest, AContributedDeviceReachesEverybody) {
     }
     Start(QStringLiteral("second"), secondMachine);
     EXPECT_FALSE(main_->ImportantLabelUpdateAvailable->Visible());
+
+    // The new key is lost: what any other signs is not taken until there is a program that knows its key.
+    EXPECT_EQ(Maintain(QStringLiteral("merge --version 2.5.2 shared.mdb ") + arrived.first()).Status, 0);
+    Publish(QStringLiteral("--key first.pem"));
+    Start(QStringLiteral("second"), secondMachine);
+    ExpectRefusedUpdate();
+    EXPECT_EQ(main_->LabelDatabaseVersion->Caption(), QStringLiteral("Database Version: 2.5.1"));
+    values::ServerAddresses().UpdateKeys = firstKey;
+    Update(QStringLiteral("2.5.2"));
 }
 
 } // namespace

@@ -45,6 +45,7 @@ int Check(const QStringList& arguments);
 int Export(const QStringList& arguments);
 int ImportJet(const QStringList& arguments);
 int Info(const QStringList& arguments);
+int Keygen(const QStringList& arguments);
 int Merge(const QStringList& arguments);
 int Pack(const QStringList& arguments);
 

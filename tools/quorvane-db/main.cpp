@@ -1,6 +1,7 @@
 // quorvane-db: builds, shows, checks and merges device databases. One sub-command, one file.
 #include "base/standard_streams.h"
 #include "command.h"
+#include "values/addresses.h"
 #include "values/program_values.h"
 
 #include <QCoreApplication>
@@ -15,8 +16,9 @@ constexpr tool::SubCommand subCommands[] = {
      tool::Check},
     {"merge", "[--dry-run] [--include-suspicious] [--version V] DATABASE FILE...", "add contributions to a database",
      tool::Merge},
-    {"pack", "--output DIR [--program-version V] DATABASE", "make the files that an update server hands out",
-     tool::Pack},
+    {"pack", "--output DIR [--program-version V] [--key FILE [--old-key FILE]] DATABASE",
+     "make the files that an update server hands out", tool::Pack},
+    {"keygen", "--output FILE | FILE", "make a key that signs databases, or show the public part of one", tool::Keygen},
     {"export", "[--output FILE] DATABASE", "print a database as sorted lines of text", tool::Export},
     {"import-jet", "--output FILE FILE.mdb", "make a database from a Jet 4 file (needs mdbtools)", tool::ImportJet},
 };
@@ -43,6 +45,7 @@ int RunSubCommand(const QStringList& arguments) {
     }
     if (name == QLatin1String("--version")) {
         tool::Print(QStringLiteral("quorvane-db ") + values::BuiltVersion());
+        tool::Print(values::UpdateKeysText());
         return tool::Finish();
     }
     for (const tool::SubCommand& command : subCommands) {

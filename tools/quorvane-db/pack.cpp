@@ -8,6 +8,7 @@
 #include "database_file.h"
 #include "net/engine_process.h"
 #include "options.h"
+#include "signing/key_file.h"
 #include "values/program_values.h"
 
 #include <QDir>
@@ -135,21 +136,64 @@ QString CopyToPublish(const QString& databaseFile, const QString& copy, QString&
 
 // The archive holds the file under the name that the program reads, whatever it is called here: the copy bears it.
 // (What comes from the engine's standard input can be marked as a pipe, which clients refuse.) Empty, or what failed.
-QString MakeArchive(const QString& named, const QString& archive) {
+// The signature lies beside it.
+QString MakeArchive(const QString& named, const QString& signature, const QString& archive) {
     QFile::setPermissions(named, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     QProcess engine;
     engine.setStandardInputFile(QProcess::nullDevice());
     engine.setStandardOutputFile(QProcess::nullDevice());
-    engine.start(net::FindEngine(), {QStringLiteral("a"), QStringLiteral("-t7z"), QStringLiteral("-mx=9"),
-                                     QStringLiteral("-bd"), QStringLiteral("--"), archive, named});
+    QStringList wanted = {QStringLiteral("a"),
+                          QStringLiteral("-t7z"),
+                          QStringLiteral("-mx=9"),
+                          QStringLiteral("-bd"),
+                          QStringLiteral("--"),
+                          archive,
+                          named};
+    if (!signature.isEmpty()) {
+        wanted.append(signature);
+    }
+    engine.start(net::FindEngine(), wanted);
     const bool made =
         engine.waitForFinished(-1) && engine.exitStatus() == QProcess::NormalExit && engine.exitCode() == 0;
     return made ? QString() : QStringLiteral("7-Zip could not make the archive");
 }
 
+using Keys = QList<signing::PrivateKey>;
+
+// Empty, or why the key cannot be used.
+QString ReadKeys(const QStringList& paths, Keys& keys) {
+    for (const QString& path : paths) {
+        QString error;
+        const signing::PrivateKey key = signing::PrivateKey::Read(path, error);
+        if (!key) {
+            return QStringLiteral("%1: %2").arg(path, error);
+        }
+        keys.append(key);
+    }
+    return QString();
+}
+
+// Writes the signature of the copy by each key; `path` is empty where there is none. Empty, or what failed.
+QString WriteSignature(const QString& copy, const Keys& keys, QString& path) {
+    QList<signing::Signature> signatures;
+    for (const signing::PrivateKey& key : keys) {
+        signatures.append(key.Sign(signing::MessageOf(copy)));
+    }
+    const QByteArray text = signing::SignatureText(signatures);
+    if (keys.isEmpty()) {
+        path.clear();
+        return QString();
+    }
+    // Read as a client will read it.
+    if (signing::ReadSignatureText(text).size() != keys.size()) {
+        return QStringLiteral("the database could not be signed, or both keys are one");
+    }
+    return WriteFile(path, QString::fromLatin1(text));
+}
+
 // Writes the three files; the version of the database comes last, so that a client that sees it finds the new archive.
 // All are whole before the first takes its place. Empty, or what went wrong.
-QString Publish(const QString& databaseFile, const QString& folder, const QString& programVersion) {
+QString Publish(const QString& databaseFile, const QString& folder, const QString& programVersion, const Keys& keys) {
     const NewFolders made(folder);
     if (!made.Error().isEmpty()) {
         return QStringLiteral("%1: %2").arg(folder, made.Error());
@@ -169,7 +213,9 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
     }
     const QStringList names = {QString::fromUtf16(archiveName), QStringLiteral("update.htm"),
                                QStringLiteral("database_v1.htm")};
-    error = MakeArchive(copy, work.filePath(names[0]));
+    QString signature = work.filePath(QString::fromUtf16(signing::SignatureName));
+    error = WriteSignature(copy, keys, signature);
+    error = error.isEmpty() ? MakeArchive(copy, signature, work.filePath(names[0])) : error;
     for (const auto& [name, text] : {std::pair(names[1], programVersion), std::pair(names[2], version)}) {
         error = error.isEmpty() ? WriteFile(work.filePath(name), text) : error;
     }
@@ -187,14 +233,24 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
 } // namespace
 
 int Pack(const QStringList& arguments) {
-    Options options({QStringLiteral("output"), QStringLiteral("program-version")}, {});
+    const QString key = QStringLiteral("key");
+    const QString oldKey = QStringLiteral("old-key");
+    Options options({QStringLiteral("output"), QStringLiteral("program-version"), key, oldKey}, {});
     const QString wrong = options.Read(arguments);
     const QString output = options.Value(QStringLiteral("output"));
     if (!wrong.isEmpty() || options.Arguments().size() != 1 || output.isEmpty()) {
         return RefuseUsage(wrong.isEmpty() ? QStringLiteral("pack needs one DATABASE and --output DIR") : wrong);
     }
+    if ((options.Has(key) && options.Value(key).isEmpty()) || (options.Has(oldKey) && !options.Has(key))) {
+        return RefuseUsage(QStringLiteral("--key needs a FILE, and --old-key needs --key"));
+    }
+    Keys keys;
+    QString error = options.Has(key) ? ReadKeys({options.Value(key)}, keys) : QString();
+    error = error.isEmpty() && options.Has(oldKey) ? ReadKeys({options.Value(oldKey)}, keys) : error;
+    if (!error.isEmpty()) {
+        return Fail(error);
+    }
     const QString path = options.Arguments().first();
-    QString error;
     if (!OpenDatabase(path, error)) {
         return Fail(error);
     }
@@ -205,7 +261,7 @@ int Pack(const QStringList& arguments) {
     if (net::FindEngine().isEmpty()) {
         return Fail(QStringLiteral("7-Zip is not installed"));
     }
-    error = Publish(path, output, programVersion);
+    error = Publish(path, output, programVersion, keys);
     return error.isEmpty() ? int(Done) : Fail(error);
 }
 

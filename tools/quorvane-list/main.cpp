@@ -9,6 +9,7 @@
 #include "options.h"
 #include "pnp/sources.h"
 #include "root.h"
+#include "values/addresses.h"
 #include "values/program_values.h"
 
 #include <QCoreApplication>
@@ -118,7 +119,8 @@ int Run(const Options& options) {
     if (options.help)
         return Print(Help);
     if (options.version)
-        return Print("quorvane-list " + values::BuiltVersion().toStdString() + "\n");
+        return Print("quorvane-list " + values::BuiltVersion().toStdString() + "\n" +
+                     values::UpdateKeysText().toStdString() + "\n");
     std::string fault = list_tool::UseRoot(options.root);
     if (!fault.empty())
         return Complain(fault, Refused);

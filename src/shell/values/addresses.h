@@ -12,9 +12,13 @@ struct Addresses {
     QString SearchSite; // answers /?q= with results
     QString SocialPage1;
     QString SocialPage2;
-    QString Mail; // the maintainers' e-mail address
+    QString Mail;       // the maintainers' e-mail address
+    QString UpdateKeys; // base64 of the public keys that sign databases, between blanks; empty: none need be signed
 };
 
 Addresses& ServerAddresses();
+
+// A line that says which databases this build takes.
+QString UpdateKeysText();
 
 } // namespace values
