@@ -3,7 +3,7 @@
 # shellcheck shell=bash disable=SC2034
 
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libssl-dev libxcb1-dev
-  libxcb-shape0-dev libarchive-dev libgl-dev hwdata fonts-dejavu-core)
+  libxcb-shape0-dev libxcb-xfixes0-dev libarchive-dev libgl-dev hwdata fonts-dejavu-core)
 run_packages=(p7zip-full)
 display_packages=(xvfb openbox xdotool x11-apps imagemagick)
 # To build the Debian package.
@@ -13,6 +13,9 @@ package_test_packages=(lintian desktop-file-utils appstream debootstrap groff x1
 test_packages=(openssl libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools)
 # To boot emulated PCs.
 machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext2fs e2fsprogs python3)
+# The desktops that tests/end_to_end/desktops goes through, and what it looks at them with.
+desktop_packages=(xfwm4 kwin-x11 metacity icewm i3-wm weston xwayland xserver-xorg-core xserver-xorg-video-dummy picom tint2
+  x11-utils x11-xserver-utils dbus-daemon locales)
 bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
 
 # For the sanitizer build with the fuzzers.

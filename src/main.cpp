@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QStyleFactory>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -36,7 +37,23 @@ void PrepareEnvironment() {
     qunsetenv("QT_SCREEN_SCALE_FACTORS");
     // Under Wayland the X11 way is preferred where there is one: it knows where windows stand.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
+        qputenv("QT_QPA_PLATFORM", qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "xcb" : "xcb;wayland");
+}
+
+// The toolkit ends the process by a signal where no display answers, and advises to install it again. What it says on
+// the way is left out.
+void TellNoDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+    if (type != QtFatalMsg)
+        return;
+    const auto named = [](const char* variable) {
+        const QByteArray value = qgetenv(variable);
+        return value.isEmpty() ? QByteArrayLiteral("not set") : value;
+    };
+    std::fprintf(
+        stderr,
+        "quorvane: no display to show windows on (DISPLAY: %s, WAYLAND_DISPLAY: %s). quorvane-list lists the devices without one.\n",
+        named("DISPLAY").constData(), named("WAYLAND_DISPLAY").constData());
+    std::_Exit(EXIT_FAILURE);
 }
 
 void RegisterWindows() {
@@ -56,7 +73,9 @@ int main(int argc, char** argv) {
     forms::StartNoSessionBus();
     // Plugins come from the system alone; a folder of them beside the program must not run.
     QCoreApplication::setLibraryPaths({QLibraryInfo::path(QLibraryInfo::PluginsPath)});
+    const QtMessageHandler usual = qInstallMessageHandler(TellNoDisplay);
     QApplication application(argc, argv);
+    qInstallMessageHandler(usual);
     // Programs that we start, such as the browser, get the environment that we got.
     qunsetenv(scalingSwitch);
     if (!platformGiven)

@@ -59,6 +59,7 @@ void FrmColors::Load() {
     window::SetFormIcon(*this, QStringLiteral("AAA"), false);
     SetWidth(designWidth);
     SetHeight(designHeight);
+    SetSizeLimits(WindowRect().size(), WindowRect().size());
     window::CentreOnScreen(*this);
     titleBar_->SetCaption(Caption());
     titleBar_->SetWidth(Width());

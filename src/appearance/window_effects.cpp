@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "draw/system_colours.h"
 #include "forms/form.h"
+#include "forms/forms.h"
 #include "suite/shadow_manager.h"
 #include "values/program_values.h"
 
@@ -108,6 +109,12 @@ void UpdateShadow(forms::Form* form) {
     if (!manager.Knows(form))
         manager.Add(form);
     manager.SetUpdateMode(false);
+}
+
+void RenewShadows() {
+    InitShadow();
+    for (forms::Form* form : forms::Forms::Instance().Loaded())
+        UpdateShadow(form);
 }
 
 base::Colour TranslateColor(base::Colour colour) { return draw::OleTranslateColor(colour); }

@@ -22,6 +22,9 @@ void InitShadow();
 // Adds, refreshes or removes the window's shadow, as the program's switch and the border colour say.
 void UpdateShadow(forms::Form* form);
 
+// A compositor has begun or ended: gives every window the shadow that it had no screen for, with its sizes.
+void RenewShadows();
+
 // The plain colour of a value that may be a system colour.
 base::Colour TranslateColor(base::Colour colour);
 

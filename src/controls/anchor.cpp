@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QSettings>
+#include <algorithm>
 
 namespace controls {
 
@@ -70,6 +71,40 @@ Anchor::~Anchor() {
         Limits().form = nullptr;
 }
 
+void Anchor::SetMinWidth(int twips) {
+    minWidth_ = twips;
+    TellLimits();
+}
+
+void Anchor::SetMinHeight(int twips) {
+    minHeight_ = twips;
+    TellLimits();
+}
+
+void Anchor::SetMaxWidth(int twips) {
+    maxWidth_ = twips;
+    TellLimits();
+}
+
+void Anchor::SetMaxHeight(int twips) {
+    maxHeight_ = twips;
+    TellLimits();
+}
+
+// So that the window manager's own sizing leaves the window nothing to push back. A greatest size below the least one
+// wins, which window managers do not know.
+void Anchor::TellLimits() const {
+    forms::Form* form = ParentForm();
+    if (form == nullptr)
+        return;
+    const auto pixels = [](int twips) { return twips < 1 ? 0 : forms::ToPixels(twips); };
+    const QSize greatest(pixels(maxWidth_), pixels(maxHeight_));
+    const auto least = [&pixels](int twips, int most) {
+        return most > 0 ? std::min(pixels(twips), most) : pixels(twips);
+    };
+    form->SetSizeLimits({least(minWidth_, greatest.width()), least(minHeight_, greatest.height())}, greatest);
+}
+
 void Anchor::ReadProperties(const base::PropertyBag& bag) {
     initWidth_ = bag.Read(QStringLiteral("InitWidth"), 0);
     initHeight_ = bag.Read(QStringLiteral("InitHeight"), 0);
@@ -100,6 +135,7 @@ void Anchor::DoInit() {
         minHeight_ = base::RoundToInt(form->Height());
     if (minWidth_ < 1)
         minWidth_ = base::RoundToInt(form->Width());
+    TellLimits();
     TakeLetters();
     oldHeight_ = base::RoundToInt(form->Height());
     oldWidth_ = base::RoundToInt(form->Width());
@@ -163,13 +199,11 @@ bool Anchor::ResizeOnce() {
     if (form->IsUnloaded() || form->WindowState() == forms::MinimisedWindow)
         return true;
     Freeze(form);
-    KeepWithinLimits();
-    const int height = base::RoundToInt(form->Height());
-    const int width = base::RoundToInt(form->Width());
-    const int deltaHeight = height - oldHeight_;
-    const int deltaWidth = width - oldWidth_;
-    oldHeight_ = height;
-    oldWidth_ = width;
+    const QSize size = KeepWithinLimits();
+    const int deltaHeight = size.height() - oldHeight_;
+    const int deltaWidth = size.width() - oldWidth_;
+    oldHeight_ = size.height();
+    oldWidth_ = size.width();
     if (deltaHeight == 0 && deltaWidth == 0)
         return true;
     const QPointer<Anchor> alive(this);
@@ -183,22 +217,24 @@ bool Anchor::ResizeOnce() {
     return !alive.isNull();
 }
 
-// Both limits are applied before the window is touched, so that inverted ones do not chase each other.
-void Anchor::KeepWithinLimits() {
+// Both limits are applied before the window is touched, so that inverted ones do not chase each other. Gives the size
+// in twips that the layout goes by: that of the window, and the nearest allowed one where the window manager insists.
+QSize Anchor::KeepWithinLimits() {
     forms::Form* form = ParentForm();
     const double height = form->Height();
     const double width = form->Width();
     // A size on screen is a whole number of pixels and may lie a fraction below a limit that is none.
     const double allowedHeight = forms::ToTwips(forms::ToPixels(Limited(height, minHeight_, maxHeight_)));
     const double allowedWidth = forms::ToTwips(forms::ToPixels(Limited(width, minWidth_, maxWidth_)));
-    if (qFuzzyCompare(allowedHeight, height) && qFuzzyCompare(allowedWidth, width))
-        return;
-    if (PushBackIsFutile(form->WindowRect().size()))
-        return;
-    if (!qFuzzyCompare(allowedHeight, height))
-        form->SetHeight(allowedHeight);
-    if (!qFuzzyCompare(allowedWidth, width))
-        form->SetWidth(allowedWidth);
+    const bool within = qFuzzyCompare(allowedHeight, height) && qFuzzyCompare(allowedWidth, width);
+    if (!within && !PushBackIsFutile(form->WindowRect().size())) {
+        if (!qFuzzyCompare(allowedHeight, height))
+            form->SetHeight(allowedHeight);
+        if (!qFuzzyCompare(allowedWidth, width))
+            form->SetWidth(allowedWidth);
+        return {base::RoundToInt(form->Width()), base::RoundToInt(form->Height())};
+    }
+    return {base::RoundToInt(allowedWidth), base::RoundToInt(allowedHeight)};
 }
 
 // A window manager that lays windows out by itself answers each push with its own size again, for ever.

@@ -47,13 +47,13 @@ class Anchor : public forms::Component {
     // Least size; below 1 at load it becomes the window's size at load.
     int MinWidth() const { return minWidth_; }
     int MinHeight() const { return minHeight_; }
-    void SetMinWidth(int twips) { minWidth_ = twips; }
-    void SetMinHeight(int twips) { minHeight_ = twips; }
+    void SetMinWidth(int twips);
+    void SetMinHeight(int twips);
     // Greatest size; below 1 means no limit. A greatest size below the least one wins.
     int MaxWidth() const { return maxWidth_; }
     int MaxHeight() const { return maxHeight_; }
-    void SetMaxWidth(int twips) { maxWidth_ = twips; }
-    void SetMaxHeight(int twips) { maxHeight_ = twips; }
+    void SetMaxWidth(int twips);
+    void SetMaxHeight(int twips);
     // Whether the load takes place and size from the user's application settings. Not persisted, off.
     void SetRestorePosition(bool on) { restorePosition_ = on; }
     void SetRestoreSize(bool on) { restoreSize_ = on; }
@@ -86,10 +86,11 @@ class Anchor : public forms::Component {
         QString letters;
     };
 
+    void TellLimits() const;
     void TakeLetters();
     void RestoreFromSettings();
     bool ResizeOnce();
-    void KeepWithinLimits();
+    QSize KeepWithinLimits();
     bool PushBackIsFutile(QSize from);
     void LayOut(int deltaHeight, int deltaWidth);
 

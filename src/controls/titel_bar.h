@@ -12,6 +12,7 @@
 
 #include <QFont>
 #include <QPointer>
+#include <QRect>
 #include <array>
 #include <functional>
 
@@ -257,6 +258,8 @@ class TitelBar : public forms::DrawnControl {
 
     void WatchParent();
     void AnswerMaximised();
+    void FillWorkArea();
+    void FollowMonitors();
     bool MoveParent(forms::Form& parent, const std::function<bool()>& gone);
     void TakeFace(const AlphaImage& face);
     void StopTracking();
@@ -279,6 +282,7 @@ class TitelBar : public forms::DrawnControl {
     bool answering_ = false;
     bool changingPlace_ = false;
     // Twips.
+    QRect savedMonitor_; // without panels, in pixels
     int savedTop_ = 0;
     int savedLeft_ = 0;
     int savedHeight_ = 0;

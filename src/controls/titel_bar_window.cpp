@@ -4,6 +4,7 @@
 
 #include "base/numbers.h"
 #include "base/yield.h"
+#include "forms/desktop_watch.h"
 #include "forms/form.h"
 #include "forms/screen.h"
 
@@ -55,6 +56,7 @@ void TitelBar::WatchParent() {
         return;
     // The window's width may stay while its state changes, which is no resize of the bar.
     connect(parent, &forms::Form::Resized, this, &TitelBar::AnswerMaximised);
+    connect(&forms::SharedDesktopWatch(), &forms::DesktopWatch::MonitorsChanged, this, &TitelBar::FollowMonitors);
     connect(parent, &forms::Form::ExitSizeMove, this, &TitelBar::ReturnKeyboard);
     connect(parent, &forms::Form::Unloaded, this, &TitelBar::StopTimers);
 }
@@ -122,20 +124,37 @@ bool TitelBar::MoveParent(forms::Form& parent, const std::function<bool()>& gone
         return false;
     if (!maximised_) {
         parent.Move(savedLeft_, savedTop_, savedWidth_, savedHeight_);
+        // The monitor that it stood on may be gone or have shrunk.
+        const QRect place = parent.WindowRect();
+        if (const QRect area = forms::WorkArea(place); area != savedMonitor_)
+            parent.SetWindowRect(forms::MovedInto(place, area));
     } else {
         savedTop_ = base::RoundToInt(parent.Top());
         savedLeft_ = base::RoundToInt(parent.Left());
         savedHeight_ = base::RoundToInt(parent.Height());
         savedWidth_ = base::RoundToInt(parent.Width());
+        savedMonitor_ = forms::WorkArea(parent.WindowRect());
         base::Yield();
         if (gone())
             return false;
-        const QRect area = forms::WorkArea();
-        parent.Move(forms::ToTwips(area.x()), forms::ToTwips(area.y()), forms::ToTwips(area.width()),
-                    forms::ToTwips(area.height()));
+        FillWorkArea();
     }
     base::Yield();
     return !gone();
+}
+
+void TitelBar::FillWorkArea() {
+    forms::Form* parent = ParentForm();
+    const QRect area = forms::WorkArea(parent->WindowRect());
+    parent->Move(forms::ToTwips(area.x()), forms::ToTwips(area.y()), forms::ToTwips(area.width()),
+                 forms::ToTwips(area.height()));
+}
+
+void TitelBar::FollowMonitors() {
+    const forms::Form* parent = ParentForm();
+    if (maximised_ && !changingPlace_ && parent != nullptr && !parent->IsUnloaded() &&
+        parent->WindowState() == forms::NormalWindow)
+        FillWorkArea();
 }
 
 // The toolkit holds the pointer for a widget whose button is down, so there is no capture to take or to release here.

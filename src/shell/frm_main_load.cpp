@@ -7,6 +7,7 @@
 #include "controls/panel_fx.h"
 #include "controls/size_move_helper.h"
 #include "controls/titel_bar.h"
+#include "forms/desktop_watch.h"
 #include "forms/forms.h"
 #include "forms/label.h"
 #include "forms/screen.h"
@@ -60,6 +61,7 @@ void FrmMain::Load() {
     program.ShadowEnabled = !program.ShadowDisabled;
     base::Yield();
     appearance::InitShadow();
+    connect(&forms::SharedDesktopWatch(), &forms::DesktopWatch::CompositingChanged, this, &appearance::RenewShadows);
     window::PlaceGrip(*this, *LabelResize);
     SetCaption(QStringLiteral("Brindlex - Quorvane v") + values::BuiltVersion());
     base::Yield();

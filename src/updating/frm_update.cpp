@@ -131,6 +131,7 @@ void FrmUpdate::Load() {
     window::SetFormIcon(*this, QStringLiteral("AAA"), true);
     SetHeight(windowHeight);
     SetWidth(windowWidth);
+    SetSizeLimits(WindowRect().size(), WindowRect().size());
     window::CentreOnScreen(*this);
     PanelProgram->SetTitleCaption(QStringLiteral("Current Program Version: ") + values::Program().ProgramVersion);
     PanelDatabase->SetTitleCaption(QStringLiteral("Device Database Version: ") +

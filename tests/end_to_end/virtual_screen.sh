@@ -37,9 +37,9 @@ need_tools() {
   done
 }
 
-# start_screen [SIZE]
-start_screen() {
-  Xvfb -displayfd 3 -screen 0 "${1:-1280x900}x24" -nolisten tcp 3>"$scratch/display" >/dev/null 2>&1 &
+# start_display SERVER [OPTION...]: an X server without a window manager.
+start_display() {
+  "$@" -displayfd 3 -nolisten tcp 3>"$scratch/display" >/dev/null 2>&1 &
   pids+=($!)
   for _ in $(seq 100); do
     [ -s "$scratch/display" ] && break
@@ -48,6 +48,11 @@ start_screen() {
   DISPLAY=":$(cat "$scratch/display")"
   export DISPLAY XDG_RUNTIME_DIR="$scratch" HOME="$scratch" QT_FONT_DPI=96 QT_QPA_PLATFORM=xcb
   chmod 700 "$scratch"
+}
+
+# start_screen [SIZE]
+start_screen() {
+  start_display Xvfb -screen 0 "${1:-1280x900}x24"
   openbox >/dev/null 2>&1 &
   pids+=($!)
   # The first key from xdotool makes the server change its keyboard, upon which the window manager takes its shortcuts anew:

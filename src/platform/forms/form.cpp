@@ -5,16 +5,20 @@
 #include "forms/colour_key.h"
 #include "forms/compositor.h"
 #include "forms/control.h"
+#include "forms/desktop_watch.h"
 #include "forms/form_drag.h"
 #include "forms/forms.h"
 #include "forms/screen.h"
 #include "forms/shadow_frame.h"
+#include "forms/x11.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPointer>
+#include <QScreen>
+#include <QWindow>
 
 namespace forms {
 
@@ -22,6 +26,9 @@ namespace {
 
 constexpr int updateIntervalMilliseconds = 16;
 constexpr int returnKey = 13;
+constexpr quint32 iconicState = 3; // of WM_STATE
+// What must show of a title bar to take hold of it: pixels at 96 dots per inch of its upper edge.
+constexpr QSize reachablePart(40, 10);
 
 } // namespace
 
@@ -45,9 +52,9 @@ Form::Form(const QString& name, double width, double height)
       shadow_(std::make_unique<ShadowFrame>(*this)) {
     InstallAccessibility();
     setObjectName(name);
-    // The visual of a window is fixed when it is made, so a window that may get a shadow must be transparent from the
-    // start.
-    setAttribute(Qt::WA_TranslucentBackground, ScreenComposites());
+    // The visual of a window is fixed when it is made, and a compositor may begin at any time. Without one transparent
+    // pixels are black, but then the margin that would show them is gone.
+    setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     client_ = new ClientArea(*this);
     // Something must have the keyboard before the user chooses, and no button should look chosen.
@@ -57,6 +64,8 @@ Form::Form(const QString& name, double width, double height)
     laterUpdate_.setTimerType(Qt::PreciseTimer);
     connect(&laterUpdate_, &QTimer::timeout, this, &Form::FlushUpdates);
     SetWindowRect(QRect(0, 0, ToPixels(width), ToPixels(height)));
+    connect(&SharedDesktopWatch(), &DesktopWatch::MonitorsChanged, this, &Form::BringIntoReach);
+    connect(&SharedDesktopWatch(), &DesktopWatch::CompositingChanged, this, [this] { SetWindowRect(WindowRect()); });
 }
 
 Form::~Form() {
@@ -83,6 +92,8 @@ void Form::SetWindowRect(const QRect& pixels) {
     const QSize before = client_->size();
     const bool extentChanged = extent != shadow_->Extent();
     shadow_->SetCurrent(extent);
+    if (extentChanged)
+        TellSizeLimits();
     setGeometry(target.adjusted(-extent, -extent, extent, extent));
     if (isVisible() && !extentChanged)
         return;
@@ -128,13 +139,55 @@ void Form::Move(double left, double top, double width, double height) {
     SetWindowRect(QRect(ToPixels(left), ToPixels(top), ToPixels(width), ToPixels(height)));
 }
 
+void Form::BringIntoReach() {
+    if (IsUnloaded() || InDrag() || IsMinimised())
+        return;
+    const QRect place = WindowRect();
+    const QSize least(Scaled(reachablePart.width()), Scaled(reachablePart.height()));
+    const QRect bar(place.topLeft(), QSize(place.width(), least.height()));
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect shown = screen->geometry() & bar;
+        if (shown.width() >= least.width() && shown.height() == bar.height())
+            return;
+    }
+    SetWindowRect(MovedInto(place, WorkArea(place)));
+}
+
+void Form::SetSizeLimits(const QSize& least, const QSize& greatest) {
+    leastSize_ = least;
+    greatestSize_ = greatest;
+    TellSizeLimits();
+}
+
+void Form::TellSizeLimits() {
+    QWindow* window = windowHandle();
+    if (window == nullptr)
+        return;
+    const int margins = 2 * shadow_->Extent();
+    const auto limit = [margins](int wanted, int none) { return wanted > 0 ? wanted + margins : none; };
+    window->setMinimumSize({limit(leastSize_.width(), 0), limit(leastSize_.height(), 0)});
+    window->setMaximumSize(
+        {limit(greatestSize_.width(), QWIDGETSIZE_MAX), limit(greatestSize_.height(), QWIDGETSIZE_MAX)});
+}
+
+// The toolkit believes every window minimised that it asked for; where nothing minimises, the window goes on as before.
+bool Form::IsMinimised() const {
+    xcb_connection_t* connection = isMinimized() ? XConnection() : nullptr;
+    if (connection == nullptr || !testAttribute(Qt::WA_WState_Created))
+        return isMinimized();
+    const auto asked = AskValues(connection, xcb_window_t(effectiveWinId()), QByteArrayLiteral("WM_STATE"));
+    return Values(connection, asked).value(0) == iconicState;
+}
+
 int Form::WindowState() const {
-    return isMinimized() ? MinimisedWindow : isMaximized() ? MaximisedWindow : NormalWindow;
+    return IsMinimised() ? MinimisedWindow : isMaximized() ? MaximisedWindow : NormalWindow;
 }
 
 void Form::SetWindowState(int state) {
     if (state == WindowState())
         return;
+    if (isMinimized() && !IsMinimised())
+        setWindowState(Qt::WindowNoState);
     if (state == MinimisedWindow)
         setWindowState(Qt::WindowMinimized);
     else if (state == MaximisedWindow)
@@ -187,6 +240,8 @@ void Form::Show() {
         return;
     if (isMinimized())
         setWindowState(Qt::WindowNoState);
+    if (!isVisible())
+        BringIntoReach();
     const QRect place = WindowRect();
     show();
     // Window managers place new windows themselves unless they are told again.
@@ -265,15 +320,27 @@ void Form::closeEvent(QCloseEvent* event) {
     Unload();
 }
 
+void Form::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    drag_->Told(HtCaption);
+}
+
 void Form::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     LayOutClient();
     const QPointer<Form> alive(this);
-    Q_EMIT Sized();
+    drag_->Told(HtBottomRight);
+    if (alive)
+        Q_EMIT Sized();
     if (alive)
         Q_EMIT Resized();
     if (alive)
         Resize();
+}
+
+void Form::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    TellSizeLimits();
 }
 
 void Form::changeEvent(QEvent* event) {

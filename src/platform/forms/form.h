@@ -60,6 +60,12 @@ class Form : public QWidget {
     QRect WindowRect() const;
     void SetWindowRect(const QRect& pixels);
 
+    // Moves a window whose title bar lies on no monitor to where it can be reached again.
+    void BringIntoReach();
+    // The least and the greatest size in pixels, told to the window manager so that its own sizing stays within them. A
+    // width or height of 0 has no limit.
+    void SetSizeLimits(const QSize& least, const QSize& greatest);
+
     int WindowState() const;
     void SetWindowState(int state);
     bool AutoRedraw() const { return autoRedraw_; }
@@ -102,7 +108,8 @@ class Form : public QWidget {
     bool IsUnloading() const { return unloading_; }
 
     // Hands a drag to the window's move (HtCaption) or its sizing by the corner (HtBottomRight). Returns at once; the
-    // drag ends with the mouse button; Escape takes it back.
+    // drag ends with the mouse button; Escape takes it back. The window manager does it where there is one that can: a
+    // receiver's change of the proposed rectangle counts for nothing then.
     void NcLButtonDown(int hitTest);
     bool InDrag() const;
 
@@ -142,8 +149,10 @@ class Form : public QWidget {
 
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -159,6 +168,8 @@ class Form : public QWidget {
     void AddControl(QObject* control);
     void RemoveControl(QObject* control);
     void LayOutClient();
+    void TellSizeLimits();
+    bool IsMinimised() const;
     void FlushUpdates();
     void ActivationChanged(bool active);
 
@@ -167,6 +178,8 @@ class Form : public QWidget {
     draw::Surface surface_;
     base::Colour backColor_{0x8000000FU};
     base::Colour foreColor_{0x80000012U};
+    QSize leastSize_;
+    QSize greatestSize_;
     int scaleMode_ = 1;
     bool autoRedraw_ = false;
     LoadState loadState_ = LoadState::Made;

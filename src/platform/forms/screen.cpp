@@ -1,6 +1,7 @@
 #include "forms/screen.h"
 
 #include "base/numbers.h"
+#include "forms/desktop_watch.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -55,19 +56,33 @@ double ScaleForDotsPerInch(double dotsPerInch) {
 
 int Scaled(double pixels) { return std::max(1, int(std::lround(pixels * DotsPerInch() / standardDotsPerInch))); }
 
-double ScreenWidth() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen == nullptr ? 0 : ToTwips(screen->geometry().width());
+QRect Monitor(const QRect& place) {
+    const QScreen* holder = QGuiApplication::primaryScreen();
+    int most = 0;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect shown = screen->geometry() & place;
+        if (shown.width() * shown.height() > most) {
+            most = shown.width() * shown.height();
+            holder = screen;
+        }
+    }
+    return holder == nullptr ? QRect() : holder->geometry();
 }
 
-double ScreenHeight() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen == nullptr ? 0 : ToTwips(screen->geometry().height());
+QRect WorkArea(const QRect& place) {
+    const QRect monitor = Monitor(place);
+    QRect area = monitor;
+    for (const QScreen* screen : QGuiApplication::screens())
+        if (screen->geometry() == monitor)
+            area = screen->availableGeometry();
+    return qGuiApp == nullptr ? area : WithoutReserved(area, SharedDesktopWatch().ReservedStrips());
 }
 
-QRect WorkArea() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    return screen == nullptr ? QRect() : screen->availableGeometry();
+QRect MovedInto(QRect place, const QRect& area) {
+    place.moveRight(std::min(place.right(), area.right()));
+    place.moveBottom(std::min(place.bottom(), area.bottom()));
+    place.moveTopLeft({std::max(place.left(), area.left()), std::max(place.top(), area.top())});
+    return place;
 }
 
 int GetSystemMetrics(int index) {

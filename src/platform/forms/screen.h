@@ -26,12 +26,15 @@ double ScaleForDotsPerInch(double dotsPerInch);
 // A length given in pixels at 96 dots per inch, in pixels of this display; at least 1.
 int Scaled(double pixels);
 
-// Width and height of the primary screen in twips.
-double ScreenWidth();
-double ScreenHeight();
+// The monitor that shows the most of a place, in pixels of the whole desktop; the primary one for a place that none
+// shows.
+QRect Monitor(const QRect& place = {});
 
-// The primary screen without panels and docks, in pixels (SystemParametersInfoA, action 48).
-QRect WorkArea();
+// That monitor without panels and docks, in pixels (SystemParametersInfoA, action 48).
+QRect WorkArea(const QRect& place = {});
+
+// A place moved into an area by the shortest way; one that is too large keeps its upper left corner inside.
+QRect MovedInto(QRect place, const QRect& area);
 
 // The metrics that GetSystemMetrics answers, in pixels; 0 for any other index.
 enum SystemMetric { BigIconWidth = 11, BigIconHeight = 12, SmallIconWidth = 49, SmallIconHeight = 50 };

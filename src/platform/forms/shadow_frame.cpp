@@ -2,8 +2,8 @@
 
 #include "forms/compositor.h"
 #include "forms/screen.h"
+#include "forms/x11.h"
 
-#include <QGuiApplication>
 #include <QPainter>
 #include <xcb/shape.h>
 
@@ -15,9 +15,9 @@ void ShadowFrame::Set(int extent, Form::ShadowPainter paint) {
 }
 
 int ShadowFrame::ExtentFor(const QRect& windowRect) const {
-    if (wanted_ == 0 || !form_.testAttribute(Qt::WA_TranslucentBackground) || !ScreenComposites())
+    if (wanted_ == 0 || !ScreenComposites())
         return 0;
-    return windowRect.contains(WorkArea()) ? 0 : wanted_;
+    return windowRect.contains(WorkArea(windowRect)) ? 0 : wanted_;
 }
 
 void ShadowFrame::Paint(QPainter& painter) const {
@@ -26,13 +26,12 @@ void ShadowFrame::Paint(QPainter& painter) const {
 }
 
 void ShadowFrame::ApplyInputShape() const {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr || !form_.testAttribute(Qt::WA_WState_Created) ||
-        !form_.testAttribute(Qt::WA_TranslucentBackground))
+    xcb_connection_t* connection = XConnection();
+    if (connection == nullptr || !form_.testAttribute(Qt::WA_WState_Created))
         return;
     const xcb_rectangle_t inner = {int16_t(current_), int16_t(current_), uint16_t(form_.width() - 2 * current_),
                                    uint16_t(form_.height() - 2 * current_)};
-    xcb_shape_rectangles(x11->connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
+    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
                          xcb_window_t(form_.winId()), 0, 0, 1, &inner);
 }
 

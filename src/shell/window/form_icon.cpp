@@ -30,11 +30,11 @@ QWindow* LastOwner(const QWidget& window) {
 
 void SetFormIcon(forms::Form& form, const QString& resourceName, bool ownerToo) {
     QIcon icon;
-    for (const auto& [widthMetric, heightMetric] : {std::pair{forms::BigIconWidth, forms::BigIconHeight},
-                                                    std::pair{forms::SmallIconWidth, forms::SmallIconHeight}}) {
-        const draw::Picture picture = LoadIconFromRes(resourceName, forms::GetSystemMetrics(widthMetric),
-                                                      forms::GetSystemMetrics(heightMetric), 0, false);
-        if (!picture.IsEmpty())
+    // The big and the small size first; the others are for desktops that show larger ones, or choose by themselves.
+    for (const int size : {forms::GetSystemMetrics(forms::BigIconWidth), forms::GetSystemMetrics(forms::SmallIconWidth),
+                           16, 24, 32, 48, 64, 128, 256}) {
+        const draw::Picture picture = LoadIconFromRes(resourceName, size, size, 0, false);
+        if (!picture.IsEmpty() && !icon.availableSizes().contains(QSize(size, size)))
             icon.addPixmap(QPixmap::fromImage(picture.Image()));
     }
     if (icon.isNull())

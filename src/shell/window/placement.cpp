@@ -6,6 +6,8 @@
 #include "forms/label.h"
 #include "forms/screen.h"
 
+#include <QApplication>
+
 namespace window {
 
 namespace {
@@ -15,8 +17,12 @@ constexpr int frameTop = -50; // pixels; anything above the window does
 } // namespace
 
 void CentreOnScreen(forms::Form& form) {
-    form.SetLeft(forms::ScreenWidth() / 2 - form.Width() / 2);
-    form.SetTop(forms::ScreenHeight() / 2 - form.Height() / 2);
+    const QWidget* opener = QApplication::activeWindow();
+    const QRect monitor = forms::Monitor(opener == nullptr ? QRect() : opener->geometry());
+    form.SetLeft(forms::ToTwips(monitor.x()) + forms::ToTwips(monitor.width()) / 2 - form.Width() / 2);
+    form.SetTop(forms::ToTwips(monitor.y()) + forms::ToTwips(monitor.height()) / 2 - form.Height() / 2);
+    // On a small screen the middle may lie behind a panel.
+    form.SetWindowRect(forms::MovedInto(form.WindowRect(), forms::WorkArea(monitor)));
 }
 
 void OpenAtLeastSize(forms::Form& form, controls::Anchor& anchor, forms::Label& grip, double width, double height) {

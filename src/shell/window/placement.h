@@ -13,7 +13,7 @@ class Label;
 
 namespace window {
 
-// In the middle of the primary screen.
+// In the middle of the monitor of the window that is in use, or of the primary one, and inside its work area.
 void CentreOnScreen(forms::Form& form);
 
 // The start of a sizable window's load: it takes its least size (twips), the middle of the screen, and its grip.

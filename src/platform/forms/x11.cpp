@@ -1,0 +1,40 @@
+#include "forms/x11.h"
+
+#include <QHash>
+
+namespace forms {
+
+namespace {
+
+constexpr uint32_t mostValues = 4096; // of one property; a desktop of 4,096 windows is read so far
+
+} // namespace
+
+xcb_window_t XRoot(xcb_connection_t* connection) {
+    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+}
+
+xcb_atom_t XAtom(xcb_connection_t* connection, const QByteArray& name) {
+    static QHash<QByteArray, xcb_atom_t> known;
+    const auto found = known.constFind(name);
+    if (found != known.constEnd())
+        return *found;
+    const auto reply = Owned(xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 0, uint16_t(name.size()), name.constData()), nullptr));
+    return known.insert(name, reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE)).value();
+}
+
+xcb_get_property_cookie_t AskValues(xcb_connection_t* connection, xcb_window_t window, const QByteArray& property) {
+    return xcb_get_property(connection, 0, window, XAtom(connection, property), XCB_GET_PROPERTY_TYPE_ANY, 0,
+                            mostValues);
+}
+
+QList<quint32> Values(xcb_connection_t* connection, xcb_get_property_cookie_t cookie) {
+    const auto reply = Owned(xcb_get_property_reply(connection, cookie, nullptr));
+    if (!reply || reply->format != 32)
+        return {};
+    const auto* values = static_cast<const quint32*>(xcb_get_property_value(reply.get()));
+    return {values, values + xcb_get_property_value_length(reply.get()) / int(sizeof(quint32))};
+}
+
+} // namespace forms
