@@ -76,7 +76,17 @@ void TitelBar::resizeEvent(QResizeEvent* event) {
 // A window that the platform maximised covers the task bar; it is put into the program's own maximised state instead.
 void TitelBar::AnswerMaximised() {
     const QPointer<forms::Form> parent(ParentForm());
-    if (answering_ || !parent || parent->IsUnloaded() || parent->WindowState() != forms::MaximisedWindow)
+    if (answering_ || !parent || parent->IsUnloaded())
+        return;
+    const bool byPlatform = parent->WindowState() == forms::MaximisedWindow;
+    if ((byPlatform || maximised_) && !forms::PlacesWindows()) {
+        if (byPlatform != maximised_ && !changingPlace_) {
+            maximised_ = byPlatform;
+            TakeFace(maximised_ ? *restoreFace_ : *maximizeFace_);
+        }
+        return;
+    }
+    if (!byPlatform)
         return;
     const QPointer<TitelBar> alive(this);
     answering_ = true;
@@ -123,6 +133,7 @@ bool TitelBar::MoveParent(forms::Form& parent, const std::function<bool()>& gone
     if (gone())
         return false;
     if (!maximised_) {
+        parent.SetWindowState(forms::NormalWindow);
         parent.Move(savedLeft_, savedTop_, savedWidth_, savedHeight_);
         // The monitor that it stood on may be gone or have shrunk.
         const QRect place = parent.WindowRect();
@@ -137,7 +148,11 @@ bool TitelBar::MoveParent(forms::Form& parent, const std::function<bool()>& gone
         base::Yield();
         if (gone())
             return false;
-        FillWorkArea();
+        // A window that cannot be put into the work area is maximised by the platform, which keeps it off panels.
+        if (forms::PlacesWindows())
+            FillWorkArea();
+        else
+            parent.SetWindowState(forms::MaximisedWindow);
     }
     base::Yield();
     return !gone();
@@ -153,7 +168,7 @@ void TitelBar::FillWorkArea() {
 void TitelBar::FollowMonitors() {
     const forms::Form* parent = ParentForm();
     if (maximised_ && !changingPlace_ && parent != nullptr && !parent->IsUnloaded() &&
-        parent->WindowState() == forms::NormalWindow)
+        parent->WindowState() == forms::NormalWindow && forms::PlacesWindows())
         FillWorkArea();
 }
 

@@ -3,7 +3,9 @@
 #include <QBackingStore>
 #include <QColor>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QWindow>
 
 namespace forms {
@@ -79,7 +81,8 @@ QRegion KeyedPixels(const QImage& image, const QRect& area, QRgb key) {
     return region;
 }
 
-ColourKeyOverlay::ColourKeyOverlay(QWidget* window) : QWidget(window) {
+ColourKeyOverlay::ColourKeyOverlay(QWidget* window)
+    : QWidget(window), clears_(QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
@@ -102,6 +105,12 @@ void ColourKeyOverlay::paintEvent(QPaintEvent* event) {
         return;
     const QRect area = event->region().boundingRect() & image->rect();
     const QRegion now = KeyedPixels(*image, area, key_);
+    if (clears_) {
+        QPainter painter(this);
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        for (const QRect& rect : now)
+            painter.fillRect(rect, Qt::transparent);
+    }
     const QRegion keyed = (keyed_ & QRegion(rect())) - area + now;
     // The mask also depends on the size, so it is renewed with every resize (the area is then the whole window).
     if (keyed == keyed_ && area != rect())

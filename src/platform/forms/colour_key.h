@@ -29,6 +29,8 @@ class ColourKeyOverlay : public QWidget {
 
   private:
     QRgb key_ = 0;
+    // A mask of Wayland lets clicks through, but shows the pixels.
+    bool clears_;
     QRegion keyed_;
 };
 

@@ -15,7 +15,11 @@ constexpr quint8 typeMask = 0x7F; // of an event's number; the bit above tells w
 
 QByteArray CompositorSelection() { return QByteArrayLiteral("_NET_WM_CM_S0"); }
 
+bool OnWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
+
 bool AskComposites() {
+    if (OnWayland())
+        return true;
     xcb_connection_t* connection = XConnection();
     if (connection == nullptr)
         return false;
@@ -99,6 +103,19 @@ bool DesktopWatch::Composites() {
     if (!composites_ || selectionNotify_ == 0)
         composites_ = AskComposites();
     return *composites_;
+}
+
+bool PlacesWindows() {
+    if (OnWayland())
+        return false;
+    xcb_connection_t* connection = XConnection();
+    if (connection == nullptr)
+        return true;
+    const auto manager = AskValues(connection, XRoot(connection), QByteArrayLiteral("_NET_SUPPORTING_WM_CHECK"));
+    const auto asked = AskValues(connection, Values(connection, manager).value(0), QByteArrayLiteral("_NET_WM_NAME"));
+    const auto reply = Owned(xcb_get_property_reply(connection, asked, nullptr));
+    return !reply || QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                                xcb_get_property_value_length(reply.get())) != "Weston WM";
 }
 
 DesktopWatch& SharedDesktopWatch() {

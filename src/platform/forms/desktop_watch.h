@@ -42,4 +42,7 @@ class DesktopWatch : public QObject, QAbstractNativeEventFilter {
 
 DesktopWatch& SharedDesktopWatch();
 
+// Whether windows stand where they are told to. Compositors of Wayland place them by themselves, one also those of X11.
+bool PlacesWindows();
+
 } // namespace forms

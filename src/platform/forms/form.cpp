@@ -347,7 +347,18 @@ void Form::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::ActivationChange) {
         ActivationChanged(isActiveWindow());
-    } else if (event->type() == QEvent::WindowStateChange && isMaximized()) {
+        return;
+    }
+    if (event->type() != QEvent::WindowStateChange)
+        return;
+    const bool sizesItself = !PlacesWindows() && !isMinimized();
+    if (sizesItself) {
+        // Where the desktop maximises, it gives the size with or without the shadow that the state implies.
+        shadow_->SetCurrent(shadow_->ExtentFor(QRect()));
+        TellSizeLimits();
+        LayOutClient();
+    }
+    if (isMaximized() || sizesItself) {
         // The title bar answers to a maximised window in its resize; a window manager may send the state after the
         // size.
         Q_EMIT Resized();

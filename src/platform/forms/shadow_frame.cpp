@@ -15,7 +15,7 @@ void ShadowFrame::Set(int extent, Form::ShadowPainter paint) {
 }
 
 int ShadowFrame::ExtentFor(const QRect& windowRect) const {
-    if (wanted_ == 0 || !ScreenComposites())
+    if (wanted_ == 0 || form_.isMaximized() || !ScreenComposites())
         return 0;
     return windowRect.contains(WorkArea(windowRect)) ? 0 : wanted_;
 }
