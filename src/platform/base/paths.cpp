@@ -1,13 +1,14 @@
 #include "base/paths.h"
 
 #include "base/file_mode.h"
+#include "base/plain_file.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -20,6 +21,11 @@ namespace {
 
 // Where an installation keeps the files that a user's own folder is filled from.
 constexpr auto installedDataFolder = "../share/quorvane";
+
+// Where a user's own folder is filled. It goes with the last file that is put in its place; found there, the filling
+// was cut off.
+constexpr auto fillingName = ".filling";
+constexpr int fillingTimeout = 20'000; // milliseconds that one start waits for another's filling
 
 // What a user's own folder is filled with. Without the first there is nothing to start with.
 constexpr auto databaseName = "hwids.mdb";
@@ -62,23 +68,47 @@ bool FillFolder(const QDir& source, const QDir& folder) {
 
 // A folder without any file was never filled: no start has come so far, or the disk was full then, and only folders
 // could be made.
-bool WasFilled(const QString& own) { return !QDir(own).entryList(QDir::Files | QDir::Hidden).isEmpty(); }
+bool WasFilled(const QString& own) {
+    const QDir folder(own);
+    return !folder.entryList(QDir::Files | QDir::Hidden).isEmpty() && !folder.exists(QLatin1String(fillingName));
+}
 
-// Filled beside its place, and moved there with the database first: a start that is cut off must not leave a folder
-// behind that no later start would fill.
+bool Locked(FolderLock& lock) {
+    const QDeadlineTimer deadline(fillingTimeout);
+    while (!lock.Try()) {
+        if (deadline.hasExpired())
+            return false;
+        usleep(10'000);
+    }
+    return true;
+}
+
+// Filled inside, and each file put in its place when all are there. A start that is cut off leaves a folder that the
+// next one fills, and nothing beside it.
 void FillOwnFolder(const QString& own) {
-    if (!QDir().mkpath(QFileInfo(own).path()))
+    const bool isNew = !QDir(own).exists();
+    if (!QDir().mkpath(own))
         return;
-    const QTemporaryDir beside(own + QStringLiteral("-XXXXXX"));
-    if (!beside.isValid() || !FillFolder(Source(), QDir(beside.path())) || !QDir().mkpath(own))
+    FolderLock lock(own);
+    if (!Locked(lock) || WasFilled(own))
         return;
-    // Also over a folder of the name that is there already and empty.
+    QDir filling(QDir(own).filePath(QLatin1String(fillingName)));
+    filling.removeRecursively();
+    const bool whole = QDir().mkdir(filling.path()) && FillFolder(Source(), filling);
     const auto move = [&](const char* name) {
-        static_cast<void>(std::rename(QFile::encodeName(beside.filePath(QLatin1String(name))).constData(),
-                                      (QFile::encodeName(own) + '/' + name).constData()));
+        const QByteArray place = QFile::encodeName(own) + '/' + name;
+        // What is there stays, but for an empty folder.
+        if (access(place.constData(), F_OK) != 0 || rmdir(place.constData()) == 0)
+            static_cast<void>(
+                std::rename(QFile::encodeName(filling.filePath(QLatin1String(name))).constData(), place.constData()));
     };
-    move(databaseName);
-    std::for_each(otherNames.begin(), otherNames.end(), move);
+    if (whole) {
+        move(databaseName);
+        std::for_each(otherNames.begin(), otherNames.end(), move);
+    }
+    filling.removeRecursively();
+    if (!whole && isNew)
+        QDir().rmdir(own);
 }
 
 // Whether the programs stand in a copied folder, which keeps its files beside them, rather than in an installation.
@@ -99,15 +129,26 @@ QString FindProgramFolder() {
     return own;
 }
 
+// How much of a path is native as it stands: the program's own folder, whose name may hold a backslash.
+qsizetype NativeStart(const QString& path) {
+    const QString& own = FolderOverride();
+    const bool below = !own.isEmpty() && !own.endsWith(u'/') && path.startsWith(own);
+    const bool whole =
+        below && (path.size() == own.size() || path.at(own.size()) == u'\\' || path.at(own.size()) == u'/');
+    return whole ? own.size() : 0;
+}
+
 } // namespace
 
 QString NativePath(const QString& path) {
     if (path.isEmpty())
         return path;
-    QString native = path;
+    const QString start = path.first(NativeStart(path));
+    QString native = path.sliced(start.size());
     native.replace(u'\\', u'/');
     while (native.contains(QLatin1String("//")))
         native.replace(QLatin1String("//"), QLatin1String("/"));
+    native.prepend(start);
     if (QFileInfo::exists(native))
         return native;
     const qsizetype slash = native.lastIndexOf(u'/');

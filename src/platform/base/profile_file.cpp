@@ -2,9 +2,11 @@
 
 #include "base/file_mode.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/text.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -24,13 +26,19 @@ struct ProfileText {
     bool unicode = false;
 };
 
+// The native form of a profile's path. Names that differ only in case are one file: where there are several all the
+// same, it is the one in small letters, or else the first of them, however it is asked for.
+QString ProfilePath(const QString& path) {
+    const qsizetype name = qMax(path.lastIndexOf(u'\\'), path.lastIndexOf(u'/')) + 1;
+    const QString found = NativePath(path.first(name) + path.sliced(name).toLower());
+    return QFileInfo::exists(found) ? found : NativePath(path);
+}
+
 std::optional<ProfileText> Load(const QString& path) {
-    QFile file(NativePath(path));
-    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
+    const std::optional<QByteArray> content = ReadPlainFile(ProfilePath(path), largestFile + 1);
+    if (!content || content->size() > largestFile)
         return std::nullopt;
-    const QByteArray bytes = file.read(qMin(file.size(), largestFile) + 1);
-    if (bytes.size() > largestFile)
-        return std::nullopt;
+    const QByteArray& bytes = *content;
     if (!bytes.startsWith(unicodeMark))
         return ProfileText{FromAnsi(bytes), false};
     QString text(bytes.size() / 2 - 1, Qt::Uninitialized);
@@ -51,27 +59,34 @@ QByteArray Encoded(const ProfileText& profile) {
     return bytes;
 }
 
+// Where a profile is written: behind a link of the user's own, the file that it leads to. A link that somebody else put
+// there leads nowhere; it is replaced.
+QByteArray PlaceOf(const QString& native) {
+    const QByteArray name = QFile::encodeName(native);
+    struct stat link = {};
+    if (lstat(name.constData(), &link) != 0 || !S_ISLNK(link.st_mode) || (link.st_uid != geteuid() && link.st_uid != 0))
+        return name;
+    const QFileInfo info(native);
+    return QFile::encodeName(info.exists() ? info.canonicalFilePath() : info.symLinkTarget());
+}
+
 // Written beside the target and renamed over it. There is no flush to the disk: after a power cut the file system shows
 // the old file or the new one, and twenty-eight colours in a row must not wait for twenty-eight flushes.
 bool Store(const QString& path, const QByteArray& bytes) {
-    const QString native = NativePath(path);
-    const QByteArray target = QFile::encodeName(native);
-    QByteArray temporary = target + ".XXXXXX";
-    const int handle = mkstemp(temporary.data());
-    if (handle < 0)
-        return false;
+    const QByteArray target = PlaceOf(ProfilePath(path));
     struct stat existing = {};
-    const bool exists = stat(target.constData(), &existing) == 0;
+    const bool exists = lstat(target.constData(), &existing) == 0;
+    if (exists && !S_ISREG(existing.st_mode) && !S_ISLNK(existing.st_mode))
+        return false;
+    QByteArray temporary = target + ".XXXXXX";
+    Descriptor file(mkstemp(temporary.data()));
+    if (!file)
+        return false;
     // Not asked for its result: a file system without permissions refuses it, and the settings are to be kept there
     // too.
-    fchmod(handle, exists ? existing.st_mode & 07777 : NewFileMode());
-    bool good = true;
-    for (qsizetype done = 0; good && done < bytes.size();) {
-        const ssize_t count = write(handle, bytes.constData() + done, size_t(bytes.size() - done));
-        good = count > 0;
-        done += qMax<ssize_t>(count, 0);
-    }
-    good = close(handle) == 0 && good;
+    fchmod(file.Number(), exists && S_ISREG(existing.st_mode) ? existing.st_mode & 07777 : NewFileMode());
+    bool good = WriteAll(file, bytes);
+    good = file.Close() && good;
     good = good && rename(temporary.constData(), target.constData()) == 0;
     if (!good)
         unlink(temporary.constData());
@@ -157,7 +172,7 @@ Gathered& OpenBatch() {
     return batch;
 }
 
-bool IsGathered(const QString& path) { return !OpenBatch().path.isEmpty() && OpenBatch().path == NativePath(path); }
+bool IsGathered(const QString& path) { return !OpenBatch().path.isEmpty() && OpenBatch().path == ProfilePath(path); }
 
 std::optional<ProfileText> Current(const QString& path) {
     return IsGathered(path) && OpenBatch().profile ? OpenBatch().profile : Load(path);
@@ -174,7 +189,7 @@ bool Put(const QString& path, ProfileText profile) {
 
 ProfileBatch::ProfileBatch(const QString& path) {
     Q_ASSERT(OpenBatch().path.isEmpty());
-    OpenBatch().path = NativePath(path);
+    OpenBatch().path = ProfilePath(path);
 }
 
 ProfileBatch::~ProfileBatch() {

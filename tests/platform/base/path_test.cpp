@@ -12,6 +12,12 @@ TEST(Paths, LastComponentMatchesAnExistingFileInAnyCase) {
     EXPECT_EQ(base::NativePath(folder.path() + "\\HWIDS.mdb"), folder.filePath("HWIDS.mdb"));
     EXPECT_EQ(base::NativePath(folder.path() + "\\\\new.txt"), folder.filePath("new.txt"));
     EXPECT_EQ(base::NativePath(QString()), QString());
+    // Of the program's own folder the name is taken as it is.
+    base::SetProgramFolder(folder.path() + "/own\\folder");
+    for (const char* native : {"/own\\folder", "/own\\folder/x", "/own/folderx/x"})
+        EXPECT_EQ(base::NativePath(folder.path() + QString(native).replace("/x", "\\x").replace("own/f", "own\\f")),
+                  folder.path() + native);
+    base::SetProgramFolder({});
 }
 
 TEST(Paths, DeleteNeverRemovesAFolder) {

@@ -5,8 +5,12 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <cstdio>
 #include <ctime>
+#include <functional>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -51,6 +55,10 @@ TEST_F(SettingsTest, BothSpellingsNameOneFile) {
     QString capital = values::SettingsPath();
     values::WriteSetting("main", "b", "2", capital);
     EXPECT_FALSE(QFile::exists(File("Settings.ini")));
+    // Also where somebody has put a second one beside it.
+    Put("Settings.ini", "[main]\r\na=9\r\n");
+    values::WriteSetting("main", "b", "2", capital);
+    EXPECT_EQ(Bytes("Settings.ini"), "[main]\r\na=9\r\n");
     EXPECT_EQ(Read("b"), "2");
     EXPECT_TRUE(values::ReadFlag("main", "a"));
     EXPECT_FALSE(values::ReadFlag("main", "missing"));
@@ -129,11 +137,33 @@ TEST_F(SettingsTest, ABatchStoresAllItsWritesAtItsEnd) {
     EXPECT_EQ(values::ReadSetting("colors", "y", path), "3");
 }
 
-TEST_F(SettingsTest, AFolderInTheWayIsNoFile) {
-    QDir(folder_.path()).mkdir("settings.ini");
-    QString path;
-    EXPECT_FALSE(values::WriteSetting("main", "x", "6", path));
-    EXPECT_EQ(Read("x"), QString());
-    EXPECT_EQ(QDir(folder_.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
-              QStringList{"settings.ini"});
+TEST_F(SettingsTest, WhatIsNoPlainFileIsNoFile) {
+    const QByteArray place = QFile::encodeName(File("settings.ini"));
+    const std::function<int()> ways[] = {[&] { return mkdir(place.constData(), 0700); },
+                                         [&] { return mkfifo(place.constData(), 0600); },
+                                         [&] { return symlink("/dev/full", place.constData()); }};
+    for (const auto& way : ways) {
+        ASSERT_EQ(way(), 0);
+        QString path;
+        EXPECT_FALSE(values::WriteSetting("main", "x", "6", path));
+        EXPECT_EQ(Read("x"), QString());
+        EXPECT_EQ(QDir(folder_.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System),
+                  QStringList{"settings.ini"});
+        ASSERT_EQ(std::remove(place.constData()), 0);
+    }
+}
+
+TEST_F(SettingsTest, ALinkLeadsToTheFileUnlessSomebodyElsePutItThere) {
+    const QByteArray place = QFile::encodeName(File("settings.ini"));
+    for (const bool foreign : {false, true}) {
+        ASSERT_EQ(symlink("kept.ini", place.constData()), 0);
+        if (foreign && lchown(place.constData(), 12345, 12345) != 0)
+            GTEST_SKIP() << "no right to give a link away";
+        QString path;
+        EXPECT_TRUE(values::WriteSetting("main", "x", foreign ? "2" : "1", path));
+        EXPECT_EQ(Read("x"), foreign ? "2" : "1");
+        EXPECT_EQ(QFileInfo(File("settings.ini")).isSymLink(), !foreign);
+        EXPECT_EQ(values::ReadSetting("main", "x", path = File("kept.ini")), "1");
+        QFile::remove(File("settings.ini"));
+    }
 }
