@@ -1,6 +1,7 @@
 // The program's start: makes the application, tells the collection of forms how the windows are made, and shows the
 // main one. The process ends when the last form is gone.
 #include "appearance/frm_colors.h"
+#include "base/standard_streams.h"
 #include "contribution/frm_improve.h"
 #include "database/frm_lookup.h"
 #include "database/store.h"
@@ -21,6 +22,8 @@
 #include <QStyleFactory>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <utility>
 
 namespace {
 
@@ -68,13 +71,16 @@ void RegisterWindows() {
 } // namespace
 
 int main(int argc, char** argv) {
+    base::PrepareStandardStreams();
     const bool platformGiven = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
     PrepareEnvironment();
     forms::StartNoSessionBus();
     // Plugins come from the system alone; a folder of them beside the program must not run.
     QCoreApplication::setLibraryPaths({QLibraryInfo::path(QLibraryInfo::PluginsPath)});
     const QtMessageHandler usual = qInstallMessageHandler(TellNoDisplay);
+    std::optional<forms::NoRuntimeFolder> noRuntimeFolder(std::in_place);
     QApplication application(argc, argv);
+    noRuntimeFolder.reset();
     qInstallMessageHandler(usual);
     // Programs that we start, such as the browser, get the environment that we got.
     qunsetenv(scalingSwitch);

@@ -1,21 +1,26 @@
 #!/usr/bin/env bash
 # The real program with a broken surrounding: no database, something else in its place, settings of random bytes, a folder
-# that cannot be written, requests to end at any moment, and a screen that goes away.
+# that cannot be written, a first start that fails or is cut off, requests to end at any moment, and a screen that goes
+# away.
 set -u
 . "$(dirname "$0")/virtual_screen.sh"
 need_tools Xvfb openbox xdotool xwd sqlite3
 start_screen
 make_program_folder
+# Backslashes part folders for the program, but not in the name of its own.
+mv "$program" "$scratch/back\\slash"
+program=$scratch/back\\slash
 build_database "$scratch/good.mdb"
 cd "$program" || exit 1
 
-# Starts, waits for the box with the fatal message, closes it, and expects a status other than 0.
+# expect_fatal WHAT [COMMAND]: starts, waits for the box with the fatal message, closes it or asks the program to end, and
+# expects a status other than 0.
 expect_fatal() {
   ./quorvane 2>/dev/null &
   local quorvane=$!
   pids+=($quorvane)
   wait_for 20 window_named '^Quorvane$' || { fail "$1: no message"; kill -9 $quorvane; return; }
-  xdotool windowactivate --sync "$(window_named '^Quorvane$')" key Return
+  if [ $# = 2 ]; then $2 $quorvane; else xdotool windowactivate --sync "$(window_named '^Quorvane$')" key Return; fi
   wait_for 10 gone $quorvane || { fail "$1: still running"; kill -9 $quorvane; }
   wait $quorvane
   [ $? != 0 ] || fail "$1: status 0"
@@ -23,6 +28,7 @@ expect_fatal() {
 
 rm -f hwids.mdb
 expect_fatal "no database"
+expect_fatal "asked to end below a box" "kill -TERM"
 [ ! -e hwids.mdb ] || fail "a missing database was created"
 echo "not a database" >hwids.mdb
 expect_fatal "text file"
@@ -61,6 +67,38 @@ for delay in 0.05 0.1 0.15 0.2 0.25 0.3 0.4 0.5; do
   [ $status = 0 ] || [ $status = 143 ] || fail "status $status after $delay s"
   [ "$(sqlite3 hwids.mdb 'PRAGMA integrity_check')" = ok ] || fail "database damaged after $delay s"
 done
+
+# The first start of an installed program, with room for no database and then killed while it copies one: what it leaves
+# is nothing, and then what the next start makes whole.
+mkdir -p "$scratch/prefix/bin" "$scratch/prefix/share/quorvane/color_presets"
+cp quorvane "$scratch/prefix/bin/"
+cd "$scratch/prefix/bin" || exit 1
+export XDG_DATA_HOME=$scratch/data
+cp "$scratch/good.mdb" ../share/quorvane/hwids.mdb
+echo "[colors]" >../share/quorvane/color_presets/Some.ini
+limit=$(ulimit -S -f)
+ulimit -S -f 1000
+expect_fatal "a limit on the size of files"
+ulimit -S -f "$limit"
+expect "after a first start without room" "$(find "$XDG_DATA_HOME" -type f)" ""
+truncate -s 500M ../share/quorvane/hwids.mdb
+./quorvane 2>/dev/null &
+quorvane=$!
+for _ in $(seq 1000); do compgen -G "$XDG_DATA_HOME/quorvane*/*" "$XDG_DATA_HOME/quorvane*/.f*/*" >/dev/null && break; done
+kill -9 $quorvane
+wait $quorvane 2>/dev/null
+cp "$scratch/good.mdb" ../share/quorvane/hwids.mdb
+./quorvane 2>/dev/null &
+quorvane=$!
+pids+=($quorvane)
+wait_for 20 window_named 'Quorvane v' || fail "no start after one that was cut off"
+kill -TERM $quorvane
+wait $quorvane
+expect "after a first start that was cut off" "$(cd "$XDG_DATA_HOME" && find . -type f | sort)" \
+  "$(printf './quorvane/%s\n' color_presets/Some.ini hwids.mdb)"
+expect "folders" "$(ls -A "$XDG_DATA_HOME")" quorvane
+cmp -s "$scratch/good.mdb" "$XDG_DATA_HOME/quorvane/hwids.mdb" || fail "the database was not copied whole"
+cd "$program" || exit 1
 
 # The X server goes away, at any moment of start-up and scan and later: the program ends with it, by itself.
 for _ in $(seq "$(rounds 3 100)"); do

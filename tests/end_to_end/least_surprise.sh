@@ -64,7 +64,7 @@ export QUORVANE_STAGE_SERVER=http://127.0.0.1:$port QUORVANE_STAGE=$scratch/mach
 # A browser that tells what it was given; nobody has a session bus here.
 printf '#!/bin/sh\nprintf "%%s %%s\\n" "$1" "${DBUS_SESSION_BUS_ADDRESS-no bus}" >>"%s/opened"\n' "$scratch" \
   >"$scratch/path/xdg-open"
-unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER
+unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER XDG_RUNTIME_DIR
 # The leak check cannot look into a process that is traced.
 export ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0
 

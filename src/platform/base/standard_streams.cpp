@@ -15,9 +15,11 @@ void PrepareStandardStreams() {
             static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
         }
     }
-    std::signal(SIGPIPE, SIG_IGN);
-    // A file beyond the limit that the shell sets is a failed write too.
-    std::signal(SIGXFSZ, SIG_IGN);
+    // A file beyond the limit that the shell sets is a failed write too. Handled rather than ignored: programs that we
+    // start would go on ignoring them.
+    for (const int fault : {SIGPIPE, SIGXFSZ}) {
+        std::signal(fault, [](int) {});
+    }
 }
 
 bool StandardOutputWritten() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }

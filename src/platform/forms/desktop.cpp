@@ -2,9 +2,12 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QUrl>
+#include <cstdio>
+#include <unistd.h>
 
 namespace forms {
 
@@ -20,9 +23,19 @@ std::function<void(const QString&)>& ClipboardRecorder() {
     return recorder;
 }
 
+constexpr const char* runtimeVariable = "XDG_RUNTIME_DIR";
 constexpr const char* busVariable = "DBUS_SESSION_BUS_ADDRESS";
 // A kind of address that there is not: every connection to the bus fails at once.
 constexpr const char* noBus = "disabled:";
+
+QStringList RuntimeFolders() {
+    QStringList folders;
+    const auto all = QDir::temp().entryInfoList({QStringLiteral("runtime-*")}, QDir::Dirs);
+    for (const QFileInfo& folder : all)
+        if (folder.ownerId() == geteuid())
+            folders.append(folder.filePath());
+    return folders;
+}
 
 bool IsOpenable(const QString& address) {
     const QString scheme = QUrl(address.section(u'?', 0, 0)).scheme();
@@ -35,6 +48,21 @@ bool IsHexDigit(char byte) {
 
 bool IsEscape(const QByteArray& bytes, qsizetype at) {
     return bytes[at] == '%' && at + 2 < bytes.size() && IsHexDigit(bytes[at + 1]) && IsHexDigit(bytes[at + 2]);
+}
+
+// Who else tells messages; null is the toolkit itself.
+QtMessageHandler& UsualHandler() {
+    static QtMessageHandler handler = nullptr;
+    return handler;
+}
+
+void TellButOfPaths(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (message.startsWith(QLatin1String("QStandardPaths:")))
+        return;
+    if (UsualHandler() != nullptr)
+        UsualHandler()(type, context, message);
+    else
+        std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, message)));
 }
 
 } // namespace
@@ -70,6 +98,7 @@ void ShellExecuteA(const Form* owner, const QString& address) {
     const bool ours = qgetenv(busVariable) == noBus;
     if (ours)
         qunsetenv(busVariable);
+    const NoRuntimeFolder noRuntimeFolder;
     QDesktopServices::openUrl(QUrl::fromEncoded(EncodedAddress(address), QUrl::StrictMode));
     if (ours)
         qputenv(busVariable, noBus);
@@ -80,6 +109,21 @@ void StartNoSessionBus() {
     const bool userBus = !runtimeFolder.isEmpty() && QFileInfo::exists(runtimeFolder + QStringLiteral("/bus"));
     if (qEnvironmentVariableIsEmpty(busVariable) && !userBus)
         qputenv(busVariable, noBus);
+}
+
+NoRuntimeFolder::NoRuntimeFolder() : missing_(qEnvironmentVariableIsEmpty(runtimeVariable)), before_(RuntimeFolders()) {
+    if (missing_)
+        UsualHandler() = qInstallMessageHandler(TellButOfPaths);
+}
+
+NoRuntimeFolder::~NoRuntimeFolder() {
+    if (!missing_)
+        return;
+    qInstallMessageHandler(UsualHandler());
+    // One with anything in it stays.
+    for (const QString& folder : RuntimeFolders())
+        if (!before_.contains(folder))
+            QDir().rmdir(folder);
 }
 
 void ClearClipboard() {

@@ -1,7 +1,9 @@
 // What leaves the process towards the desktop: the browser and the clipboard.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 namespace forms {
@@ -16,6 +18,21 @@ void ShellExecuteA(const Form* owner, const QString& address);
 // Before the application object is made. Where there is no session bus the toolkit would have one started, a process
 // that stays behind when the program ends; afterwards it does without. Programs that ShellExecuteA starts are not told.
 void StartNoSessionBus();
+
+// While the toolkit looks into the user's run-time folder, as it does when the application is made and when an address
+// is opened: where the user has none, it makes one below the temporary folder and says so. It goes again, without a
+// word.
+class NoRuntimeFolder {
+  public:
+    NoRuntimeFolder();
+    ~NoRuntimeFolder();
+    NoRuntimeFolder(const NoRuntimeFolder&) = delete;
+    NoRuntimeFolder& operator=(const NoRuntimeFolder&) = delete;
+
+  private:
+    const bool missing_;
+    const QStringList before_;
+};
 
 // The encoded form in which an address is handed over: blanks, backslashes, quotes and characters beyond ASCII as
 // percent escapes, everything that was escaped already untouched.
