@@ -7,6 +7,7 @@
 #include "controls/titel_bar.h"
 #include "database/store.h"
 #include "forms/desktop.h"
+#include "forms/dialogs.h"
 #include "forms/forms.h"
 #include "forms/label.h"
 #include "forms/timer.h"
@@ -21,6 +22,8 @@
 #include "values/program_values.h"
 #include "window/design.h"
 #include "window/placement.h"
+
+#include <QScopedValueRollback>
 
 namespace shell {
 
@@ -76,8 +79,9 @@ void FrmMain::ClearListsForScan() {
 }
 
 void FrmMain::CommandGetHardware_Click() {
-    if (values::ProgramClosing())
+    if (values::ProgramClosing() || Scanning)
         return;
+    const QScopedValueRollback scanning(Scanning, true);
     window::CentreOver(*PanelProgress, *ListViewHardware);
     Timer1->SetEnabled(false);
     LabelStatus->SetCaption(QStringLiteral("Status:"));
@@ -162,6 +166,8 @@ void FrmMain::Closing() {
         m_c->Detach();
     }
     values::Program().ProgramClosing = true;
+    // A request from outside comes through a dialog's own loop, and the process cannot end before that does.
+    forms::EndDialogs();
     database::CloseDeviceDatabase();
     base::Yield();
     ClosePrograms();

@@ -91,6 +91,8 @@ class FrmMain : public forms::Form {
     suite::ListView* SelectedList() const;
     // The counts that the tab captions last showed.
     std::array<qint32, tabCount> ShownCount{};
+    // Whether a scan runs, below whatever its yields have called.
+    bool Scanning = false;
 
     // The handlers of the window's buttons and timers.
     void CommandGetHardware_Click();

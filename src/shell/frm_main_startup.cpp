@@ -80,8 +80,11 @@ void FrmMain::TimerCountDatabase_Tick() {
     base::Yield();
     if (!OpenDatabase())
         return;
-    EndProgress();
-    SetMainButtonsEnabled(true);
+    // Come in the middle of a scan, it leaves buttons and progress to the scan's end.
+    if (!Scanning) {
+        EndProgress();
+        SetMainButtonsEnabled(true);
+    }
     base::Yield();
 }
 

@@ -3,8 +3,10 @@
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
 #include "controls/titel_bar.h"
+#include "forms/menu.h"
 #include "forms/screen.h"
 #include "forms/text_box.h"
+#include "suite/color_picker.h"
 #include "suite/list_tree.h"
 #include "suite/tab_control.h"
 #include "support/scripted_server.h"
@@ -14,6 +16,8 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPushButton>
+#include <functional>
 #include <utility>
 
 namespace {
@@ -86,7 +90,23 @@ TEST_F(FrmMainTest, CaptionsStandAtZeroUntilTheNextTickAfterAScan) {
     shell::FrmMain* main = StartAndScan();
     EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (3)");
     main->Timer1->SetInterval(100000);
+    // In its middle an update ends, and the button is asked for again: neither begins or ends anything.
+    bool asked = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (asked || !main->LabelStatus->Caption().startsWith("Status: Getting"))
+            return;
+        asked = true;
+        main->TimerCountDatabase_Tick();
+        EXPECT_FALSE(main->CommandGetHardware->Enabled());
+        EXPECT_TRUE(main->PanelProgress->Visible());
+        main->CommandGetHardware_Click();
+        EXPECT_NE(main->LabelStatus->Caption(), "Status: Done");
+    });
+    watch.start(0);
     main->CommandGetHardware_Click();
+    watch.stop();
+    EXPECT_TRUE(asked);
     EXPECT_EQ(main->TabControl1->Item(0)->Caption(), "All Hardware (0)");
     EXPECT_EQ(main->ListViewHardware->ListItems().Count(), 3);
     EXPECT_TRUE(main->Timer1->Enabled());
@@ -201,6 +221,45 @@ TEST_F(FrmMainTest, ClosingEndsEverythingAlsoInTheMiddleOfAScan) {
     EXPECT_TRUE(all_.Loaded().isEmpty());
     EXPECT_EQ(database::DatabaseConnection(), nullptr);
     EXPECT_TRUE(QTest::qWaitFor([this] { return allGone_ > 0; })) << "the process would stay";
+}
+
+TEST_F(FrmMainTest, ClosingEndsEveryDialog) {
+    WriteDatabase();
+    forms::SetMsgBoxRecorder(nullptr);
+    const std::pair<const char*, std::function<void()>> dialogs[] = {
+        {"message", [] { forms::MsgBox("x"); }},
+        {"input", [] { EXPECT_FALSE(forms::InputBox("x", "x", "x")); }},
+        {"colour",
+         [this] {
+             auto* picker = all_.Shared("FrmColors")->findChild<suite::ColorPicker*>();
+             ASSERT_NE(picker, nullptr);
+             picker->findChild<QPushButton*>()->click();
+         }},
+        {"menu",
+         [this] {
+             auto* menu = all_.Shared("FrmMenu")->findChild<forms::Menu*>();
+             ASSERT_NE(menu, nullptr);
+             menu->PopupMenu({10, 10}, 0);
+         }},
+    };
+    for (const auto& [name, open] : dialogs) {
+        SCOPED_TRACE(name);
+        values::Program() = values::ProgramValues();
+        shell::FrmMain* main = Start();
+        QTimer::singleShot(200, main, [main] { main->Unload(); });
+        // What would wait for ever waits for this.
+        bool late = false;
+        QTimer last;
+        QObject::connect(&last, &QTimer::timeout, [&] {
+            late = true;
+            forms::EndDialogs();
+        });
+        last.start(5000);
+        open();
+        EXPECT_FALSE(late);
+        EXPECT_TRUE(all_.Loaded().isEmpty());
+        all_.Bury();
+    }
 }
 
 TEST_F(FrmMainTest, ClosingDoesNotWaitForTheSilentChecksAnswer) {

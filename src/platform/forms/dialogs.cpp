@@ -1,6 +1,7 @@
 #include "forms/dialogs.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 
@@ -41,6 +42,16 @@ std::optional<QString> InputBox(const QString& prompt, const QString& title, con
     const QString text =
         QInputDialog::getText(QApplication::activeWindow(), title, prompt, QLineEdit::Normal, defaultText, &accepted);
     return accepted ? std::optional<QString>(text) : std::nullopt;
+}
+
+void EndDialogs() {
+    const QWidgetList all = QApplication::topLevelWidgets();
+    for (QWidget* window : all) {
+        if (auto* dialog = qobject_cast<QDialog*>(window))
+            dialog->reject();
+        else if (window->windowType() == Qt::Popup)
+            window->close();
+    }
 }
 
 void SetMsgBoxRecorder(std::function<void(const QString&, MessageIcon)> recorder) {

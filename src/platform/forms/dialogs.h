@@ -15,6 +15,10 @@ void MsgBox(const QString& text, MessageIcon icon = MessageIcon::None);
 // The typed text, or nothing if the user cancelled.
 std::optional<QString> InputBox(const QString& prompt, const QString& title, const QString& defaultText);
 
+// Closes every dialog, box and popup that waits for its user, as if they had been cancelled. What stands below them on
+// the stack goes on once the caller has returned to the loop.
+void EndDialogs();
+
 // Takes the place of the boxes; null restores them.
 void SetMsgBoxRecorder(std::function<void(const QString& text, MessageIcon icon)> recorder);
 using InputBoxAnswer =
