@@ -290,11 +290,11 @@ void FrmUpdate::zip_Progress(double current, double total) {
     base::Yield();
 }
 
+// An unpacking that was given up with the window or the program has not failed.
 void FrmUpdate::ReportUnpackFailure(const QString& text) {
     ImportantLabelUnzip->SetCaption(text);
     base::Yield();
-    // A box would keep the closing program alive until somebody presses its button.
-    if (!values::ProgramClosing()) {
+    if (!Stopped()) {
         forms::MsgBox(text, forms::MessageIcon::Critical);
     }
 }

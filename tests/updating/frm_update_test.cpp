@@ -288,6 +288,28 @@ TEST_F(FrmUpdateTest, ABadArchiveIsReportedAndTheOldDatabaseStays) {
     }
 }
 
+TEST_F(FrmUpdateTest, AnUnpackingThatIsGivenUpHasNotFailed) {
+    const QByteArray before = Read(QStringLiteral("hwids.mdb"));
+    const QByteArray archive = Archive(QByteArray(32 << 20, '\0'));
+    for (const bool byCancel : {true, false}) {
+        main_->count->SetEnabled(false);
+        bool givenUp = false;
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, [&] {
+            if (!givenUp && Caption(window_->ImportantLabelUnzip).contains(QStringLiteral("Progress"))) {
+                givenUp = true;
+                byCancel ? QTest::mouseClick(window_->CommandCancel, Qt::LeftButton) : void(window_->Unload());
+            }
+        });
+        Open();
+        look.start(0);
+        Start(Reply(200, archive), [this] { return main_->count->Enabled(); });
+        EXPECT_TRUE(givenUp);
+        EXPECT_EQ(messages_, QStringList());
+        EXPECT_EQ(Read(QStringLiteral("hwids.mdb")), before);
+    }
+}
+
 TEST_F(FrmUpdateTest, TheProgramsEndIsNeverRefused) {
     QTimer look;
     bool ended = false;
