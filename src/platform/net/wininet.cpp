@@ -78,7 +78,8 @@ QByteArray EscapePath(const QByteArray& path) {
     QByteArray escaped;
     for (const char c : path) {
         const auto value = static_cast<uchar>(c);
-        if (value <= 0x20 || value >= 0x7F) {
+        // A "#" would end the address here.
+        if (value <= 0x20 || value >= 0x7F || c == '#') {
             escaped += '%' + QByteArray(1, c).toHex().toUpper();
         } else {
             escaped += c;
@@ -139,11 +140,13 @@ int OnProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) 
     return finished || exchange->sinceProgress.hasExpired(exchange->stallLimit) ? 1 : 0;
 }
 
+// Proxies are those of the environment, which is what this system's configuration comes down to: libcurl looks at
+// http_proxy, all_proxy and no_proxy by itself, and asks a proxy with the whole address.
 void SetRequest(CURL* easy, const Request& request, const QByteArray& body) {
     const QByteArray url =
-        "http://" + request.connection.host + ':' + QByteArray::number(request.connection.port) + '/';
+        "http://" + request.connection.host + ':' + QByteArray::number(request.connection.port) + request.path;
     curl_easy_setopt(easy, CURLOPT_URL, url.constData());
-    curl_easy_setopt(easy, CURLOPT_REQUEST_TARGET, request.path.constData());
+    curl_easy_setopt(easy, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http");
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION,
                      static_cast<long>(request.oldVersion ? CURL_HTTP_VERSION_1_0 : CURL_HTTP_VERSION_1_1));
@@ -152,7 +155,6 @@ void SetRequest(CURL* easy, const Request& request, const QByteArray& body) {
     curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, request.verb.constData());
     curl_easy_setopt(easy, CURLOPT_USERAGENT, request.connection.agent.constData());
     curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
-    curl_easy_setopt(easy, CURLOPT_PROXY, "");
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
 }
 
@@ -176,6 +178,7 @@ bool Perform(const Request& request, const QByteArray& body) {
     // An empty value takes out a header that libcurl would send of its own accord.
     curl_slist* list = curl_slist_append(nullptr, "Accept:");
     list = curl_slist_append(list, "Expect:");
+    list = curl_slist_append(list, "Proxy-Connection:");
     for (const QByteArray& line : request.headers) {
         list = curl_slist_append(list, line.constData());
     }

@@ -23,7 +23,8 @@ constexpr quint32 INTERNET_CONNECTION_PROXY = 4;
 // Dials nothing here; tells whether the machine is connected already.
 bool InternetAutodial(quint32 flags, quintptr parentWindow);
 
-// `agent` is sent as User-Agent. Proxies are never used, whatever the access type.
+// `agent` is sent as User-Agent. Proxies are those of the environment (http_proxy, all_proxy, no_proxy), whatever the
+// access type.
 HInternet InternetOpenA(const QByteArray& agent, quint32 accessType, const QByteArray& proxy,
                         const QByteArray& proxyBypass, quint32 flags);
 

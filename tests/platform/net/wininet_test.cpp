@@ -17,9 +17,13 @@ class WinInetTest : public testing::Test {
     ~WinInetTest() override { net::SetSendLimits(30'000, 60'000); }
 
     bool Send(const QByteArray& path, const QByteArray& body) {
+        return SendTo("127.0.0.1", server_.Port(), path, body);
+    }
+
+    static bool SendTo(const QByteArray& host, int port, const QByteArray& path, const QByteArray& body) {
         const net::HInternet session = net::InternetOpenA("Uploader", net::INTERNET_OPEN_TYPE_PRECONFIG, {}, {}, 0);
         const net::HInternet connection =
-            net::InternetConnectA(session, "127.0.0.1", server_.Port(), {}, {}, net::INTERNET_SERVICE_HTTP, 0, 0);
+            net::InternetConnectA(session, host, port, {}, {}, net::INTERNET_SERVICE_HTTP, 0, 0);
         const net::HInternet request =
             net::HttpOpenRequestA(connection, "POST", path, "HTTP/1.0", {}, {}, net::INTERNET_FLAG_RELOAD, 0);
         EXPECT_TRUE(net::HttpAddRequestHeadersA(request, "Content-Type: a/b\r\n", 19,
@@ -50,6 +54,19 @@ TEST_F(WinInetTest, TheRequestIsExactOnTheWire) {
     EXPECT_EQ(server_.Requests().at(0), "POST /up.php HTTP/1.0\r\n" + head + "5\r\n\r\n" + QByteArray("a\0b\r\n", 5));
     EXPECT_EQ(server_.Requests().at(1), "POST / HTTP/1.0\r\n" + head + "0\r\n\r\n");
     EXPECT_EQ(server_.Requests().at(2), "POST /a/../b%20c%FC?x=1 HTTP/1.0\r\n" + head + "1\r\n\r\nx");
+}
+
+TEST_F(WinInetTest, TheEnvironmentsProxyIsAskedWithTheWholeAddress) {
+    qputenv("http_proxy", server_.Url().toUtf8());
+    EXPECT_TRUE(SendTo("nowhere.invalid", 8080, "/a/../up.php?x=#1", "body"));
+    qputenv("no_proxy", "nowhere.invalid");
+    EXPECT_FALSE(SendTo("nowhere.invalid", 8080, "/up.php", "body"));
+    qunsetenv("http_proxy");
+    qunsetenv("no_proxy");
+    EXPECT_EQ(server_.Requests(),
+              QList<QByteArray>{"POST http://nowhere.invalid:8080/a/../up.php?x=%231 HTTP/1.0\r\n"
+                                "Host: nowhere.invalid:8080\r\nUser-Agent: Uploader\r\nContent-Type: a/b\r\n"
+                                "Content-Length: 4\r\n\r\nbody"});
 }
 
 TEST_F(WinInetTest, ALargeBodyGoesOutWithoutAskingFirst) {
