@@ -3,10 +3,12 @@
 #include "appearance/skin.h"
 #include "appearance/window_effects.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/text.h"
 #include "base/yield.h"
 #include "contribution/improve_filters.h"
 #include "contribution/improve_scan.h"
+#include "contribution/submission_file.h"
 #include "contribution/upload_file.h"
 #include "controls/anchor.h"
 #include "controls/animation_bar.h"
@@ -30,15 +32,16 @@
 #include "window/form_icon.h"
 #include "window/placement.h"
 
-#include <QFile>
+#include <QTimer>
+#include <utility>
 
 namespace contribution {
 
 namespace {
 
-constexpr double columnWidth = 1500; // twips
-
-QString SubmissionPath() { return values::ProgramFolder() + QStringLiteral("\\new_hardware.txt"); }
+constexpr double columnWidth = 1500;            // twips
+constexpr qint64 mostKeywords = 1024 * 1024;    // bytes; every row is searched for each of them
+constexpr int otherSubmissionMilliseconds = 50; // between two looks whether it is over
 
 QString KeywordPath() { return values::ProgramFolder() + QStringLiteral("\\improve_database_keywords_to_skip.txt"); }
 
@@ -102,10 +105,8 @@ void FrmImprove::Load() {
 }
 
 void FrmImprove::ReadKeywords() {
-    QFile file(base::NativePath(KeywordPath()));
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    for (const QString& keyword : KeywordsOf(file.readAll()))
+    const QByteArray file = base::ReadPlainFile(base::NativePath(KeywordPath()), mostKeywords).value_or(QByteArray());
+    for (const QString& keyword : KeywordsOf(file))
         List1->AddItem(keyword);
 }
 
@@ -142,6 +143,7 @@ void FrmImprove::CommandGetHardware_Click() {
         TimerStatus->SetEnabled(true);
     base::Yield();
     RemoveKnownRows();
+    OfferUnsentRows();
     inventory::AutoSizeColumns(*ListViewHardware);
     base::Yield();
     if (ListViewHardware->ListItems().Count() != 0)
@@ -169,8 +171,29 @@ void FrmImprove::RemoveKnownRows() {
     }
 }
 
+// What was submitted before and has not reached the server. The database knows it by now, so the scan does not find it.
+void FrmImprove::OfferUnsentRows() {
+    if (values::ProgramClosing())
+        return;
+    unsent_ = UnsentLines();
+    for (const QString& line : std::as_const(unsent_)) {
+        const database::Contribution device = database::SplitContribution(line);
+        if (!device.HardwareId.isEmpty() && !ListHasKeyword(line, *List1))
+            OfferRow(ListViewHardware->ListItems(), device.Name, device.Manufacturer, device.HardwareId);
+        base::Yield();
+    }
+}
+
 void FrmImprove::CommandSaveSubmit_Click() {
-    const database::SubmissionScope submission;
+    // That of a window closed meanwhile runs below this handler, so it cannot be waited for here.
+    if (database::SubmissionRunning()) {
+        QTimer::singleShot(otherSubmissionMilliseconds, this, [this] {
+            if (!IsUnloaded() && !values::ProgramClosing())
+                CommandSaveSubmit_Click();
+        });
+        return;
+    }
+    const database::SubmissionScope scope;
     if (!BeginWork(CommandSaveSubmit))
         return;
     base::Yield();
@@ -178,10 +201,22 @@ void FrmImprove::CommandSaveSubmit_Click() {
     if (!IsUnloaded())
         TimerStatus->SetEnabled(true);
     base::Yield();
-    SubmitRows();
+    SubmissionFile submission;
+    while (!submission.TryToLock()) {
+        // Closed before it could begin, it has touched nothing.
+        if (values::ProgramClosing() || IsUnloaded()) {
+            EndWork();
+            return;
+        }
+        base::YieldBlocking(otherSubmissionMilliseconds);
+    }
+    SubmitRows(submission);
     StatusText = QStringLiteral("Uploading new_hardware.txt to Brindlex");
     base::Yield();
-    if (UploadFile(UploadUrl(), SubmissionPath()))
+    const bool sent = submission.IsWhole() && UploadFile(UploadUrl(), SubmissionPath());
+    if (sent)
+        submission.Sent();
+    if (sent)
         ImportantLabelSubmitStatus->SetCaption(QStringLiteral("Done! - Uploaded to Brindlex: Successful!"));
     else
         ImportantLabelSubmitStatus->SetCaption(
@@ -192,11 +227,19 @@ void FrmImprove::CommandSaveSubmit_Click() {
     EndWork();
 }
 
-// From the last row to the first, so the file holds them in the reverse of the list's order. A file that cannot be
-// written does not keep the rows from the database.
-void FrmImprove::SubmitRows() {
-    QFile file(base::NativePath(SubmissionPath()));
-    const bool open = file.open(QIODevice::WriteOnly | QIODevice::Truncate);
+QStringList FrmImprove::LinesOnOffer() const {
+    const suite::ListItems& rows = ListViewHardware->ListItems();
+    QStringList lines;
+    for (int index = rows.Count(); index >= 1; --index)
+        lines.append(LineOf(*rows.Item(index)));
+    return lines;
+}
+
+// From the last row to the first, so the file holds them in the reverse of the list's order. A new_hardware.txt that
+// cannot be written does not keep the rows from the database; lines that can be kept nowhere do.
+void FrmImprove::SubmitRows(SubmissionFile& submission) {
+    if (!submission.Begin(LinesOnOffer(), unsent_))
+        return;
     suite::ListItems& rows = ListViewHardware->ListItems();
     for (int index = rows.Count(); index >= 1; --index) {
         const suite::ListItem* row = rows.Item(index);
@@ -209,13 +252,11 @@ void FrmImprove::SubmitRows() {
         base::Yield();
         database::AddDeviceToDatabase(line);
         base::Yield();
-        if (open)
-            file.write(base::ToAnsi(line) + "\r\n");
+        submission.Write(line);
         base::Yield();
         RemoveRow(rows, index, key);
         base::Yield();
     }
-    file.close();
     base::Yield();
 }
 

@@ -5,6 +5,8 @@
 
 #include "forms/form.h"
 
+#include <QStringList>
+
 namespace controls {
 class Anchor;
 class AnimationBar;
@@ -25,6 +27,8 @@ class ListView;
 } // namespace suite
 
 namespace contribution {
+
+class SubmissionFile;
 
 class FrmImprove : public forms::Form {
     Q_OBJECT
@@ -70,9 +74,14 @@ class FrmImprove : public forms::Form {
     bool BeginWork(controls::dcButton* button);
     void EndWork();
     void RemoveKnownRows();
-    void SubmitRows();
+    void OfferUnsentRows();
+    QStringList LinesOnOffer() const;
+    void SubmitRows(SubmissionFile& submission);
     void Timer1_Tick();
     void TimerStatus_Tick();
+
+    // The lines of earlier submissions that the scan put on offer again.
+    QStringList unsent_;
 };
 
 // Tells the collection of forms how the window is made.

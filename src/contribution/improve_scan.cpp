@@ -63,19 +63,9 @@ void WalkDevices(data::Recordset& rowset, pnp::WmiObjectSet devices, const SetSt
     }
 }
 
-// A key that is taken already leaves the list as it is, which is what makes rows unique.
 void AddRow(suite::ListItems& list, const QString& name, const QString& manufacturer, const QString& id) {
-    if (IsGenericId(id))
-        return;
-    const QString trimmedName = base::Trim(name);
-    const QString trimmedManufacturer = base::Trim(manufacturer);
-    const QString trimmedId = base::Trim(id);
-    const QString key = base::LowerCase(trimmedName + u'|' + trimmedManufacturer + u'|' + trimmedId);
-    suite::ListItem* row = list.AddWithKey(key, trimmedName);
-    if (row == nullptr)
-        return;
-    row->SetSubItems(ManufacturerColumn, trimmedManufacturer);
-    row->SetSubItems(HardwareIdColumn, trimmedId);
+    if (!IsGenericId(id))
+        OfferRow(list, name, manufacturer, id);
 }
 
 QString FieldText(const data::Recordset& rowset, const QString& field) {
@@ -103,6 +93,18 @@ void FillList(suite::ListItems& list, data::Recordset& rowset) {
 }
 
 } // namespace
+
+void OfferRow(suite::ListItems& list, const QString& name, const QString& manufacturer, const QString& id) {
+    const QString trimmedName = base::Trim(name);
+    const QString trimmedManufacturer = base::Trim(manufacturer);
+    const QString trimmedId = base::Trim(id);
+    const QString key = base::LowerCase(trimmedName + u'|' + trimmedManufacturer + u'|' + trimmedId);
+    suite::ListItem* row = list.AddWithKey(key, trimmedName);
+    if (row == nullptr)
+        return;
+    row->SetSubItems(ManufacturerColumn, trimmedManufacturer);
+    row->SetSubItems(HardwareIdColumn, trimmedId);
+}
 
 void ImproveScan(suite::ListItems& list, const SetStatus& setStatus) {
     const data::RecordsetPtr rowset = MakeRowset();

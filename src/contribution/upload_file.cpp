@@ -2,10 +2,10 @@
 
 #include "base/numbers.h"
 #include "base/paths.h"
+#include "base/plain_file.h"
 #include "base/text.h"
 #include "net/wininet.h"
 
-#include <QFile>
 #include <optional>
 
 namespace contribution {
@@ -15,6 +15,7 @@ namespace {
 // Always the same and not checked against the file: the server's script knows it.
 constexpr char16_t boundary[] = u"3fbd04f5-b1ed-4060-99b9-fca7ff59c113";
 constexpr int defaultPort = 80;
+constexpr qint64 mostBytes = 256 * 1024 * 1024; // the file stands in memory several times
 
 struct Target {
     QString host;
@@ -41,11 +42,11 @@ Target SplitUrl(const QString& url) {
 }
 
 std::optional<QString> ReadText(const QString& filePath) {
-    QFile file(base::NativePath(filePath));
-    if (!file.open(QIODevice::ReadOnly)) {
+    const std::optional<QByteArray> bytes = base::ReadPlainFile(base::NativePath(filePath), mostBytes + 1);
+    if (!bytes || bytes->size() > mostBytes) {
         return std::nullopt;
     }
-    return base::FromAnsi(file.readAll());
+    return base::FromAnsi(*bytes);
 }
 
 // The server's script is written against exactly this form, with its odd disposition word and no line end at the end.

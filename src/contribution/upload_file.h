@@ -6,8 +6,8 @@
 
 namespace contribution {
 
-// True if the request went out and a status line came back, whatever it says. False where the file cannot be opened (no
-// request is made then), where the address is unusable, or where nothing answered.
+// True if the request went out and a status line came back, whatever it says. False where the file cannot be read or is
+// no plain file (no request is made then), where the address is unusable, or where nothing answered.
 bool UploadFile(const QString& url, const QString& filePath);
 
 } // namespace contribution

@@ -3,6 +3,7 @@
 #include "base/paths.h"
 #include "controls/dc_button.h"
 #include "controls/panel_fx.h"
+#include "database/additions.h"
 #include "database/database_builder.h"
 #include "database/store.h"
 #include "database/submission_scope.h"
@@ -28,7 +29,8 @@
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
-#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using contribution::FrmImprove;
 using support::Answer;
@@ -61,18 +63,25 @@ class FrmImproveTest : public testing::Test {
         contribution::RegisterImproveForm();
         all_.Shared("FrmMain");
         Write("improve_database_keywords_to_skip.txt", "nothing\r\n\r\nqemu");
-        database::DatabaseBuilder builder;
-        builder.Add("USB\\VID_1234&PID_0002", "disk", "BETA");
-        builder.Add("USB\\VID_1234&PID_0002&REV_0100", "Disk", "Beta");
-        QString error;
-        EXPECT_TRUE(builder.Write(folder_.filePath("hwids.mdb"), "2.3.4", &error)) << error.toStdString();
-        EXPECT_TRUE(database::OpenDeviceDatabase());
+        MakeDatabase();
     }
     ~FrmImproveTest() override {
         all_.Clear();
         database::CloseDeviceDatabase();
         values::ServerAddresses() = addresses_;
         values::Program() = values::ProgramValues();
+    }
+
+    // Anew, with one device of the machine.
+    void MakeDatabase() const {
+        database::CloseDeviceDatabase();
+        QFile::remove(folder_.filePath("hwids.mdb"));
+        database::DatabaseBuilder builder;
+        builder.Add("USB\\VID_1234&PID_0002", "disk", "BETA");
+        builder.Add("USB\\VID_1234&PID_0002&REV_0100", "Disk", "Beta");
+        QString error;
+        EXPECT_TRUE(builder.Write(folder_.filePath("hwids.mdb"), "2.3.4", &error)) << error.toStdString();
+        EXPECT_TRUE(database::OpenDeviceDatabase());
     }
 
     void Write(const QString& name, const QByteArray& bytes) const {
@@ -198,46 +207,67 @@ TEST_F(FrmImproveTest, ASecondClickBeforeTheButtonIsDisabledDoesNothing) {
     EXPECT_EQ(Submitted().count("\r\n"), offered);
 }
 
-TEST_F(FrmImproveTest, AFailedUploadNamesTheAddressAndKeepsTheAdditions) {
-    server_.SetAnswer(uploadPath, Answer().Reset());
-    FrmImprove* window = OpenAndScan();
-    ClickAndWait(window, window->CommandSaveSubmit);
-    EXPECT_EQ(window->ImportantLabelSubmitStatus->Caption(),
-              "Done! - Uploaded to Brindlex: Failed! Please email 'new_hardware.txt' file to mail@example");
-    EXPECT_EQ(Submitted().count("\r\n"), 4);
-    window->Unload();
-    window = OpenAndScan();
-    EXPECT_TRUE(Rows(window).isEmpty());
-    EXPECT_FALSE(window->CommandSaveSubmit->Enabled());
-    EXPECT_TRUE(Done(window));
+// Each time the rows come back with the next scan, though the database knows them, until they are sent or taken out.
+TEST_F(FrmImproveTest, WhatWasNotSentIsOfferedAgain) {
+    struct Case {
+        const char* inTheWay; // a folder of this name
+        Answer answer;
+        int requests;
+        qsizetype lines; // of new_hardware.txt
+        qsizetype rows;  // left on the list
+        int known;       // whether the database has the rows
+    };
+    for (const Case& tried :
+         {Case{"", Answer().Reset(), 1, 4, 0, true}, Case{"new_hardware.txt", Reply(200, "stored"), 0, 0, 0, true},
+          Case{"new_hardware_unsent.txt.new", Reply(200, "stored"), 0, 0, 4, false}}) {
+        SCOPED_TRACE(tried.inTheWay);
+        QFile::remove(folder_.filePath("new_hardware.txt"));
+        const auto requests = server_.Requests().size();
+        server_.SetAnswer(uploadPath, tried.answer);
+        EXPECT_TRUE(*tried.inTheWay == 0 || QDir(folder_.path()).mkdir(tried.inTheWay));
+        FrmImprove* window = OpenAndScan();
+        ClickAndWait(window, window->CommandSaveSubmit);
+        EXPECT_EQ(window->ImportantLabelSubmitStatus->Caption(),
+                  "Done! - Uploaded to Brindlex: Failed! Please email 'new_hardware.txt' file to mail@example");
+        EXPECT_EQ(server_.Requests().size(), requests + tried.requests);
+        EXPECT_EQ(Submitted().count("\r\n"), tried.lines);
+        EXPECT_EQ(Rows(window).size(), tried.rows);
+        EXPECT_EQ(database::IsDeviceInDatabase("USB\\VID_1234&PID_0004|||Optical Mouse|||Delta"), tried.known);
+        window->Unload();
+        QDir(folder_.path()).rmdir(tried.inTheWay);
+
+        server_.SetAnswer(uploadPath, Reply(200, "stored"));
+        window = OpenAndScan();
+        ASSERT_EQ(Rows(window).size(), 4);
+        window->ListViewHardware->ListItems().Item(1)->SetSelected(true);
+        QTest::keyClick(window->ListViewHardware->Tree(), Qt::Key_Delete);
+        ClickAndWait(window, window->CommandSaveSubmit);
+        EXPECT_EQ(window->ImportantLabelSubmitStatus->Caption(), "Done! - Uploaded to Brindlex: Successful!");
+        EXPECT_EQ(Submitted().count("\r\n"), 3);
+        window->Unload();
+        window = OpenAndScan();
+        EXPECT_EQ(Rows(window).size(), tried.known ? 0 : 1) << "only a row that was never added is still unknown";
+        window->Unload();
+        MakeDatabase();
+        EXPECT_FALSE(QFile::exists(folder_.filePath("new_hardware_unsent.txt")));
+    }
 }
 
-TEST_F(FrmImproveTest, AFileThatCannotBeWrittenDoesNotKeepTheRowsFromTheDatabase) {
-    ASSERT_TRUE(QDir(folder_.path()).mkdir("new_hardware.txt"));
-    FrmImprove* window = OpenAndScan();
-    ClickAndWait(window, window->CommandSaveSubmit);
-    EXPECT_TRUE(window->ImportantLabelSubmitStatus->Caption().contains("Failed!"));
-    EXPECT_TRUE(server_.Requests().isEmpty());
-    window->Unload();
-    EXPECT_TRUE(Rows(OpenAndScan()).isEmpty());
-}
-
-TEST_F(FrmImproveTest, AFullDiskEndsTheFileAndNothingElse) {
-    const QTemporaryDir place;
-    const QByteArray disk = place.path().toLocal8Bit();
-    if (mount("none", disk.constData(), "tmpfs", 0, "size=4096") != 0)
-        GTEST_SKIP() << "no right to mount";
-    QFile filler(place.filePath("filler"));
-    EXPECT_TRUE(filler.open(QIODevice::WriteOnly) && filler.write(QByteArray(4096, 'x')) == 4096);
-    filler.close();
-    EXPECT_TRUE(QFile::link(place.filePath("full.txt"), folder_.filePath("new_hardware.txt")));
-    FrmImprove* window = OpenAndScan();
-    ClickAndWait(window, window->CommandSaveSubmit);
-    EXPECT_EQ(Submitted(), "");
-    EXPECT_TRUE(Rows(window).isEmpty());
-    window->Unload();
-    EXPECT_TRUE(Rows(OpenAndScan()).isEmpty());
-    umount(disk.constData());
+TEST_F(FrmImproveTest, WhatBearsTheFilesNameIsReplacedAndNotWrittenTo) {
+    Write("precious", "precious");
+    const QByteArray path = QFile::encodeName(folder_.filePath("new_hardware.txt"));
+    for (const bool pipe : {false, true}) {
+        EXPECT_EQ(pipe ? mkfifo(path.constData(), 0600) : symlink("precious", path.constData()), 0);
+        FrmImprove* window = OpenAndScan();
+        ClickAndWait(window, window->CommandSaveSubmit);
+        EXPECT_EQ(Submitted().count("\r\n"), 4);
+        EXPECT_EQ(server_.Requests().last().count("|||"), 8);
+        window->Unload();
+        EXPECT_TRUE(QFile::remove(folder_.filePath("new_hardware.txt")));
+        MakeDatabase();
+    }
+    QFile precious(folder_.filePath("precious"));
+    EXPECT_TRUE(precious.open(QIODevice::ReadOnly) && precious.readAll() == "precious");
 }
 
 TEST_F(FrmImproveTest, RowsAllRemovedByHandSendAnEmptyFile) {
@@ -255,8 +285,9 @@ TEST_F(FrmImproveTest, ASubmissionRunsToItsEndThoughWindowDatabaseAndProgramClos
     FrmImprove* window = OpenAndScan();
     When(
         window, [=] { return window->ListViewHardware->ListItems().Count() == 3; },
-        [=] {
+        [this, window] {
             EXPECT_TRUE(database::SubmissionRunning());
+            EXPECT_EQ(Submitted().count("\r\n"), 1) << "a line is on the disk before its row goes";
             window->Unload();
             values::Program().ProgramClosing = true;
             database::CloseDeviceDatabase();
@@ -268,6 +299,26 @@ TEST_F(FrmImproveTest, ASubmissionRunsToItsEndThoughWindowDatabaseAndProgramClos
     values::Program().ProgramClosing = false;
     ASSERT_TRUE(database::OpenDeviceDatabase());
     EXPECT_EQ(Rows(OpenAndScan()).size(), 3);
+}
+
+// The first one's handler is below the second's on the stack and cannot end before it.
+TEST_F(FrmImproveTest, ASubmissionWaitsForThatOfAWindowClosedMeanwhile) {
+    FrmImprove* first = OpenAndScan();
+    FrmImprove* second = nullptr;
+    When(
+        first, [=] { return first->ListViewHardware->ListItems().Count() == 3; },
+        [&] {
+            first->Unload();
+            second = OpenAndScan();
+            EXPECT_EQ(Rows(second).size(), 3);
+            QTest::mouseClick(second->CommandSaveSubmit, Qt::LeftButton);
+        });
+    QTest::mouseClick(first->CommandSaveSubmit, Qt::LeftButton);
+    ASSERT_NE(second, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Rows(second).isEmpty() && Done(second); }, 20000));
+    ASSERT_EQ(server_.Requests().size(), 2);
+    EXPECT_EQ(server_.Requests().first().count("|||"), 8);
+    EXPECT_EQ(server_.Requests().last().count("|||"), 6);
 }
 
 TEST_F(FrmImproveTest, AScanGoesOnInAClosedWindowAndStopsWithTheProgram) {

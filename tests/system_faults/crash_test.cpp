@@ -42,6 +42,16 @@ TEST_F(CrashTest, WhileDevicesAreAdded) {
     }
 }
 
+TEST_F(CrashTest, WhileRowsAreSubmitted) {
+    for (int round = 0; round < support::Rounds(shortRounds, longRounds); ++round) {
+        RestoreTheOldDatabase();
+        const auto before = server_.Requests().size();
+        const auto process = Start({QStringLiteral("submit")});
+        KillWithin(*process, QStringLiteral("offered"), 200);
+        ExpectEveryRowSent(before);
+    }
+}
+
 TEST_F(CrashTest, WhileADatabaseIsUnpackedAndReplaced) {
     // How long it takes by itself: from the start of the download, and from the start of the unpacking.
     QElapsedTimer clock;

@@ -9,6 +9,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QSet>
 #include <QThread>
 #include <csignal>
 #include <sqlite3.h>
@@ -289,6 +290,21 @@ QList<int> SystemFaults::Additions(const QString& tag, int count) const {
     }
     database::CloseDeviceDatabase();
     return found;
+}
+
+void SystemFaults::ExpectEveryRowSent(qsizetype from) const {
+    const auto process = Start({QStringLiteral("submit")});
+    EXPECT_TRUE(process->Ends());
+    EXPECT_TRUE(process->Last(QStringLiteral("offered")) == QStringLiteral("0") ||
+                process->Last(QStringLiteral("submitted")).contains(QStringLiteral("Successful")))
+        << process->Text().toStdString();
+    QSet<QByteArray> received;
+    for (const QByteArray& request : server_.Requests().mid(from))
+        for (const QByteArray& line : request.split('\n'))
+            if (line.contains("|||"))
+                received.insert(line.trimmed());
+    EXPECT_EQ(received.size(), machineDevices * idsOfADevice);
+    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("new_hardware_unsent.txt"))));
 }
 
 void SystemFaults::ExpectTheNewDatabase() const {

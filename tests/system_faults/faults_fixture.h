@@ -76,11 +76,15 @@ class SystemFaults : public testing::Test {
     // The numbers, of those below `count`, of the additions of this tag that the database holds whole: each its own
     // name and its own maker. One that it holds in part is a failure.
     QList<int> Additions(const QString& tag, int count) const;
+    // A last submission offers and sends what was not sent: since request `from` the server has had every row of the
+    // machine, and nothing is left.
+    void ExpectEveryRowSent(qsizetype from) const;
     // Of the devices that the new database of the server holds.
     void ExpectTheNewDatabase() const;
 
     static constexpr int newDevices = 3000;
     static constexpr int machineDevices = 12;
+    static constexpr int idsOfADevice = 1;
     QTemporaryDir folder_;
     DeviceFixture devices_;
     support::ScriptedServer server_;

@@ -31,14 +31,25 @@ class InstancesTest : public SystemFaults {
 
 TEST_F(InstancesTest, BothScanAndBothAdd) {
     for (int round = 0; round < support::Rounds(1, 20); ++round) {
+        RestoreTheOldDatabase();
         const QByteArray one = "one" + QByteArray::number(round);
         const QByteArray two = "two" + QByteArray::number(round);
         const auto first = Start(Adding(one));
         const auto second = Start(Adding(two));
+        const auto before = server_.Requests().size();
         const auto third = Start({QStringLiteral("submit")});
-        ExpectGoodEnd(*first);
-        ExpectGoodEnd(*second);
-        ExpectGoodEnd(*third);
+        const auto fourth = Start({QStringLiteral("submit")});
+        for (const auto& process : {&first, &second, &third, &fourth})
+            ExpectGoodEnd(**process);
+        QStringList offered = {third->Last(QStringLiteral("offered")), fourth->Last(QStringLiteral("offered"))};
+        QStringList sent;
+        for (const QByteArray& request : server_.Requests().mid(before))
+            sent.append(QString::number(request.count("|||") / 2));
+        offered.removeAll(QStringLiteral("0"));
+        offered.sort();
+        sent.sort();
+        EXPECT_EQ(sent, offered) << "each the lines of its own rows";
+        ExpectEveryRowSent(before);
         EXPECT_EQ(Additions(QLatin1String(one), additions).size(), additions);
         EXPECT_EQ(Additions(QLatin1String(two), additions).size(), additions);
         EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));

@@ -23,9 +23,9 @@ class ShortageTest : public SystemFaults {
 
     // Nothing half-written lies about.
     void ExpectNoRemains() {
-        EXPECT_EQ(QDir(Folder()).entryList(
-                      {QStringLiteral(".unpacking*"), QStringLiteral("*-journal"), QStringLiteral("*.ini.*")},
-                      QDir::AllEntries | QDir::Hidden),
+        EXPECT_EQ(QDir(Folder()).entryList({QStringLiteral(".unpacking*"), QStringLiteral("*-journal"),
+                                            QStringLiteral("*.ini.*"), QStringLiteral("*.new")},
+                                           QDir::AllEntries | QDir::Hidden),
                   QStringList());
     }
 
@@ -53,10 +53,13 @@ TEST_F(ShortageTest, AFullDisk) {
         EXPECT_TRUE(SettingsAreWhole(Path(QStringLiteral("settings.ini"))));
         EXPECT_TRUE(SettingsAreWhole(Path(QStringLiteral("color_presets/x.ini"))));
 
+        RestoreTheOldDatabase();
+        const auto before = server_.Requests().size();
         process = StartOnSmallDisk(4000, FilledBut(free), {QStringLiteral("submit")});
         ExpectGoodEnd(*process);
         EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));
         ExpectNoRemains();
+        ExpectEveryRowSent(before);
 
         process = StartOnSmallDisk(4000, FilledBut(free), {QStringLiteral("update")});
         ExpectGoodEnd(*process);

@@ -5,9 +5,8 @@
 
 namespace base {
 
-// The native form of a path of the program: backslashes become slashes, doubled ones count once, and the last component
-// takes the spelling of an existing file that differs only in case (an exact match wins). The program's own folder,
-// with which a path begins, stays as it is: its name may hold a backslash. Empty stays empty.
+// The native form of a path of the program: slashes for backslashes and doubled ones, but not in the name of its own
+// folder; the last component is spelled as an existing file that differs only in case (an exact match wins).
 QString NativePath(const QString& path);
 
 // Whether a file (not a folder) stands at this path of the program.
