@@ -70,8 +70,7 @@ QString HexBytes(const QByteArray& bytes) {
 
 // 100 nanoseconds since 1601 as the user's date and time.
 QString LocalTime(pnp::FileTime time) {
-    static const QDateTime epoch(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC);
-    const QDateTime local = epoch.addMSecs(qint64(time.value / 10000)).toLocalTime();
+    const auto local = QDateTime::fromMSecsSinceEpoch(qint64(time.value / 10000) - pnp::FileTimeBefore1970);
     return QLocale().toString(local.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
            local.time().toString(QStringLiteral("HH:mm:ss"));
 }

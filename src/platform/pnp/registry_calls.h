@@ -22,6 +22,9 @@ struct FileTime {
     quint64 value = 0;
 };
 
+// From the begin of 1601 to that of 1970, in milliseconds.
+inline constexpr qint64 FileTimeBefore1970 = 11'644'473'600'000;
+
 // Opens the key below `key`; an empty subkey opens the same key again. `result` is 0 unless the call succeeds.
 qint32 RegOpenKeyExW(KeyHandle key, const QString& subkey, quint32 options, quint32 access, KeyHandle& result);
 // The same, making what is missing. `disposition` (may be null) becomes 1 for a new key, 2 for one that was there.

@@ -3,6 +3,7 @@
 #include "base/clock.h"
 #include "pnp/class_table.h"
 #include "pnp/device_tree.h"
+#include "pnp/registry_calls.h"
 
 #include <QDateTime>
 
@@ -26,10 +27,7 @@ QByteArray WideBytes(const QString& text) {
     return {reinterpret_cast<const char*>(text.utf16()), (text.size() + 1) * qsizetype(sizeof(char16_t))};
 }
 
-quint64 FileTime(const QDateTime& time) {
-    static const QDateTime epoch(QDate(1601, 1, 1), QTime(0, 0), Qt::UTC);
-    return quint64(epoch.msecsTo(time)) * 10000;
-}
+quint64 FileTimeOf(const QDateTime& time) { return quint64(FileTimeBefore1970 + time.toMSecsSinceEpoch()) * 10000; }
 
 // What follows `folder` and a backslash in `path`; null where the path does not begin so.
 QString Below(const QString& folder, const QString& path) {
@@ -103,7 +101,7 @@ QString IconLocation(const SetupClass& entry) {
 
 } // namespace
 
-quint64 FileTimeNow() { return FileTime(base::Now().toUTC()); }
+quint64 FileTimeNow() { return FileTimeOf(base::Now().toUTC()); }
 
 RegistryHive::RegistryHive() {
     for (quint32 root = FirstRoot; root <= LastRoot; ++root)
@@ -154,7 +152,7 @@ void RegistryHive::FollowSnapshot() {
 }
 
 void RegistryHive::AddDevice(const Device& device) {
-    const quint64 time = FileTime(snapshot_->Taken());
+    const quint64 time = FileTimeOf(snapshot_->Taken());
     std::shared_ptr<RegistryKey> key = Ensure(EnumPath);
     bool added = false;
     for (const QString& part : device.instancePath.split(QLatin1Char('\\'), Qt::SkipEmptyParts)) {
