@@ -76,6 +76,16 @@ TEST_F(ShortageTest, AFullDisk) {
     ExpectThatTheProgramStarts();
 }
 
+// A file system without a limit says that it has no blocks, as others do that cannot tell: no reason to refuse an
+// update.
+TEST_F(ShortageTest, ADiskThatTellsNoFreeSpace) {
+    if (!MayMount())
+        GTEST_SKIP() << "skipped: this user may not mount file systems";
+    ExpectGoodEnd(*StartOnSmallDisk(0, QStringLiteral("true"), {QStringLiteral("update")}));
+    ExpectTheNewDatabase();
+    RestoreTheOldDatabase();
+}
+
 // There is room when the unpacking begins, and none before it is done.
 TEST_F(ShortageTest, ADiskThatFillsWhileItUnpacks) {
     if (!MayMount())

@@ -6,10 +6,12 @@
 #include "net/staging_folder.h"
 
 #include <QFileInfo>
-#include <QStorageInfo>
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <iterator>
 #include <optional>
+#include <system_error>
 
 namespace net {
 
@@ -80,6 +82,14 @@ class StreamSplitter {
     bool failed_ = false;
 };
 
+// A volume that does not tell its free space, or says that it has no blocks at all, is taken to have room: a write that
+// fails ends the unpacking all the same.
+bool HasRoom(const QString& folder, qint64 size) {
+    std::error_code error;
+    const std::filesystem::space_info space = std::filesystem::space(QFile::encodeName(folder).toStdString(), error);
+    return error || space.capacity == 0 || space.available >= static_cast<std::uintmax_t>(size);
+}
+
 QList<ArchiveEntry> FilesOf(const QList<ArchiveEntry>& entries) {
     QList<ArchiveEntry> files;
     std::copy_if(entries.cbegin(), entries.cend(), std::back_inserter(files),
@@ -130,7 +140,7 @@ bool VszLib::ExtractAll(const QString& folder) {
     const QString target = base::NativePath(folder);
     const QList<ArchiveEntry> files = FilesOf(entries_);
     const std::optional<qint64> total = TotalSize(files);
-    if (!AreEntriesAllowed(entries_) || !total || *total > QStorageInfo(target).bytesAvailable()) {
+    if (!AreEntriesAllowed(entries_) || !total || !HasRoom(target, *total)) {
         return false;
     }
     StagingFolder staging(target);
