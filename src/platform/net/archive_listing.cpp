@@ -31,6 +31,7 @@ struct Block {
     std::optional<QString> size;
     QString attributes;
     QString crc;
+    bool isFolder = false;
     bool isSpecial = false;
 };
 
@@ -57,7 +58,7 @@ bool ReadLine(const QString& line, Block& block) {
     } else if (key == QStringLiteral("CRC")) {
         block.crc = value;
     } else if (key == QStringLiteral("Folder")) {
-        block.attributes.prepend(value == QStringLiteral("+") ? QStringLiteral("D") : QString());
+        block.isFolder = block.isFolder || value == QStringLiteral("+");
     } else if (key == QStringLiteral("Symbolic Link") || key == QStringLiteral("Hard Link") ||
                key == QStringLiteral("Alternate Stream") || key == QStringLiteral("Anti")) {
         block.isSpecial = block.isSpecial || (!value.isEmpty() && value != QStringLiteral("-"));
@@ -83,7 +84,7 @@ std::optional<ArchiveEntry> MakeEntry(const Block& block) {
     }
     entry.path = *block.path;
     const QString mode = block.attributes.section(QChar(u' '), 0, 0, QString::SectionSkipEmpty);
-    entry.isFolder = mode.contains(QChar(u'D'));
+    entry.isFolder = block.isFolder || mode.contains(QChar(u'D'));
     entry.isPlain = !block.isSpecial && IsPlain(block.attributes);
     if (!entry.isFolder || (block.size && !block.size->isEmpty())) {
         bool isNumber = false;
