@@ -7,9 +7,14 @@
 #include <arpa/inet.h>
 #include <curl/curl.h>
 #include <ifaddrs.h>
+#include <limits>
+#include <linux/sockios.h>
 #include <memory>
 #include <net/if.h>
 #include <netinet/in.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <variant>
 
 namespace net {
@@ -95,10 +100,11 @@ QByteArray HeaderName(const QByteArray& line) {
 // What one send learns of its answer and of its own progress.
 struct Exchange {
     CURL* easy = nullptr;
+    QList<curl_socket_t> sockets; // the open ones
     qint64 bodySize = 0;
     int stallLimit = 0;
     QElapsedTimer sinceProgress;
-    curl_off_t out = -1;
+    curl_off_t taken = std::numeric_limits<curl_off_t>::min();
     qsizetype answered = 0;
     bool statusSeen = false;
 
@@ -129,11 +135,36 @@ size_t OnBody(char*, size_t size, size_t count, void* self) {
     return exchange->statusSeen && exchange->BodySent() ? 0 : size * count;
 }
 
+// The transfer's sockets are known while it runs by no other way.
+curl_socket_t OnOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
+    const curl_socket_t opened = socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    if (opened != CURL_SOCKET_BAD) {
+        static_cast<Exchange*>(self)->sockets.append(opened);
+    }
+    return opened;
+}
+
+int OnCloseSocket(void* self, curl_socket_t closing) {
+    static_cast<Exchange*>(self)->sockets.removeOne(closing);
+    return close(closing);
+}
+
+// What the peer has taken of `sent` bytes. The rest lies in the kernel, which takes megabytes for a peer that reads
+// nothing, and holds them for a slow one long after the last was sent.
+curl_off_t TakenByPeer(const Exchange& exchange, curl_off_t sent) {
+    for (const curl_socket_t socket : exchange.sockets) {
+        int waiting = 0;
+        sent -= ioctl(socket, SIOCOUTQ, &waiting) == 0 ? waiting : 0;
+    }
+    return sent;
+}
+
 // Only what went out counts: an answer that trickles in is no reason to wait on.
 int OnProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
     auto* exchange = static_cast<Exchange*>(self);
-    if (sent != exchange->out) {
-        exchange->out = sent;
+    const curl_off_t taken = TakenByPeer(*exchange, sent);
+    if (taken > exchange->taken) {
+        exchange->taken = taken;
         exchange->sinceProgress.restart();
     }
     const bool finished = exchange->statusSeen && exchange->BodySent();
@@ -161,6 +192,10 @@ void SetRequest(CURL* easy, const Request& request, const QByteArray& body) {
 void SetLimits(CURL* easy, Exchange& exchange) {
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(TheState().connectLimit));
     curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, wholeLimit);
+    curl_easy_setopt(easy, CURLOPT_OPENSOCKETFUNCTION, &OnOpenSocket);
+    curl_easy_setopt(easy, CURLOPT_OPENSOCKETDATA, &exchange);
+    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETFUNCTION, &OnCloseSocket);
+    curl_easy_setopt(easy, CURLOPT_CLOSESOCKETDATA, &exchange);
     curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
     curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, &OnProgress);
     curl_easy_setopt(easy, CURLOPT_XFERINFODATA, &exchange);
@@ -171,6 +206,8 @@ void SetLimits(CURL* easy, Exchange& exchange) {
 }
 
 bool Perform(const Request& request, const QByteArray& body) {
+    // Outlives the transfer, whose end closes sockets.
+    Exchange exchange;
     const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> easy(curl_easy_init(), &curl_easy_cleanup);
     if (!easy) {
         return false;
@@ -183,7 +220,6 @@ bool Perform(const Request& request, const QByteArray& body) {
         list = curl_slist_append(list, line.constData());
     }
     const std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> guard(list, &curl_slist_free_all);
-    Exchange exchange;
     exchange.easy = easy.get();
     exchange.bodySize = body.size();
     exchange.stallLimit = std::max(TheState().stallLimit, 1);
