@@ -19,8 +19,8 @@ expect_fatal() {
   ./quorvane 2>/dev/null &
   local quorvane=$!
   pids+=($quorvane)
-  wait_for 20 window_named '^Quorvane$' || { fail "$1: no message"; kill -9 $quorvane; return; }
-  if [ $# = 2 ]; then $2 $quorvane; else xdotool windowactivate --sync "$(window_named '^Quorvane$')" key Return; fi
+  wait_for 20 window_titled 'Quorvane' || { fail "$1: no message"; kill -9 $quorvane; return; }
+  if [ $# = 2 ]; then $2 $quorvane; else xdotool windowactivate --sync "$(window_titled 'Quorvane')" key Return; fi
   wait_for 10 gone $quorvane || { fail "$1: still running"; kill -9 $quorvane; }
   wait $quorvane
   [ $? != 0 ] || fail "$1: status 0"
@@ -45,7 +45,7 @@ for content in /dev/null /dev/urandom; do
   ./quorvane 2>/dev/null &
   quorvane=$!
   pids+=($quorvane)
-  wait_for 20 window_named 'Quorvane v' || fail "does not start with settings from $content"
+  wait_for 20 main_window || fail "does not start with settings from $content"
   kill -TERM $quorvane
   wait_for 10 gone $quorvane || { fail "does not end"; kill -9 $quorvane; }
   wait $quorvane

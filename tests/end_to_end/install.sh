@@ -18,15 +18,17 @@ for file in share/applications/quorvane.desktop share/man/man1/quorvane{,-db,-li
 done
 find "$prefix" | sort >"$scratch/installed"
 
-# start PATTERN COMMAND...: until a window with such a title stands there.
+message_box() { window_titled Quorvane; }
+
+# start FINDER COMMAND...: until FINDER, main_window or message_box, finds a window.
 start() {
-  local pattern=$1
+  local finder=$1
   shift
   "$@" 2>/dev/null &
   quorvane=$!
   pids+=($quorvane)
-  wait_for 20 window_named "$pattern" || fail "no window '$pattern'"
-  window=$(window_named "$pattern")
+  wait_for 20 "$finder" || fail "no $finder"
+  window=$("$finder")
   wait_until_still "$window"
 }
 
@@ -42,7 +44,7 @@ export XDG_DATA_HOME=$scratch/data
 expect "database before the first start" "$("$prefix/bin/quorvane-list" --lookup 2>&1 >/dev/null)" ""
 [ ! -e "$XDG_DATA_HOME" ] || fail "quorvane-list makes the user's folder"
 
-start 'Quorvane v' "$prefix/bin/quorvane"
+start main_window "$prefix/bin/quorvane"
 end 0 alt+F4
 expect "what the first start makes" "$(cd "$XDG_DATA_HOME" && find . ! -name settings.ini | sort)" \
   "$(cd "$prefix/share" && { echo .; find ./quorvane; } | sort)"
@@ -50,7 +52,7 @@ cmp -s "$prefix/share/quorvane/hwids.mdb" "$XDG_DATA_HOME/quorvane/hwids.mdb" ||
 
 # It is filled once: a database that is missing later is an error, and the user's own files are never written over.
 rm "$XDG_DATA_HOME/quorvane/hwids.mdb"
-start '^Quorvane$' "$prefix/bin/quorvane"
+start message_box "$prefix/bin/quorvane"
 end 1 Return
 [ ! -e "$XDG_DATA_HOME/quorvane/hwids.mdb" ] || fail "the folder was filled a second time"
 expect "the installation" "$(find "$prefix" | sort)" "$(cat "$scratch/installed")"
@@ -60,14 +62,14 @@ own_mounts() { exec unshare -m --propagation private bash -c "$1"; }
 if unshare -m true 2>/dev/null; then
   rm -rf "$XDG_DATA_HOME"
   mkdir "$XDG_DATA_HOME"
-  start '^Quorvane$' own_mounts "mount -t tmpfs -o size=4m none '$XDG_DATA_HOME' || exit 99
+  start message_box own_mounts "mount -t tmpfs -o size=4m none '$XDG_DATA_HOME' || exit 99
     '$prefix/bin/quorvane'
     find '$XDG_DATA_HOME' -type f >'$scratch/left'
     mount -o remount,size=40m '$XDG_DATA_HOME' && '$prefix/bin/quorvane'
     status=\$?; find '$XDG_DATA_HOME' -name '*.mdb' -o -name Dark.ini >'$scratch/filled'; exit \$status"
   xdotool windowactivate --sync "$window" key Return
-  wait_for 20 window_named 'Quorvane v' || fail "no start once there is room"
-  window=$(window_named 'Quorvane v')
+  wait_for 20 main_window || fail "no start once there is room"
+  window=$(main_window)
   wait_until_still "$window"
   end 0 alt+F4
   expect "left on a full disk" "$(cat "$scratch/left")" ""
@@ -76,7 +78,7 @@ if unshare -m true 2>/dev/null; then
   # A copied folder that cannot be written: the files come from there.
   mkdir "$scratch/disc"
   cp "$prefix/bin/quorvane" "$prefix/share/quorvane/hwids.mdb" "$scratch/disc/"
-  start 'Quorvane v' own_mounts "mount --bind '$scratch/disc' '$scratch/disc' &&
+  start main_window own_mounts "mount --bind '$scratch/disc' '$scratch/disc' &&
     mount -o remount,bind,ro '$scratch/disc' && exec '$scratch/disc/quorvane'"
   end 0 alt+F4
   expect "what comes from a disc" "$(ls -A "$XDG_DATA_HOME/quorvane" | grep -vx -e settings.ini -e color_presets)" hwids.mdb
@@ -86,7 +88,7 @@ fi
 rm -rf "$XDG_DATA_HOME"
 mkdir "$scratch/stick"
 cp "$prefix/bin/quorvane" "$prefix/share/quorvane/hwids.mdb" "$scratch/stick/"
-start 'Quorvane v' "$scratch/stick/quorvane"
+start main_window "$scratch/stick/quorvane"
 end 0 alt+F4
 [ ! -e "$XDG_DATA_HOME" ] || fail "a copied folder writes elsewhere"
 

@@ -20,12 +20,12 @@ keys Left
 expect "picture of the first tab" "$(picture)" "$first"
 
 # A row that the database knows, so that its lookup has matches, and that its name alone finds.
-"$QUORVANE_BIN/quorvane-list" | tr -d '\r' | sed -e 1d -e '/^$/d' >"$scratch/list"
-while IFS= read -r row; do
-  name=${row%%,*}
-  [ "$(cut -d, -f1 "$scratch/list" | grep -cF -- "$name")" = 1 ] && in_database "$row" && break
+list_devices
+for index in "${!rows[@]}"; do
+  row=${rows[index]} name=${names[index]}
+  [ "$(printf '%s\n' "${names[@]}" | grep -cF -- "$name")" = 1 ] && in_database "$row" && break
   name=
-done <"$scratch/list"
+done
 [ -n "$name" ] || { echo "SKIPPED: no device of this machine is in the database"; exit 77; }
 
 keys Tab
@@ -34,7 +34,7 @@ keys Menu
 choose 5
 expect "copied row" "$(clipboard | tr -d '\r')" "$row"
 
-lookup_opened() { window_named "^$name\$"; }
+lookup_opened() { window_titled "$name"; }
 close_lookup() {
   xdotool key alt+F4
   for _ in $(seq 50); do lookup_opened >/dev/null || return 0; sleep 0.1; done

@@ -76,8 +76,8 @@ strace -f -q -y -s 256 --seccomp-bpf -e trace=%file,%network,%process,ftruncate,
 tracer=$!
 pids+=($tracer)
 
-wait_for 30 window_named 'Quorvane v' || fail "no main window"
-main=$(window_named 'Quorvane v')
+wait_for 30 main_window || fail "no main window"
+main=$(main_window)
 quorvane=$(pgrep -P $tracer)
 wait_until_still "$main" || fail "the first scan did not end"
 
@@ -91,8 +91,8 @@ click() {
 # open_by_button X NAME: the main window's button, and the window that it opens.
 open_by_button() {
   click "$main" "$1" 57
-  wait_for 10 window_named "$2" || fail "no window '$2'"
-  window_named "$2"
+  wait_for 10 window_titled "$2" || fail "no window '$2'"
+  window_titled "$2"
 }
 # Pictures for whoever works on this script.
 shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
@@ -140,12 +140,12 @@ expect "the example" "$(written "$scratch/example" | tr '\n' ' ')" "/a /b /gone 
 
 # A lookup.
 click "$main" 200 140 --repeat 2 --delay 60
-wait_for 10 window_named '^\.\./' || fail "no lookup window"
-wait_until_still "$(window_named '^\.\./')"
-xdotool windowactivate --sync "$(window_named '^\.\./')" key alt+F4
+wait_for 10 window_begins '../' || fail "no lookup window"
+wait_until_still "$(window_begins '../')"
+xdotool windowactivate --sync "$(window_begins '../')" key alt+F4
 
 # A preset, a colour of one's own, and a new preset.
-colors=$(open_by_button 509 '^Edit Program Colors$')
+colors=$(open_by_button 509 'Edit Program Colors')
 shot colors
 click "$colors" 210 283
 sleep 0.3
@@ -153,14 +153,14 @@ xdotool key Down Return
 sleep 0.5
 shot preset
 click "$colors" 60 70
-wait_for 5 window_named '^Text$' || fail "no colour dialog"
+wait_for 5 window_titled 'Text' || fail "no colour dialog"
 sleep 0.3
 shot dialog
 xdotool key Return
-closed() { ! window_named "$1"; }
-wait_for 5 closed '^Text$' || fail "the colour dialog stays"
+closed() { ! window_titled "$1"; }
+wait_for 5 closed 'Text' || fail "the colour dialog stays"
 click "$colors" 126 309
-wait_for 5 window_named '^Save Colors As Preset$' || fail "no question for the preset's name"
+wait_for 5 window_titled 'Save Colors As Preset' || fail "no question for the preset's name"
 sleep 0.3
 shot save
 xdotool type "of my own"
@@ -169,7 +169,7 @@ wait_for 5 test -f "color_presets/of my own.ini" || fail "no preset was saved"
 xdotool windowactivate --sync "$colors" key alt+F4
 
 # A contribution.
-improve=$(open_by_button 275 '^Improve Database$')
+improve=$(open_by_button 275 'Improve Database')
 click "$improve" 95 350
 wait_until_still "$improve"
 shot improve
@@ -180,11 +180,11 @@ shot submitted
 xdotool windowactivate --sync "$improve" key alt+F4
 
 # An update.
-update=$(open_by_button 390 '^Updates$')
+update=$(open_by_button 390 'Updates')
 wait_until_still "$update"
 shot update
 click "$update" 322 175
-wait_for 20 closed '^Updates$' || fail "the update does not end"
+wait_for 20 closed 'Updates' || fail "the update does not end"
 wait_until_still "$main"
 shot updated
 
@@ -281,7 +281,7 @@ cp -r hwids.mdb color_presets "$scratch/prefix/share/quorvane/"
 chmod -R a+rX "$scratch/prefix"
 (umask 077 && XDG_DATA_HOME=$scratch/data exec "$scratch/prefix/bin/quorvane") 2>>"$scratch/errors" &
 pids+=($!)
-wait_for 20 window_named 'Quorvane v' || fail "an installed program does not start"
+wait_for 20 main_window || fail "an installed program does not start"
 kill -TERM $!
 wait $!
 expect "mask of what is installed" "$(cd "$scratch/data/quorvane" && stat -c '%a %n' hwids.mdb color_presets/Dark.ini)" \

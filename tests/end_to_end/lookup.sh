@@ -10,8 +10,8 @@ eval "$(xdotool getwindowgeometry --shell "$main")"
 left=$X top=$Y # pixels of the screen; places in the window are added to them
 
 # The rows stand in the order of quorvane-list sorted by name, which is how the list comes up.
-"$QUORVANE_BIN/quorvane-list" >"$scratch/list"
-[ "$(wc -l <"$scratch/list")" -gt 1 ] || fail "this machine has no devices"
+list_devices
+[ ${#rows[@]} -gt 0 ] || fail "this machine has no devices"
 
 # Select the first row, then copy the whole list through the popup menu.
 xdotool mousemove $((left + 200)) $((top + 140)) click 1
@@ -33,40 +33,35 @@ esac
 
 # A double click opens a window of its own on the device, and a second one another.
 xdotool mousemove $((left + 200)) $((top + 140)) click --repeat 2 --delay 60 1
-name=$(sed -n 2p "$scratch/list" | cut -d, -f1)
-lookups() { xdotool search --onlyvisible --name "^$name\$" | wc -l; }
-opened() { [ "$(lookups)" -ge 1 ]; }
-wait_for 5 opened || fail "no lookup window on '$name'"
+name=${names[0]}
+wait_for 5 window_titled "$name" || fail "no lookup window on '$name'"
 
 close_lookup() {
   xdotool windowactivate --sync "$1" key alt+F4
   for _ in $(seq 50); do
-    xdotool search --onlyvisible --name "$2" 2>/dev/null | grep -qx "$1" || return 0
+    windows_titled "$name" | grep -qx "$1" || return 0
     sleep 0.1
   done
   return 1
 }
-for id in $(xdotool search --onlyvisible --name "^$name\$"); do close_lookup "$id" "^$name\$" || fail "a lookup stays open"; done
+for id in $(windows_titled "$name"); do close_lookup "$id" || fail "a lookup stays open"; done
 
 # Every device opens its window; a PCI device finds its name, in the colour of best matches, in the list of matches.
-row=0
-while IFS= read -r line; do
-  name=${line%%,*}
+for ((row = 0; row < 14 && row < ${#rows[@]}; row++)); do
+  name=${names[row]}
   xdotool windowactivate --sync "$main" mousemove $((left + 200)) $((top + 140 + 20 * row)) click --repeat 2 --delay 60 1
-  row=$((row + 1))
-  [ $row -le 14 ] || break
-  wait_for 5 opened || { fail "no lookup window on '$name'"; continue; }
-  lookup=$(window_named "^$name\$")
+  wait_for 5 window_titled "$name" || { fail "no lookup window on '$name'"; continue; }
+  lookup=$(window_titled "$name")
   wait_until_still "$lookup"
-  case $line in
+  case ${rows[row]} in
     *,PCI\\VEN_*)
       # A device that the ID files do not name has no match.
-      ! in_database "$line" ||
+      ! in_database "${rows[row]}" ||
         import -window "$lookup" -crop 548x90+10+210 +repage txt:- | grep -q 'srgb(253,200,0)' ||
         fail "no best match for '$name'" ;;
   esac
-  close_lookup "$lookup" "^$name\$" || fail "the lookup on '$name' stays open"
-done < <(sed 1d "$scratch/list" | tr -d '\r' | sed '/^$/d')
+  close_lookup "$lookup" || fail "the lookup on '$name' stays open"
+done
 
 # Closing the main window closes everything and ends the process.
 xdotool windowactivate --sync "$main" 2>/dev/null

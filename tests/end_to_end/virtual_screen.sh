@@ -93,8 +93,8 @@ run_program() {
   ./quorvane 2>"$scratch/errors" &
   quorvane=$!
   pids+=("$quorvane")
-  wait_for 20 window_named 'Quorvane v' || fail "no main window"
-  main=$(window_named 'Quorvane v')
+  wait_for 20 main_window || fail "no main window"
+  main=$(main_window)
   wait_until_still "$main" || fail "the first scan did not end"
 }
 
@@ -111,10 +111,21 @@ expect_end() {
   [ ! -s "$scratch/errors" ] || { echo "standard error:"; cat "$scratch/errors"; }
 }
 
+# list_devices: sets $rows, those of quorvane-list, and $names, what the devices in them are called. A name may hold what
+# separates the fields of a row.
+list_devices() {
+  "$QUORVANE_BIN/quorvane-list" >"$scratch/list" && "$QUORVANE_BIN/quorvane-list" --format json >"$scratch/list.json" ||
+    fail "quorvane-list"
+  mapfile -t rows < <(tr -d '\r' <"$scratch/list" | sed -e 1d -e '/^$/d')
+  mapfile -t names < <(cd "$scratch" &&
+    sqlite3 :memory: "SELECT json_extract(value, '\$.name') FROM json_each(readfile('list.json'))")
+  expect "names of devices" "${#names[@]}" "${#rows[@]}"
+}
+
 # in_database ROW: whether the program's database knows the device of a row of quorvane-list by its PCI ID.
 in_database() {
   local id
-  id=$(printf '%s' "${1##*,}" | tr '|' '\n' | grep -xE 'PCI.VEN_....&DEV_....' | head -n 1)
+  id=$(printf '%s' "${1##*,}" | tr '|' '\n' | grep -xE 'PCI.VEN_[0-9A-F]{4}&DEV_[0-9A-F]{4}' | head -n 1)
   [ -n "$id" ] && [ "$(sqlite3 "$program/hwids.mdb" "SELECT count(*) FROM hwids WHERE hwid = '$id'")" != 0 ]
 }
 
@@ -143,11 +154,26 @@ wait_for() {
   return 1
 }
 
-window_named() {
-  local id
-  id=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1)
-  [ -n "$id" ] && echo "$id"
+# windows_titled TITLE [begin|within]: the windows that can be seen and bear this title, or one that begins so or has it
+# somewhere. A title is data, often a device's own name, so it is compared and never made a pattern.
+windows_titled() {
+  local id title status=1
+  for id in $(xdotool search --onlyvisible --name . 2>/dev/null); do
+    title=$(xdotool getwindowname "$id" 2>/dev/null) || continue
+    case ${2:-}:$title in
+      :"$1" | begin:"$1"* | within:*"$1"*) echo "$id" && status=0 ;;
+    esac
+  done
+  return $status
 }
+
+# window_titled TITLE [begin|within]: the last of them.
+window_titled() {
+  local found
+  found=$(windows_titled "$@") && echo "${found##*$'\n'}"
+}
+window_begins() { window_titled "$1" begin; }
+main_window() { window_titled 'Quorvane v' within; }
 
 # A window that has stood still for a second: no animation runs, so no work does.
 wait_until_still() {
