@@ -91,7 +91,7 @@ cp "$scratch/good.mdb" ../share/quorvane/hwids.mdb
 ./quorvane 2>/dev/null &
 quorvane=$!
 pids+=($quorvane)
-wait_for 20 window_named 'Quorvane v' || fail "no start after one that was cut off"
+wait_for 20 main_window || fail "no start after one that was cut off"
 kill -TERM $quorvane
 wait $quorvane
 expect "after a first start that was cut off" "$(cd "$XDG_DATA_HOME" && find . -type f | sort)" \
