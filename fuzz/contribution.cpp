@@ -28,8 +28,9 @@ void CheckLine(const QString& hwid, const QString& name, const QString& manufact
                       (device.Name.size() <= 100 && device.HardwareId.size() <= 125),
                   "a good line fits the tables");
     if (plain(device.HardwareId) && plain(device.Name) && plain(device.Manufacturer)) {
-        const database::Contribution stored = database::SplitContribution(tool::StoredLine(device));
-        fuzz::Require(tool::DeviceKey(stored) == tool::DeviceKey(device), "a device is stored under its key");
+        const database::Contribution stored = tool::Stored(device);
+        fuzz::Require(tool::DeviceKey(tool::Stored(stored)) == tool::DeviceKey(stored),
+                      "what is stored stays the same");
     }
     if (contribution::IsDeviceWorthHaving(hwid, name, manufacturer))
         fuzz::Require(!name.isEmpty() && !manufacturer.isEmpty(), "nameless devices are not worth having");
@@ -45,13 +46,12 @@ void CheckKeywords(const QByteArray& file) {
 }
 
 void CheckFile(const QByteArray& bytes) {
-    QString error;
     const QString path = fuzz::WriteFile(QStringLiteral("new_hardware.txt"), bytes);
     int number = 0;
-    for (const tool::JudgedLine& line : tool::ReadContributions(path, error)) {
+    const QString error = tool::ReadContributions(path, [&number](const tool::JudgedLine& line) {
         fuzz::Require(line.Number > number, "lines come in order");
         number = line.Number;
-    }
+    });
     fuzz::Require(error.isEmpty() || number == 0, "a file that is refused has no lines");
 }
 
