@@ -25,7 +25,7 @@ struct Device {
     // With the codes 10, 31 and 32: the module that fits, "-" written as "_".
     QString fittingModule;
     // Where it stands, by the kernel's names: "pci" and "0000:00:1f.2", "usb" and "1-2.3:1.0". No serial number is in
-    // it. The records of a folder that stands for several devices share one place.
+    // it. The records of a folder that stands for several devices share one place, unless the reader gives an address.
     QString bus;
     QString address;
     // Class-relative key of the driver, such as {guid}\0001; given by the tree to devices with a driver and a class.

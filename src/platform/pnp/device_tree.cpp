@@ -59,7 +59,8 @@ bool DeviceTree::ReadNext() {
     Readers()[std::size_t(entry.reader)].Read(*context_, folder, devices);
     for (Device& device : devices) {
         device.bus = BusOf(entry.path);
-        device.address = CleanAttribute(LastComponent(folder));
+        if (device.address.isEmpty())
+            device.address = CleanAttribute(LastComponent(folder));
         Add(std::move(device));
     }
     return true;

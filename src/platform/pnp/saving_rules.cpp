@@ -103,6 +103,7 @@ constexpr Attribute Attributes[] = {
     {"chip_name", Text},
     {"class", Text},
     {"config", Config, false},
+    {"connect_type", Text},
     {"description", Text},
     // Numbers of texts, not the texts.
     {"descriptors", Text, false},

@@ -1,4 +1,4 @@
-// USB devices, root hubs, and the interfaces of composite devices.
+// USB devices, root hubs, the interfaces of composite devices, and what failed at a port.
 #include "pnp/bus_reader.h"
 #include "pnp/class_table.h"
 #include "pnp/identity.h"
@@ -137,11 +137,42 @@ void ReadDevice(Context& context, const Node& node, std::vector<Device>& devices
     devices.push_back(std::move(device));
 }
 
+// Whether the device that is built in at a port stopped on its way to being configured. The kernel keeps no folder for
+// such a device, yet the state that it had reached. It keeps that also when the device is pulled out, so that a socket
+// tells nothing. A device that is being set up just now looks the same for some tenths of a second.
+bool HoldsFailedDevice(const Node& port) {
+    const std::string state = port.Word("state");
+    return port.Word("connect_type") == "hardwired" && !port.Has("device") &&
+           (state == "powered" || state == "default" || state == "addressed");
+}
+
+void ReadPorts(Context& context, const Node& interface, std::vector<Device>& devices) {
+    const Node hub = interface.Parent();
+    const std::string start = hub.Name() + "-port";
+    for (const std::string& name : interface.List()) {
+        if (!IsNumbered(name, start) || !HoldsFailedDevice(interface.Child(name)))
+            continue;
+        Device device;
+        device.instancePath = QStringLiteral("USB\\VID_0000&PID_0002\\") +
+                              InstanceSuffix(TreeLevel(hub.Path()) + 1, context.Stable(hub.Path()),
+                                             QString::fromStdString(name.substr(start.size())));
+        device.hardwareIds.append(QStringLiteral("USB\\DEVICE_DESCRIPTOR_FAILURE"));
+        device.name = QStringLiteral("Unknown USB Device (Device Descriptor Request Failed)");
+        device.manufacturer = QStringLiteral("(Standard USB Host Controller)");
+        device.classGuid = QString::fromUtf16(class_guid::Usb);
+        device.problemCode = problem::Reported;
+        device.address = CleanAttribute(name);
+        devices.push_back(std::move(device));
+    }
+}
+
 // The functions of a composite device, each known by its first interface.
 void ReadInterface(Context& context, const Node& node, std::vector<Device>& devices) {
     const Node parent = node.Parent();
     const std::string name = node.Name();
     const std::string owner = name.substr(0, name.find(':'));
+    if (InterfaceCodes(node).value_or(UsbCodes{0, 0, 0}).classCode == HubClass)
+        ReadPorts(context, node, devices);
     // A root hub's own interface ("1-0:1.0") is no function.
     if (owner.ends_with("-0"))
         return;
