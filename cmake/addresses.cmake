@@ -2,7 +2,7 @@
 set(QUORVANE_WEB_SITE "http://quorvane.example" CACHE STRING "Web site, without a trailing slash")
 set(QUORVANE_UPDATE_HOST "http://quorvane.example" CACHE STRING "Host of versions and database archive, http")
 set(QUORVANE_UPLOAD_HOST "http://quorvane.example" CACHE STRING "Host of the upload script, http")
-set(QUORVANE_SEARCH_SITE "https://duckduckgo.com" CACHE STRING "Search site that answers /?q=")
+set(QUORVANE_SEARCH_SITE "https://www.google.com/search" CACHE STRING "Search site that answers /?q=")
 set(QUORVANE_SOCIAL_PAGE_1 "http://quorvane.example/social/1" CACHE STRING "First social page")
 set(QUORVANE_SOCIAL_PAGE_2 "http://quorvane.example/social/2" CACHE STRING "Second social page")
 set(QUORVANE_MAIL "maintainers@quorvane.example" CACHE STRING "Maintainers' e-mail address")

@@ -117,7 +117,7 @@ void SaveColorPreset(const QString& name) {
 }
 
 bool IsSafePresetName(const QString& name) {
-    if (name.isEmpty() || name.contains(QStringLiteral("..")) || name == QStringLiteral("."))
+    if (name.isEmpty() || name == QStringLiteral(".") || name == QStringLiteral(".."))
         return false;
     const bool plain = std::ranges::all_of(
         name, [](QChar c) { return c != u'/' && c != u'\\' && c.unicode() >= 0x20 && c.unicode() != 0x7F; });

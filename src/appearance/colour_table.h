@@ -129,7 +129,8 @@ void LoadColorPreset(const QString& name);
 // Writes the 28 colours to settings.ini, or to the preset's file, making the presets' folder if need be. Failures are
 // silent. Without a colour window there is nothing to save, and the files stay.
 void SaveColors();
-// A name that is no plain file name of the folder (separators, "..", too long, control characters) is not written.
+// A name that is no plain file name of the folder (separators, "." and "..", too long, control characters) is not
+// written.
 void SaveColorPreset(const QString& name);
 bool IsSafePresetName(const QString& name);
 

@@ -1,5 +1,6 @@
 #include "database/frm_lookup.h"
 
+#include "appearance/colour_table.h"
 #include "appearance/skin.h"
 #include "appearance/window_effects.h"
 #include "base/text.h"
@@ -82,6 +83,7 @@ void FrmLookup::Connect() {
     connect(TimerStart, &forms::Timer::Tick, this, &FrmLookup::TimerStart_Tick);
     connect(TimerStatus, &forms::Timer::Tick, this, &FrmLookup::TimerStatus_Tick);
     connect(CommandSearchGoogleID, &controls::dcButton::Click, this, &FrmLookup::CommandSearchGoogleID_Click);
+    connect(ImportantPictureBestMacthColor, &forms::PictureBox::BackColorChanged, this, &FrmLookup::SampleChanged);
     inventory::ConnectList(*LabelListViewHardware, QStringLiteral("MenuLookup"), this);
     connect(Anchor1, &controls::Anchor::AfterResize, this, [this] { window::DrawFrame(*this); });
     window::ConnectGrip(*this, *LabelResize);
@@ -128,12 +130,7 @@ void FrmLookup::TimerStart_Tick() {
     FindMatches(MatchQuery(TextID->Text()), rows);
     if (values::ProgramClosing())
         return;
-    const base::Colour best = ImportantPictureBestMacthColor->BackColor();
-    MarkBestMatches(rows, [best](suite::ListItem& row) {
-        row.SetForeColor(best);
-        row.SetSubItemForeColor(ManufacturerColumn, best);
-        row.SetSubItemForeColor(HardwareIdColumn, best);
-    });
+    MarkBestMatches(rows, [this](suite::ListItem& row) { Mark(row); });
     inventory::AutoSizeColumnsButLast(*LabelListViewHardware);
     base::Yield();
     SortByLength();
@@ -142,6 +139,23 @@ void FrmLookup::TimerStart_Tick() {
     LabelListViewHardware->SetVisible(true);
     DB1->EndDisplay();
     base::Yield();
+}
+
+void FrmLookup::Mark(suite::ListItem& row) {
+    const base::Colour best = ImportantPictureBestMacthColor->BackColor();
+    row.SetForeColor(best);
+    row.SetSubItemForeColor(ManufacturerColumn, best);
+    row.SetSubItemForeColor(HardwareIdColumn, best);
+}
+
+// The best matches follow a change of the scheme. On its way to its colour the sample has the window's for a moment.
+void FrmLookup::SampleChanged() {
+    if (ImportantPictureBestMacthColor->BackColor() != appearance::ColorOf(appearance::ImportantText))
+        return;
+    suite::ListItems& rows = LabelListViewHardware->ListItems();
+    for (int i = 1; i <= rows.Count(); ++i)
+        if (rows.Item(i)->CellForeColor(0))
+            Mark(*rows.Item(i));
 }
 
 void FrmLookup::TimerStatus_Tick() { LabelStatus->SetCaption(ResultsText(LabelListViewHardware->ListItems().Count())); }

@@ -19,8 +19,9 @@ class Timer;
 } // namespace forms
 
 namespace suite {
+class ListItem;
 class ListView;
-}
+} // namespace suite
 
 namespace database {
 
@@ -55,6 +56,8 @@ class FrmLookup : public forms::Form {
     void CreateControls();
     void Connect();
     void SortByLength();
+    void Mark(suite::ListItem& row);
+    void SampleChanged();
     void TimerStart_Tick();
     void TimerStatus_Tick();
     void CommandSearchGoogleID_Click();

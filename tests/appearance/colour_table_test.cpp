@@ -138,8 +138,9 @@ TEST_F(ColourTable, PresetNamesNeverLeaveTheFolder) {
         SaveColorPreset(name);
     EXPECT_TRUE(QDir(folder_.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
 
-    const QStringList good = {QStringLiteral("My scheme"), QStringLiteral("Схема"), QStringLiteral("配色"),
-                              QStringLiteral("a.b"), QString(240, u'y')};
+    const QStringList good = {QStringLiteral("My scheme"), QStringLiteral("Схема"),      QStringLiteral("配色"),
+                              QStringLiteral("a.b"),       QStringLiteral("Night.. v2"), QStringLiteral("..dim"),
+                              QString(240, u'y')};
     for (const QString& name : good)
         SaveColorPreset(name);
     const QDir presets(Path(QStringLiteral("color_presets")));

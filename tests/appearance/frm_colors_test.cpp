@@ -18,6 +18,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QTest>
+#include <set>
 
 using namespace appearance;
 
@@ -76,16 +77,19 @@ TEST_F(Editor, EachPickedColourShowsAtOnceInAllWindowsAndIsSaved) {
     });
     forms::Form* const other = forms::Forms::Instance().New(QStringLiteral("FrmOther"));
     forms::Label label(other->Client(), QStringLiteral("Label1"));
+    std::set<QString> titles;
     for (const ColourRow& row : colourRows) {
         const base::Colour chosen(quint32(0x010101 * (row.Index + 1)));
-        suite::SetColourDialog([&](QWidget*, base::Colour start, const QString&) {
+        suite::SetColourDialog([&](QWidget*, base::Colour start, const QString& title) {
             EXPECT_EQ(start, ColorOf(row.Index)) << row.Key;
+            EXPECT_TRUE(titles.insert(title).second) << title.toStdString();
             return std::optional(chosen);
         });
         ClickOn(ColorPicker(row.Index));
         EXPECT_EQ(ColorOf(row.Index), chosen) << row.Key;
         EXPECT_EQ(Stored(QLatin1StringView(row.Key)), QString::number(chosen.Value()));
     }
+    EXPECT_EQ(titles.count(QStringLiteral("Buttons & Tabs: Background")), 1U);
     EXPECT_EQ(label.BackColor(), ColorOf(ProgramBack));
     EXPECT_EQ(label.ForeColor(), ColorOf(ProgramText));
     EXPECT_EQ(other->BackColor(), ColorOf(ProgramBack));

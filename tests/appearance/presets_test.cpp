@@ -1,6 +1,8 @@
-// The presets that the program ships: complete, in the form that it writes itself, and readable.
+// The presets that the program ships: complete, in the form that it writes itself, and readable; one of them is the
+// look that it comes with.
 #include "appearance/colour_table.h"
 #include "base/profile_file.h"
+#include "controls/colour_helpers.h"
 
 #include <QDir>
 #include <QFile>
@@ -55,8 +57,9 @@ constexpr Pair pairs[] = {{ProgramText, ProgramBack},
 TEST(Presets, AreCompleteAndReadable) {
     const QDir folder(QStringLiteral(PRESET_FOLDER));
     const QStringList names = folder.entryList({QStringLiteral("*.ini")}, QDir::Files);
-    ASSERT_GE(names.size(), 4);
+    ASSERT_GE(names.size(), 5);
     ASSERT_TRUE(names.contains(QStringLiteral("High Contrast.ini")));
+    ASSERT_TRUE(names.contains(QStringLiteral("Default.ini")));
     for (const QString& name : names) {
         SCOPED_TRACE(name.toStdString());
         QFile file(folder.filePath(name));
@@ -70,10 +73,19 @@ TEST(Presets, AreCompleteAndReadable) {
             ASSERT_LT(colour->Value(), 0x1000000U) << row.Key;
             colours[row.Index] = *colour;
         }
+        if (name == QStringLiteral("Default.ini")) {
+            for (const ColourRow& row : colourRows)
+                EXPECT_EQ(colours[row.Index], row.Default) << row.Key;
+            continue;
+        }
         const double wanted = name == QStringLiteral("High Contrast.ini") ? 7.0 : 4.5;
         for (const Pair& pair : pairs)
             EXPECT_GE(Contrast(colours[pair.Text], colours[pair.Back]), wanted)
                 << RowOf(pair.Text)->Key << " on " << RowOf(pair.Back)->Key;
+        // Under the pointer a button brightens from top to bottom; its caption stands in the middle.
+        for (const Pair& pair : {Pair{ButtonText, ButtonTopBack}, Pair{ImportantButtonText, ImportantButtonTopBack}})
+            EXPECT_GE(Contrast(colours[pair.Text], controls::ShiftColour(colours[pair.Back], 0.1)), 4.5)
+                << RowOf(pair.Text)->Key << " under the pointer";
     }
 }
 

@@ -1,6 +1,8 @@
 #include "database/frm_lookup.h"
 
 #include "appearance/colour_table.h"
+#include "appearance/frm_colors.h"
+#include "appearance/skin.h"
 #include "controls/anchor.h"
 #include "controls/animation_bar.h"
 #include "controls/dc_button.h"
@@ -37,6 +39,7 @@ class LookupTest : public StoreFixture {
         StoreFixture::SetUp();
         all_.SetAllGone([] {});
         database::RegisterLookupForm();
+        appearance::RegisterForms();
         inventory::RegisterMenuForm();
         forms::SetMsgBoxRecorder([this](const QString& text, forms::MessageIcon) { messages_ << text; });
         forms::SetBrowserRecorder([this](const QString& address) { addresses_ << address; });
@@ -130,6 +133,10 @@ TEST_F(LookupTest, TheLongestIdStandsOnTopInTheColourOfBestMatches) {
         EXPECT_EQ(items.Item(2)->CellForeColor(column), best);
         EXPECT_FALSE(items.Item(3)->CellForeColor(column).has_value());
     }
+    appearance::SetColor(appearance::ImportantText, base::Colour(0x123456));
+    appearance::ApplyColorsToAllForms();
+    for (int row = 1; row <= 3; ++row)
+        EXPECT_EQ(items.Item(row)->CellForeColor(0), row < 3 ? std::optional(base::Colour(0x123456)) : std::nullopt);
     EXPECT_TRUE(window->LabelListViewHardware->Visible());
     EXPECT_TRUE(window->LabelListViewHardware->Header()->isSectionHidden(3));
     EXPECT_EQ(items.Column(4).Width, 0);

@@ -34,6 +34,12 @@ for picture in docs/pictures/*.png; do
   grep -q "${picture#docs/}" "${documents[@]}" || fail "$picture is shown nowhere"
 done
 
+# The captions of the search commands name the site that they open by default, and so does the guide.
+site=$(sed -nE 's|.*QUORVANE_SEARCH_SITE "https://([^/"]*).*|\1|p' cmake/addresses.cmake)
+caption=$(grep -ohE '"Search [A-Z][a-z]+ For' src/database/frm_lookup.cpp | cut -d' ' -f2)
+case $site in *".${caption,,}."*) ;; *) fail "'Search $caption' opens $site" ;; esac
+grep -q "\`$site\`" docs/guide.md || fail "docs/guide.md does not name $site"
+
 # Options of our tools in the text, against their own help.
 for tool in quorvane-db quorvane-list; do
   help=$("${QUORVANE_BIN:?}/$tool" --help) || fail "$tool --help"

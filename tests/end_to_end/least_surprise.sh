@@ -153,12 +153,12 @@ xdotool key Down Return
 sleep 0.5
 shot preset
 click "$colors" 60 70
-wait_for 5 window_titled 'Text' || fail "no colour dialog"
+wait_for 5 window_titled 'Program: Text' || fail "no colour dialog"
 sleep 0.3
 shot dialog
 xdotool key Return
 closed() { ! window_titled "$1"; }
-wait_for 5 closed 'Text' || fail "the colour dialog stays"
+wait_for 5 closed 'Program: Text' || fail "the colour dialog stays"
 click "$colors" 126 309
 wait_for 5 window_titled 'Save Colors As Preset' || fail "no question for the preset's name"
 sleep 0.3

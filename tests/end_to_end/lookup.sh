@@ -26,8 +26,9 @@ expect "rows on the clipboard" "$(sort "$scratch/clipboard" | tr -d '\r' | sed '
 keys shift+F10
 choose 3
 wait_for 5 test -s "$scratch/opened" || fail "no browser was started"
+site=$(sed -n 's/^QUORVANE_SEARCH_SITE:STRING=//p' "$QUORVANE_BUILD/CMakeCache.txt")
 case $(cat "$scratch/opened" 2>/dev/null) in
-  https://*'/?q='*'%5C'*'%20Driver') ;;
+  "$site/?q="*'%5C'*'%20Driver') ;;
   *) fail "address: $(cat "$scratch/opened" 2>/dev/null)" ;;
 esac
 

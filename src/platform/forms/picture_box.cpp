@@ -15,8 +15,11 @@ PictureBox::PictureBox(QWidget* container, const QString& name) : Control(contai
 }
 
 void PictureBox::SetBackColor(base::Colour colour) {
+    const bool changed = colour != backColor_;
     backColor_ = colour;
     Cls();
+    if (changed)
+        Q_EMIT BackColorChanged();
 }
 
 void PictureBox::SetForeColor(base::Colour colour) { foreColor_ = colour; }

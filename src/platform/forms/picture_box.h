@@ -31,6 +31,9 @@ class PictureBox : public Control {
     // A rectangle's outline in the fore colour, corners in pixels, both included; parts outside are cut off.
     void DrawBox(int left, int top, int right, int bottom);
 
+  Q_SIGNALS:
+    void BackColorChanged();
+
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -1,6 +1,7 @@
 #include "suite/color_picker.h"
 
 #include "forms/late_bound.h"
+#include "suite/group_box.h"
 #include "suite/paint_tools.h"
 
 #include <QColorDialog>
@@ -129,13 +130,20 @@ QString ColorPicker::ShownText() const { return ShownCaption(caption_); }
 
 int ColorPicker::TextRoom() const { return width() - Scaled(swatchWidth + gap + 3) - Scaled(2); }
 
+// Pickers of several groups may bear one caption.
+QString ColorPicker::DialogTitle() const {
+    const auto* const group = qobject_cast<const GroupBox*>(parentWidget());
+    const QString own = ShownCaption(caption_);
+    return group == nullptr ? own : ShownCaption(group->Caption()) + QStringLiteral(": ") + own;
+}
+
 void ColorPicker::Pick() {
     // The dialog lets everything else of the program run, and must not open twice for one colour.
     if (picking_)
         return;
     picking_ = true;
     const QPointer<ColorPicker> alive(this);
-    const auto chosen = Dialog()(this, colour_, ShownCaption(caption_));
+    const auto chosen = Dialog()(this, colour_, DialogTitle());
     if (!alive)
         return;
     picking_ = false;

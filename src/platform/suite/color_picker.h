@@ -45,6 +45,7 @@ class ColorPicker : public HostedControl {
 
   private:
     void Describe();
+    QString DialogTitle() const;
 
     QPushButton* button_;
     QString caption_;

@@ -126,6 +126,9 @@ void ListTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option, co
                           fontMetrics().elidedText(item->CellText(column), Qt::ElideRight, room.width()));
         painter->restore();
     }
+    // Muted as it is without the keyboard, the fill alone would be lost on a dark list.
+    if (selected && !active)
+        DrawFocusRing(*painter, option.rect.intersected(viewport()->rect()), DistinctOn(base, highlight, text));
     if (active && currentIndex().row() == index.row())
         DrawFocusRing(*painter, option.rect.intersected(viewport()->rect()),
                       selected ? selectedInk : Mix(text, base, 0.3));

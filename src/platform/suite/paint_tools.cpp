@@ -40,6 +40,14 @@ QColor ReadableOn(const QColor& back, const QColor& wanted) {
     return Contrast(back, Qt::black) >= Contrast(back, Qt::white) ? QColor(Qt::black) : QColor(Qt::white);
 }
 
+QColor DistinctOn(const QColor& back, const QColor& wanted, const QColor& other) {
+    constexpr int steps = 20;
+    int step = 0;
+    while (step < steps && Contrast(back, Mix(wanted, other, double(step) / steps)) < leastReadable)
+        ++step;
+    return Mix(wanted, other, double(step) / steps);
+}
+
 void DrawFocusRing(QPainter& painter, const QRect& area, const QColor& ink) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);

@@ -27,6 +27,8 @@ QColor Mix(const QColor& from, const QColor& to, double share);
 double Contrast(const QColor& a, const QColor& b);
 // `wanted` if it is readable on `back`, else black or white, whichever reads better.
 QColor ReadableOn(const QColor& back, const QColor& wanted);
+// `wanted`, moved towards `other` as far as it must be to be told apart from `back`.
+QColor DistinctOn(const QColor& back, const QColor& wanted, const QColor& other);
 
 // A thin rounded line just inside `area`.
 void DrawFocusRing(QPainter& painter, const QRect& area, const QColor& ink);

@@ -5,6 +5,7 @@
 #include "suite/list_model.h"
 #include "suite/list_tree.h"
 #include "suite/list_view.h"
+#include "suite/paint_tools.h"
 
 #include <QAccessible>
 #include <QScrollBar>
@@ -248,6 +249,13 @@ TEST_F(ListViewTest, PaintsTheTwoColoursTheCellColourAndTheIcon) {
     // The green board of the display adapter's glyph, on the first row alone.
     EXPECT_TRUE(has(0, QColor(0x2E, 0x8B, 0x45), 2, 20));
     EXPECT_FALSE(has(1, QColor(0x2E, 0x8B, 0x45), 2, 20));
+
+    // Without the keyboard too one sees on black which row is chosen.
+    list->SetBackColor(base::Colour(0));
+    items().Item(2)->SetSelected(true);
+    const QRect row = list->Tree()->visualRect(Model()->index(1, 0));
+    const QPoint edge = list->Tree()->viewport()->mapTo(list, QPoint(0, row.center().y()));
+    EXPECT_GE(suite::Contrast(Picture().pixelColor(edge), Qt::black), 3);
 }
 
 TEST_F(ListViewTest, ReadsAsATreeWithItsRows) {
