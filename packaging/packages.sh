@@ -18,7 +18,7 @@ machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext
 # The desktops that tests/end_to_end/desktops goes through, and what it looks at them with.
 desktop_packages=(xfwm4 kwin-x11 metacity icewm i3-wm weston xwayland xserver-xorg-core xserver-xorg-video-dummy picom tint2
   x11-utils x11-xserver-utils dbus-daemon locales)
-bench_packages=(libbenchmark-dev python3 xvfb openbox lshw hwinfo pciutils hardinfo curl)
+bench_packages=(libbenchmark-dev python3 xvfb openbox xdotool lshw hwinfo pciutils hardinfo curl)
 
 # For the sanitizer build with the fuzzers.
 fuzz_packages=(clang lld llvm 'libclang-rt-dev|libclang-rt-14-dev')

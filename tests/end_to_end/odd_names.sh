@@ -12,7 +12,7 @@ fi
 machine=$(mktemp -d)
 trap 'rm -rf --one-file-system "$machine"' EXIT
 
-names=('Intel(R) Xeon(R) Processor' 'a [b-a] *' '-e --help' "it's \"quoted\"" 'one, two, three' '$(id) `id` \1' 'A.C' 'AbC'
+names=('Intel(R) Xeon(R) Processor' 'a [*] [b-a] *' '-e --help' "it's \"quoted\"" 'one, two, three' '$(id) `id` \1' 'A.C' 'AbC'
   '^caret$' 'brace{1,9} | ?+' 'Prüf-Gerät')
 {
   printf '/devices/pci0000:00/0000:00:02.0 @ bus/pci\n  %s\n' 'vendor = 0x8086'

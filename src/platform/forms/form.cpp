@@ -76,7 +76,11 @@ Form::~Form() {
             delete component;
 }
 
-void Form::SetCaption(const QString& caption) { setWindowTitle(caption); }
+// The toolkit takes a single "[*]" for its mark of a changed document and leaves it out.
+void Form::SetCaption(const QString& caption) {
+    caption_ = caption;
+    setWindowTitle(QString(caption).replace(QLatin1String("[*]"), QLatin1String("[*][*]")));
+}
 
 // The toolkit believes every window minimised that it asked for; where nothing minimises, the window goes on as before.
 bool Form::IsMinimised() const {

@@ -43,7 +43,7 @@ class Form : public QWidget {
     ~Form() override;
 
     QString Name() const { return objectName(); }
-    QString Caption() const { return windowTitle(); }
+    QString Caption() const { return caption_; }
     void SetCaption(const QString& caption);
 
     // Place and size on the screen in twips; a shadow around the window does not count.
@@ -175,6 +175,7 @@ class Form : public QWidget {
 
     QWidget* client_;
     QList<QObject*> controls_;
+    QString caption_;
     draw::Surface surface_;
     base::Colour backColor_{0x8000000FU};
     base::Colour foreColor_{0x80000012U};
