@@ -86,7 +86,7 @@ struct Attribute {
     bool isText = true;
 };
 
-// Every attribute that a reader asks for.
+// Every attribute that a reader asks for; one without contents is left out on purpose.
 constexpr Attribute Attributes[] = {
     {"afg", Text},
     {"authorized", Text},
@@ -250,8 +250,6 @@ std::string Page89WithoutIdentity(const std::string& page) {
         kept[at] = page[at];
     return kept;
 }
-
-bool IsDecided(const std::string& attribute) { return FindAttribute(attribute) != nullptr; }
 
 SavedMachine WithoutIdentity(const SavedMachine& machine) {
     AddressMask mask;

@@ -11,9 +11,6 @@ namespace pnp {
 // network interfaces by name. Addresses of networks and radios in names and texts become numbers counted from 1.
 SavedMachine WithoutIdentity(const SavedMachine& machine);
 
-// Whether it was decided about an attribute: to keep it, or to leave it out.
-bool IsDecided(const std::string& attribute);
-
 // The parts of binary attributes that tell the kind of device. Whatever they are given, they read inside of it.
 std::string EdidWithoutIdentity(const std::string& edid);
 std::string Page83WithoutIdentity(const std::string& page);

@@ -8,27 +8,23 @@
 #include <QRegularExpression>
 #include <gtest/gtest.h>
 
-namespace {
-
-QByteArray Bytes(const QString& text) {
-    static const QRegularExpression part(QStringLiteral("(~?)\"([^\"]*)\"|@(\\d+)|([0-9A-Fa-f]{2})"));
+QByteArray FixtureBytes(const QString& text) {
+    static const QRegularExpression part(QStringLiteral("(~?)\"([^\"]*)\"(?:\\*(\\d+))?|@(\\d+)|([0-9A-Fa-f]{2})"));
     QByteArray bytes;
     for (const QRegularExpressionMatch& match : part.globalMatch(text)) {
-        if (match.hasCaptured(4)) {
-            bytes += QByteArray::fromHex(match.captured(4).toLatin1());
-        } else if (match.hasCaptured(3)) {
-            bytes = bytes.leftJustified(match.captured(3).toInt(), '\0');
+        if (match.hasCaptured(5)) {
+            bytes += QByteArray::fromHex(match.captured(5).toLatin1());
+        } else if (match.hasCaptured(4)) {
+            bytes = bytes.leftJustified(match.captured(4).toInt(), '\0');
         } else {
             QByteArray plain = match.captured(2).toUtf8();
             for (qsizetype i = 0; !match.captured(1).isEmpty() && i + 1 < plain.size(); i += 2)
                 std::swap(plain[i], plain[i + 1]);
-            bytes += plain;
+            bytes += plain.repeated(match.hasCaptured(3) ? match.captured(3).toInt() : 1);
         }
     }
     return bytes;
 }
-
-} // namespace
 
 DeviceFixture::DeviceFixture(const QByteArray& text) : before_(pnp::CurrentSources()) {
     QDir().mkpath(Root());
@@ -65,7 +61,7 @@ void DeviceFixture::Add(const QByteArray& text) {
             Link(device + QLatin1Char('/') + parts[0], parts[1]);
         } else if (trimmed.contains(QStringLiteral(" : "))) {
             const qsizetype colon = trimmed.indexOf(QStringLiteral(" : "));
-            Write(device + QLatin1Char('/') + trimmed.left(colon), Bytes(trimmed.mid(colon + 3)));
+            Write(device + QLatin1Char('/') + trimmed.left(colon), FixtureBytes(trimmed.mid(colon + 3)));
         } else {
             const qsizetype equals = trimmed.indexOf(QStringLiteral(" ="));
             Write(device + QLatin1Char('/') + trimmed.left(equals), trimmed.mid(equals + 3).toUtf8() + "\n");

@@ -5,8 +5,8 @@
 //   /devices/virtual/net/lo @ class/net            the same in /class/net
 //     vendor = 0x8086                              an attribute, with a line end behind it
 //     driver -> /bus/pci/drivers/ahci              a relative link; its target need not be there
-//     edid : 00 FF "text" ~"etxt" @128             an attribute of bytes: in hexadecimal, as text, as text whose pairs
-//                                                  of characters are exchanged, NULs up to a size
+//     edid : 00 FF "text"*9 ~"etxt" @128           an attribute of bytes: in hexadecimal, as text, nine times, as text
+//                                                  whose pairs of characters are exchanged, NULs up to a size
 #pragma once
 
 #include "pnp/device.h"
@@ -43,6 +43,8 @@ class DeviceFixture {
     pnp::Sources before_;
 };
 
+// The bytes of such a line.
+QByteArray FixtureBytes(const QString& text);
 // The IDs with " | " between them.
 QString Joined(const QStringList& ids);
 
