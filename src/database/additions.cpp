@@ -10,11 +10,13 @@
 #include "database/store.h"
 #include "inventory/clean_text.h"
 
+#include <optional>
+
 namespace database {
 
 namespace {
 
-constexpr int mostAttempts = 3; // of one addition while others keep replacing the database
+constexpr int mostAttempts = 3; // of one addition while others keep replacing the database or writing to it
 
 struct TextTable {
     const char16_t* Name;
@@ -96,12 +98,14 @@ qint32 LastIdentity() {
 }
 
 // The number of the name or manufacturer, which is written if it is missing. Another instance may write it in the same
-// moment, so it is looked for once more when nobody else can.
-qint32 FindOrInsert(const TextTable& table, const QString& value) {
+// moment, so it is looked for once more when nobody else can. Nothing where the turn to write did not come: any number
+// would be that of another name.
+std::optional<qint32> FindOrInsert(const TextTable& table, const QString& value) {
     if (const data::RecordsetPtr row = FindRow(table, value)) {
         return RowId(row);
     }
-    if (data::Ran([] { RequireConnection().BeginTrans(); })) {
+    const bool begun = data::Ran([] { RequireConnection().BeginTrans(); });
+    if (begun) {
         if (const data::RecordsetPtr row = FindRow(table, value)) {
             EndTransaction(false);
             return RowId(row);
@@ -111,7 +115,7 @@ qint32 FindOrInsert(const TextTable& table, const QString& value) {
         }));
     }
     base::Yield();
-    return LastIdentity();
+    return begun ? std::optional(LastIdentity()) : std::nullopt;
 }
 
 // Writes the pair under the ID, or nothing where it is there. The row is read inside the transaction: what another
@@ -135,16 +139,17 @@ bool WriteEntry(const QString& hwid, const QString& pair) {
     });
 }
 
-// One run against one file. False where the file was replaced meanwhile: the numbers then mean other names.
+// One run against one file. False where it must be tried again: the file was replaced meanwhile, whereupon the numbers
+// mean other names, or others kept it from being written.
 bool TryToAdd(const QString& hwid, const QString& name, const QString& manufacturer) {
     const quint64 generation = DatabaseGeneration();
-    const qint32 nameId = FindOrInsert(deviceNames, name);
-    const qint32 manufacturerId = FindOrInsert(manufacturers, manufacturer);
-    const QString pair = QStringLiteral("%1,%2").arg(nameId).arg(manufacturerId);
+    const std::optional<qint32> nameId = FindOrInsert(deviceNames, name);
+    const std::optional<qint32> manufacturerId = nameId ? FindOrInsert(manufacturers, manufacturer) : std::nullopt;
     base::Yield();
-    if (!data::Ran([] { RequireConnection().BeginTrans(); })) {
-        return DatabaseGeneration() == generation;
+    if (!manufacturerId || !data::Ran([] { RequireConnection().BeginTrans(); })) {
+        return false;
     }
+    const QString pair = QStringLiteral("%1,%2").arg(*nameId).arg(*manufacturerId);
     const bool same = DatabaseGeneration() == generation;
     EndTransaction(same && WriteEntry(hwid, pair));
     base::Yield();

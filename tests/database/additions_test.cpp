@@ -131,6 +131,30 @@ TEST_F(AdditionsTest, AReplacedDatabaseGetsTheNumbersOfItsOwnRows) {
                 ElementsAre(QStringLiteral("4,4\r\n")));
 }
 
+// Another number in the place of one that could not be had would be another device's name.
+TEST_F(AdditionsTest, WhatCannotBeWrittenIsTriedAgain) {
+    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    const QString away = Path() + QStringLiteral(".away");
+    for (const int begin : {2, 3, 4}) { // the yield in which the file goes: before the name, the maker, the entry
+        int yields = 0;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, [&] {
+            const bool goes = ++yields == begin - 1;
+            if (goes || yields == begin) {
+                EXPECT_TRUE(goes ? QFile::rename(Path(), away) : QFile::rename(away, Path()));
+            }
+        });
+        tick.start(0);
+        const QString line = QStringLiteral("ID%1|||Name%1|||Maker%1").arg(begin);
+        AddDeviceToDatabase(line);
+        tick.stop();
+        EXPECT_GE(yields, begin);
+        EXPECT_TRUE(IsDeviceInDatabase(line));
+    }
+    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n"), QStringLiteral("2,2\r\n"), QStringLiteral("3,3\r\n"),
+                                     QStringLiteral("4,4\r\n")));
+}
+
 TEST_F(AdditionsTest, WithoutADatabaseNothingHappens) {
     CloseDeviceDatabase();
     EXPECT_FALSE(AddAndAsk(QStringLiteral("ID|||Name|||Maker")));
