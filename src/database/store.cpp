@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 
 namespace database {
 
@@ -149,10 +150,13 @@ void ReadVersionAndCount() {
 
     values::ProgramValues& program = values::Program();
     data::Ran([&] { program.DatabaseVersion = version->Value(QStringLiteral("dbversion")).toString(); });
-    data::Ran([&] {
+    if (const data::ConnectionPtr connection = DatabaseConnection();
+        connection && hwids->State() != data::adStateClosed) {
         constexpr qint64 most = std::numeric_limits<qint32>::max();
-        program.DatabaseDeviceCount = qint32(std::min(hwids->RecordCount(), most));
-    });
+        const std::optional<qint64> count =
+            connection->CountRows(QStringLiteral("hwids"), [] { return values::ProgramClosing(); });
+        program.DatabaseDeviceCount = count ? qint32(std::min(*count, most)) : program.DatabaseDeviceCount;
+    }
     base::Yield();
     data::Ran([&] { hwids->Close(); });
     data::Ran([&] { version->Close(); });

@@ -1,11 +1,16 @@
 // Databases of strangers: what is looked at when a file is opened, what when it is to take another's place.
 #include "data/error.h"
 #include "data/file_judge.h"
+#include "database/additions.h"
+#include "database/matching.h"
 #include "database/schema.h"
 #include "store_fixture.h"
+#include "support/hold_up.h"
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTimer>
+#include <QtEndian>
 #include <functional>
 #include <sqlite3.h>
 #include <sys/resource.h>
@@ -257,4 +262,57 @@ TEST_F(HostileDatabase, SharedPagesAndLongRowsDoNotFillTheMemory) {
     EXPECT_EQ(walked, 200);
     getrusage(RUSAGE_SELF, &after);
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024) << "KiB"; // a sanitizer keeps what was given back
+}
+
+// A table whose pages name one page below them hundreds of times each: 68 KB with more rows than anybody can walk. It
+// does not come through an update, but somebody may have put it into the folder.
+TEST_F(HostileDatabase, TablesWithoutEndAreLeftInTime) {
+    Make(TABLES "INSERT INTO hwids VALUES('PCI\\X', '1,1'); INSERT INTO version VALUES('1.2.3');");
+    QByteArray bytes = Read();
+    constexpr int page = 4096;
+    constexpr int cell = 5; // a page's number and a row's
+    constexpr int cells = 500;
+    constexpr int levels = 12;
+    constexpr char inner = 5;
+    const qsizetype root = page; // of the first table that was made
+    const auto end = quint32(bytes.size() / page);
+    bytes.append(QByteArray(qsizetype(levels - 1) * page, '\0') + bytes.mid(root, page));
+    const auto put = [&bytes](qsizetype at, auto value) { qToBigEndian(value, bytes.data() + at); };
+    for (int level = 0; level < levels; ++level) {
+        const qsizetype at = level == 0 ? root : (end + level - 1) * qsizetype(page);
+        const quint32 below = end + quint32(level) + 1;
+        bytes.replace(at, page, QByteArray(page, '\0'));
+        bytes[at] = inner;
+        put(at + 3, quint16(cells));
+        put(at + 5, quint16(page - cells * cell));
+        put(at + 8, below);
+        for (int i = 0; i < cells; ++i) {
+            const int place = page - (i + 1) * cell;
+            put(at + 12 + 2 * i, quint16(place));
+            put(at + place, below);
+            bytes[at + place + 4] = 1;
+        }
+    }
+    put(28, quint32(bytes.size() / page));
+    Write(bytes);
+    ExpectSaid(ok, "the database is damaged", "without end");
+
+    ASSERT_TRUE(OpenDatabaseFile(Path()));
+    QElapsedTimer timer;
+    timer.start();
+    suite::ListItems rows;
+    AddColumns(rows);
+    FindMatches(MatchQuery(QStringLiteral("PCI\\Y\r\nPCI\\Z")), rows);
+    EXPECT_EQ(rows.Count(), 0);
+    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("PCI\\X|||A|||B")));
+    AddDeviceToDatabase(QStringLiteral("PCI\\X|||A|||B"));
+    EXPECT_LT(timer.elapsed(), 5'000) << "each statement of it ends";
+    support::HoldUp holdUp;
+    QTimer::singleShot(100, [] { values::Program().ProgramClosing = true; });
+    timer.restart();
+    values::Program().DatabaseDeviceCount = 7;
+    ReadVersionAndCount();
+    EXPECT_LT(timer.elapsed(), 2'000) << "ends with the program";
+    EXPECT_LT(holdUp.Longest(), 400) << "and the window lives meanwhile";
+    EXPECT_EQ(values::Program().DatabaseDeviceCount, 7);
 }

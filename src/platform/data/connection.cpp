@@ -1,8 +1,10 @@
 #include "data/connection.h"
 
+#include "base/aside.h"
 #include "base/paths.h"
 #include "base/text.h"
 #include "data/error.h"
+#include "data/file_judge.h"
 #include "data/session.h"
 
 #include <QRegularExpression>
@@ -100,6 +102,17 @@ quint64 Connection::Generation() const {
     }
     session_->FollowFile();
     return session_->Generation();
+}
+
+std::optional<qint64> Connection::CountRows(const QString& table, const std::function<bool()>& stopped) const {
+    if (!session_) {
+        return std::nullopt;
+    }
+    const QString path = session_->Path();
+    const DatabaseRules* rules = session_->Rules();
+    std::optional<qint64> count;
+    base::RunAside([&](const std::atomic<bool>& stop) { count = data::CountRows(path, rules, table, stop); }, stopped);
+    return count;
 }
 
 QString Connection::StorageFault() const { return session_ ? session_->StorageFault() : QString(); }

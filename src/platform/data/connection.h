@@ -5,7 +5,9 @@
 #include "data/ado.h"
 
 #include <QString>
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace data {
 
@@ -49,6 +51,11 @@ class Connection {
     // Changes with every opening of a file, also when the file was replaced under an open connection; 0 while closed.
     // Looks at the file first, so two equal answers mean that what was read between them belongs together.
     quint64 Generation() const;
+
+    // How many rows a table holds; nothing where that cannot be told. A large file takes a while to count and a crafted
+    // one for ever, so it is done aside: events are dispatched meanwhile, and it ends once `stopped` says so, at the
+    // latest after 5 s.
+    std::optional<qint64> CountRows(const QString& table, const std::function<bool()>& stopped) const;
 
     // Why a call could not write, where that lies with the disk: it is full, for instance. Empty where none failed so,
     // also while closed. For callers that pass over single failures and must not take a full disk for one of them.

@@ -14,6 +14,7 @@ namespace data {
 namespace {
 
 constexpr int stepsPerCall = 1000;
+constexpr int longestCount = 5'000; // milliseconds
 
 struct Finalize {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
@@ -146,6 +147,25 @@ QString JudgeDatabaseFile(const QString& nativePath, const DatabaseRules& rules,
         return failure.Description();
     }
     return wrong.isEmpty() ? QString() : QStringLiteral("%1: %2").arg(nativePath, wrong);
+}
+
+std::optional<qint64> CountRows(const QString& nativePath, const DatabaseRules* rules, const QString& table,
+                                const std::atomic<bool>& stop) {
+    Handle handle;
+    if (!Ran([&] { handle = OpenGuarded(nativePath, rules); })) {
+        return std::nullopt;
+    }
+    Patience patience{&stop, longestCount, {}};
+    patience.Timer.start();
+    sqlite3_progress_handler(handle.get(), stepsPerCall, IsOver, &patience);
+    // The condition keeps the store from its own short way of counting, which asks nobody whether it is over.
+    const QByteArray ask = "SELECT count(*) FROM [" + table.toUtf8() + "] WHERE ?";
+    sqlite3_stmt* prepared = nullptr;
+    sqlite3_prepare_v2(handle.get(), ask.constData(), -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    sqlite3_bind_int(prepared, 1, 1);
+    return sqlite3_step(prepared) == SQLITE_ROW ? std::optional<qint64>(sqlite3_column_int64(prepared, 0))
+                                                : std::nullopt;
 }
 
 } // namespace data

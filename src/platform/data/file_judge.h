@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <atomic>
+#include <optional>
 
 namespace data {
 
@@ -16,5 +17,9 @@ enum class Soundness { Pages, Indexes };
 // while the program goes on; `stop` set to true ends it soon, and it gives up by itself when the rules' time is over.
 QString JudgeDatabaseFile(const QString& nativePath, const DatabaseRules& rules,
                           const std::atomic<bool>* stop = nullptr, Soundness soundness = Soundness::Pages);
+
+// How many rows a table of the file holds; nothing where that cannot be told within 5 s or before `stop` is true.
+std::optional<qint64> CountRows(const QString& nativePath, const DatabaseRules* rules, const QString& table,
+                                const std::atomic<bool>& stop);
 
 } // namespace data

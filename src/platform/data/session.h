@@ -4,6 +4,7 @@
 #pragma once
 
 #include "data/guarded_handle.h"
+#include "data/processor_limit.h"
 
 #include <QByteArray>
 #include <QString>
@@ -32,7 +33,8 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // All rows; Error where they are more or longer than a query may bring. `withRowId`: the statement's first column
+    // All rows; Error where they are more or longer than a query may bring, or take too long to find. `withRowId`: the
+    // statement's first column
     // is the row's own number. `inPages`: so many of the rows as may come, at least one.
     Table Query(const QByteArray& sql, const std::vector<QVariant>& values, bool withRowId, bool inPages = false);
     // Runs a statement that gives no rows; how many rows it changed. Durable on return, unless inside a transaction.
@@ -64,6 +66,10 @@ class Session {
     // Looks whether the file was replaced, and opens the new one; done by every call outside a transaction.
     void FollowFile();
 
+    // As it was opened.
+    const QString& Path() const { return path_; }
+    const DatabaseRules* Rules() const { return rules_; }
+
   private:
     struct Prepared {
         QByteArray Sql;
@@ -90,6 +96,7 @@ class Session {
 
     QString path_;
     const DatabaseRules* rules_;
+    ProcessorLimit limit_;
     Handle handle_;
     std::list<Prepared> statements_; // most recently used first
     FileIdentity file_;
