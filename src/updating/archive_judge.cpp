@@ -62,6 +62,25 @@ QByteArray TakeSignature(QList<net::UnpackedFile>& files) {
     return text;
 }
 
+// Nothing unsigned comes in beside what is signed, and the store reads nothing before it is known to be signed.
+bool IsSigned(const QList<net::UnpackedFile>& files, const QByteArray& signature, const QString& trustedKeys) {
+    return files.size() == 1 && files.first().Name.compare(databaseName, Qt::CaseInsensitive) == 0 &&
+           signing::IsSignedFile(files.first().Path, signature, signing::ReadPublicKeys(trustedKeys));
+}
+
+bool Judge(QList<net::UnpackedFile>& files, const QString& trustedKeys, const QString& present,
+           const std::atomic<bool>& stop) {
+    const QByteArray signature = TakeSignature(files);
+    const bool asksForKey = !trustedKeys.isEmpty();
+    if (files.isEmpty() || (asksForKey && !IsSigned(files, signature, trustedKeys))) {
+        return false;
+    }
+    const bool sound = std::all_of(files.cbegin(), files.cend(), [&stop](const net::UnpackedFile& file) {
+        return !IsDatabase(file) || data::JudgeDatabaseFile(file.Path, database::Rules(), &stop).isEmpty();
+    });
+    return sound && (!asksForKey || IsNotOlder(VersionOf(files.first().Path), VersionOf(present)));
+}
+
 } // namespace
 
 bool IsNotOlder(const QString& offered, const QString& present) {
@@ -71,27 +90,10 @@ bool IsNotOlder(const QString& offered, const QString& present) {
 
 bool IsArchiveGood(QList<net::UnpackedFile>& files, const QString& trustedKeys, const QString& folder,
                    const std::function<bool()>& stopped) {
-    const QByteArray signature = TakeSignature(files);
-    const QByteArrayList keys = signing::ReadPublicKeys(trustedKeys);
-    // Nothing unsigned comes in beside what is signed.
-    if (!trustedKeys.isEmpty() &&
-        (files.size() != 1 || files.first().Name.compare(databaseName, Qt::CaseInsensitive) != 0)) {
-        return false;
-    }
-    bool good = !files.isEmpty();
-    const QList<net::UnpackedFile> judged = files;
-    base::RunAside(
-        [&](const std::atomic<bool>& stop) {
-            for (const net::UnpackedFile& file : judged) {
-                good = good &&
-                       (!IsDatabase(file) || data::JudgeDatabaseFile(file.Path, database::Rules(), &stop).isEmpty()) &&
-                       (trustedKeys.isEmpty() || signing::IsSignedFile(file.Path, signature, keys));
-            }
-        },
-        stopped);
-    return good && !stopped() &&
-           (trustedKeys.isEmpty() ||
-            IsNotOlder(VersionOf(files.first().Path), VersionOf(base::NativePath(folder + u'/' + databaseName))));
+    const QString present = base::NativePath(folder + u'/' + databaseName);
+    bool good = false;
+    base::RunAside([&](const std::atomic<bool>& stop) { good = Judge(files, trustedKeys, present, stop); }, stopped);
+    return good && !stopped();
 }
 
 } // namespace updating

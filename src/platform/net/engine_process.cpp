@@ -1,9 +1,8 @@
 #include "net/engine_process.h"
 
-#include "base/yield.h"
-
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QProcess>
 #include <array>
 #include <csignal>
 #include <sys/prctl.h>
@@ -27,7 +26,7 @@ QStringList& Folders() {
     return folders;
 }
 
-// Runs in the child between fork and exec: system calls only.
+// Runs in the child between fork and exec: system calls only. The signal comes at the end of the thread that forked.
 void PrepareChild(pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) {
@@ -35,6 +34,19 @@ void PrepareChild(pid_t parent) {
     }
     const rlimit limit{memoryLimit, memoryLimit};
     setrlimit(RLIMIT_AS, &limit);
+}
+
+void Prepare(QProcess& process, const QString& engine, const QStringList& arguments) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // Names in the listing come as UTF-8 whatever the user's locale is.
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    process.setProcessEnvironment(environment);
+    process.setProgram(engine);
+    process.setArguments(arguments);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    const pid_t parent = getpid();
+    process.setChildProcessModifier([parent] { PrepareChild(parent); });
 }
 
 } // namespace
@@ -59,71 +71,32 @@ QString FindEngine() {
 
 void SetEngineFolders(const QStringList& folders) { Folders() = folders; }
 
-EngineProcess::~EngineProcess() { Kill(); }
-
-void EngineProcess::Start(const QStringList& arguments) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // Names in the listing come as UTF-8 whatever the user's locale is.
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    process_.setProcessEnvironment(environment);
-    process_.setProgram(engine_);
-    process_.setArguments(arguments);
-    process_.setStandardInputFile(QProcess::nullDevice());
-    process_.setStandardErrorFile(QProcess::nullDevice());
-    const pid_t parent = getpid();
-    process_.setChildProcessModifier([parent] { PrepareChild(parent); });
-    process_.start(QIODevice::ReadOnly);
-}
-
-void EngineProcess::Drain(const Sink& sink) {
-    const base::NoYieldScope noYield;
-    piece_.resize(pieceSize);
-    qint64 size = 0;
-    while ((size = process_.read(piece_.data(), piece_.size())) > 0) {
-        moved_ = true;
-        if (!refused_ && !sink(piece_.constData(), size)) {
-            refused_ = true;
-            process_.kill();
-        }
-    }
-}
-
-bool EngineProcess::Run(const QStringList& arguments, const Sink& sink, const std::function<bool()>& turn) {
-    refused_ = false;
-    bool ended = false;
-    const auto read = connect(&process_, &QProcess::readyReadStandardOutput, this, [this, &sink] { Drain(sink); });
-    const auto finished = connect(&process_, &QProcess::finished, this, [&ended] { ended = true; });
-    Start(arguments);
-    ended = !process_.waitForStarted();
-    const bool started = !ended;
+bool EngineProcess::Run(const QStringList& arguments, const Sink& sink, const std::atomic<bool>& stop) {
+    QProcess process;
+    Prepare(process, engine_, arguments);
+    process.start(QIODevice::ReadOnly);
+    bool good = process.waitForStarted();
+    QByteArray piece(pieceSize, Qt::Uninitialized);
     QElapsedTimer sinceProgress;
     sinceProgress.start();
-    while (!ended) {
-        base::YieldBlocking(waitTurn);
-        if (moved_) {
-            moved_ = false;
+    while (good) {
+        const bool ended = process.state() == QProcess::NotRunning;
+        qint64 size = 0;
+        while (good && (size = process.read(piece.data(), piece.size())) > 0) {
+            good = sink(piece.constData(), size) && !stop;
             sinceProgress.restart();
         }
-        if (!turn() || sinceProgress.hasExpired(stallLimit_)) {
-            refused_ = true;
-            Kill();
+        if (ended) {
             break;
         }
+        process.waitForReadyRead(waitTurn);
+        good = good && !stop && !sinceProgress.hasExpired(stallLimit_);
     }
-    if (started) {
-        Drain(sink);
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(killWait);
     }
-    disconnect(read);
-    disconnect(finished);
-    return started && !refused_ && process_.state() == QProcess::NotRunning &&
-           process_.exitStatus() == QProcess::NormalExit && process_.exitCode() == 0;
-}
-
-void EngineProcess::Kill() {
-    if (process_.state() != QProcess::NotRunning) {
-        process_.kill();
-        process_.waitForFinished(killWait);
-    }
+    return good && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
 } // namespace net

@@ -1,7 +1,5 @@
 #include "net/staging_folder.h"
 
-#include "base/aside.h"
-
 #include <QCoreApplication>
 #include <QDir>
 #include <fcntl.h>
@@ -87,11 +85,7 @@ bool StagingFolder::CloseFile() {
     return file_.error() == QFileDevice::NoError;
 }
 
-bool StagingFolder::Sync(const std::function<bool()>& stopped) const {
-    bool stored = false;
-    base::RunAside([this, &stored](const std::atomic<bool>& /*stop*/) { stored = syncfs(lock_) == 0; }, stopped);
-    return stored;
-}
+bool StagingFolder::Sync() const { return syncfs(lock_) == 0; }
 
 QString StagingFolder::FilePath(qsizetype index) const { return path_ + QChar(u'/') + QString::number(index); }
 

@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QString>
-#include <functional>
 
 namespace net {
 
@@ -24,8 +23,8 @@ class StagingFolder {
     bool OpenFile();
     bool Write(const char* data, qsizetype size);
     bool CloseFile();
-    // Brings all of the files to the disk at once, which is waited for aside while events are dispatched.
-    bool Sync(const std::function<bool()>& stopped) const;
+    // Brings all of the files to the disk at once.
+    bool Sync() const;
 
     // The full path of the file with that number, in the order of their opening.
     QString FilePath(qsizetype index) const;

@@ -1,13 +1,13 @@
 #include "net/unpacked_files.h"
 
-#include "base/yield.h"
-
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
 #include <QStringList>
 #include <cstdio>
+#include <fcntl.h>
 #include <optional>
+#include <unistd.h>
 
 namespace net {
 
@@ -81,6 +81,44 @@ bool Rename(const QString& from, const QString& to) {
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
+// The files that stand in their places by now, and the way back.
+class PlacedFiles {
+  public:
+    bool Put(const UnpackedFile& file, const QString& place, const Replacer& replace) {
+        const QString kept = file.Path + QStringLiteral(".kept");
+        const bool hadOne = QFileInfo::exists(place);
+        // A second name for the old file: whoever has it open meanwhile, it stays what it is. Of a link, for the file
+        // that the replacer replaces behind it.
+        const int flags = IsDatabase(file) ? AT_SYMLINK_FOLLOW : 0;
+        const bool isKept = hadOne && ::linkat(AT_FDCWD, QFile::encodeName(place).constData(), AT_FDCWD,
+                                               QFile::encodeName(kept).constData(), flags) == 0;
+        if (!replace(file.Path, place)) {
+            return false;
+        }
+        placed_.append({place, isKept ? kept : QString(), hadOne, replace});
+        return true;
+    }
+
+    void TakeBack() const {
+        for (auto file = placed_.crbegin(); file != placed_.crend(); ++file) {
+            if (!file->HadOne) {
+                QFile::remove(file->Place);
+            } else if (!file->Kept.isEmpty()) {
+                file->Replace(file->Kept, file->Place);
+            }
+        }
+    }
+
+  private:
+    struct Placed {
+        QString Place;
+        QString Kept; // empty where the file system knows no links
+        bool HadOne;
+        Replacer Replace;
+    };
+    QList<Placed> placed_;
+};
+
 // Where each file goes; empty where a place cannot be had.
 QStringList Places(const QList<UnpackedFile>& files, const QString& target, TargetFolders& folders) {
     QStringList places;
@@ -101,27 +139,23 @@ QStringList Places(const QList<UnpackedFile>& files, const QString& target, Targ
 
 bool IsDatabase(const UnpackedFile& file) { return file.Name.endsWith(QStringLiteral(".mdb"), Qt::CaseInsensitive); }
 
-bool PutInPlace(const QList<UnpackedFile>& files, const QString& target,
-                const std::function<bool(const QString& from, const QString& to)>& replaceDatabase) {
+bool PutInPlace(const QList<UnpackedFile>& files, const QString& target, const Replacer& replaceDatabase) {
     TargetFolders folders;
     const QStringList places = Places(files, target, folders);
     if (places.size() != files.size()) {
         return false;
     }
+    PlacedFiles placed;
     for (const bool databases : {true, false}) {
+        const Replacer& replace = databases && replaceDatabase ? replaceDatabase : Rename;
         for (qsizetype index = 0; index < files.size(); ++index) {
-            const UnpackedFile& file = files.at(index);
-            if (IsDatabase(file) != databases) {
-                continue;
-            }
-            if (databases && replaceDatabase ? !replaceDatabase(file.Path, places.at(index))
-                                             : !Rename(file.Path, places.at(index))) {
+            if (IsDatabase(files.at(index)) == databases && !placed.Put(files.at(index), places.at(index), replace)) {
+                placed.TakeBack();
                 return false;
             }
-            folders.Keep();
-            base::Yield();
         }
     }
+    folders.Keep();
     return true;
 }
 

@@ -15,9 +15,13 @@ struct UnpackedFile {
 // Whether it ends in ".mdb".
 bool IsDatabase(const UnpackedFile& file);
 
-// Puts all of the files in their places below `target` or, where the first of them fails, none. Databases go first, by
-// `replaceDatabase` where there is one: they are what can be refused. Nothing goes through a link. Yields after each.
-bool PutInPlace(const QList<UnpackedFile>& files, const QString& target,
-                const std::function<bool(const QString& from, const QString& to)>& replaceDatabase);
+// Puts the first file in the place of the second (native paths).
+using Replacer = std::function<bool(const QString& from, const QString& to)>;
+
+// Puts all of the files in their places below `target` or none: where one fails, those before it are taken back, as far
+// as the file system knows links, by which the old files are kept beside the new ones until then ("PATH.kept").
+// Databases go first, by `replaceDatabase` where there is one: they are what can be refused. Nothing goes through a
+// link. Dispatches no events.
+bool PutInPlace(const QList<UnpackedFile>& files, const QString& target, const Replacer& replaceDatabase);
 
 } // namespace net

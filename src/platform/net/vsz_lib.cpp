@@ -1,5 +1,6 @@
 #include "net/vsz_lib.h"
 
+#include "base/aside.h"
 #include "base/paths.h"
 #include "net/crc32.h"
 #include "net/engine_process.h"
@@ -7,9 +8,11 @@
 
 #include <QFileInfo>
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <system_error>
 
@@ -19,7 +22,8 @@ namespace {
 
 constexpr qsizetype listingLimit = 256 * 1024; // bytes; that of the most entries with the longest names
 
-// Cuts the engine's stream into files by the sizes of the listing, which it follows in order.
+// Cuts the engine's stream into files by the sizes of the listing, which it follows in order. Where it stands may be
+// asked from another thread.
 class StreamSplitter {
   public:
     StreamSplitter(const QList<ArchiveEntry>& entries, StagingFolder& staging) : entries_(entries), staging_(staging) {
@@ -45,7 +49,7 @@ class StreamSplitter {
     }
 
     bool IsWhole() const { return !failed_ && index_ == entries_.size(); }
-    int Index() const { return static_cast<int>(std::min(index_, entries_.size() - 1)); }
+    int Index() const { return static_cast<int>(std::min<qsizetype>(index_, entries_.size() - 1)); }
     qint64 Total() const { return total_; }
 
   private:
@@ -75,9 +79,9 @@ class StreamSplitter {
 
     const QList<ArchiveEntry>& entries_;
     StagingFolder& staging_;
-    qsizetype index_ = 0;
+    std::atomic<qsizetype> index_ = 0;
+    std::atomic<qint64> total_ = 0;
     qint64 taken_ = 0;
-    qint64 total_ = 0;
     quint32 checksum_ = 0;
     bool failed_ = false;
 };
@@ -128,47 +132,80 @@ bool VszLib::OpenArchive(const QString& path) {
         return listing.size() <= listingLimit;
     };
     // An empty password keeps the engine from asking for one.
-    const bool listed = engine.Run({QStringLiteral("l"), QStringLiteral("-slt"), QStringLiteral("-ba"),
-                                    QStringLiteral("-t7z"), QStringLiteral("-p"), QStringLiteral("--"), archive_},
-                                   keep, [this] { return !Stopped(); });
+    const QStringList list = {QStringLiteral("l"),
+                              QStringLiteral("-slt"),
+                              QStringLiteral("-ba"),
+                              QStringLiteral("-t7z"),
+                              QStringLiteral("-p"),
+                              QStringLiteral("--"),
+                              archive_};
+    bool listed = false;
+    base::RunAside([&](const std::atomic<bool>& stop) { listed = engine.Run(list, keep, stop); },
+                   [this] { return Stopped(); });
     const std::optional<QList<ArchiveEntry>> entries = listed ? ParseListing(listing) : std::nullopt;
     entries_ = entries.value_or(QList<ArchiveEntry>());
     return entries.has_value();
 }
 
+// Whatever touches the disk is done aside: a busy one holds up even a small file for longer than a click may wait.
 bool VszLib::ExtractAll(const QString& folder) {
     const QString target = base::NativePath(folder);
     const QList<ArchiveEntry> files = FilesOf(entries_);
     const std::optional<qint64> total = TotalSize(files);
-    if (!AreEntriesAllowed(entries_) || !total || !HasRoom(target, *total)) {
+    if (!AreEntriesAllowed(entries_) || !total) {
         return false;
     }
-    StagingFolder staging(target);
-    if (!staging.IsReady()) {
-        return false;
+    std::unique_ptr<StagingFolder> staging;
+    bool good = false;
+    if (Stage(files, *total, target, staging)) {
+        QList<UnpackedFile> unpacked = Unpacked(files, *staging);
+        const auto place = [&](const std::atomic<bool>& stop) {
+            good = !stop && staging->Sync() && !stop && PutInPlace(unpacked, target, replacer_);
+        };
+        if (!judge_ || judge_(unpacked)) {
+            base::RunAside(place, [this] { return Stopped(); });
+        }
     }
-    StreamSplitter splitter(files, staging);
+    base::RunAside([&staging](const std::atomic<bool>& /*stop*/) { staging.reset(); }, [] { return false; });
+    return good;
+}
+
+bool VszLib::Stage(const QList<ArchiveEntry>& files, qint64 total, const QString& target,
+                   std::unique_ptr<StagingFolder>& staging) {
+    std::atomic<StreamSplitter*> current = nullptr;
+    std::unique_ptr<StreamSplitter> splitter;
     EngineProcess engine(engine_);
     engine.SetStallLimit(stallLimit_);
+    const QStringList extract = {QStringLiteral("x"),
+                                 QStringLiteral("-so"),
+                                 QStringLiteral("-t7z"),
+                                 QStringLiteral("-p"),
+                                 QStringLiteral("-bd"),
+                                 QStringLiteral("--"),
+                                 archive_};
     bool cancelled = false;
     qint64 reported = -1;
-    const auto report = [this, &splitter, &cancelled, &reported, &total] {
-        if (splitter.Total() != reported) {
-            reported = splitter.Total();
-            Q_EMIT Progress(splitter.Index(), double(reported), double(*total), cancelled);
+    const auto stopped = [&] {
+        const StreamSplitter* now = current;
+        if (now != nullptr && now->Total() != reported) {
+            reported = now->Total();
+            Q_EMIT Progress(now->Index(), double(reported), double(total), cancelled);
         }
-        return !cancelled && !Stopped();
+        return cancelled || Stopped();
     };
-    const bool streamed = engine.Run(
-        {QStringLiteral("x"), QStringLiteral("-so"), QStringLiteral("-t7z"), QStringLiteral("-p"),
-         QStringLiteral("-bd"), QStringLiteral("--"), archive_},
-        [&splitter](const char* data, qsizetype size) { return splitter.Take(data, size); }, report);
-    if (!streamed || !report() || !splitter.IsWhole()) {
-        return false;
-    }
-    QList<UnpackedFile> unpacked = Unpacked(files, staging);
-    return (!judge_ || judge_(unpacked)) && staging.Sync([this] { return Stopped(); }) && !Stopped() &&
-           PutInPlace(unpacked, target, replacer_);
+    bool streamed = false;
+    base::RunAside(
+        [&](const std::atomic<bool>& stop) {
+            staging = std::make_unique<StagingFolder>(target);
+            if (staging->IsReady() && HasRoom(target, total)) {
+                splitter = std::make_unique<StreamSplitter>(files, *staging);
+                current = splitter.get();
+                streamed = engine.Run(
+                    extract, [&](const char* data, qsizetype size) { return splitter->Take(data, size); }, stop);
+            }
+        },
+        stopped);
+    return streamed && !stopped() && splitter->IsWhole();
 }
 
 } // namespace net

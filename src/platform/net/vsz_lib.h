@@ -10,8 +10,11 @@
 #include <QObject>
 #include <QString>
 #include <functional>
+#include <memory>
 
 namespace net {
+
+class StagingFolder;
 
 class VszLib : public QObject {
     Q_OBJECT
@@ -35,11 +38,8 @@ class VszLib : public QObject {
     // Tells whether the unpacked files may come into the folder, before the first is put in place; what it takes off
     // the list stays out. Without one all may.
     void SetJudge(std::function<bool(QList<UnpackedFile>& files)> judge) { judge_ = std::move(judge); }
-    // Puts the first file (native paths) in the place of the second, for entries that end in ".mdb"; by default a
-    // rename.
-    void SetDatabaseReplacer(std::function<bool(const QString& from, const QString& to)> replacer) {
-        replacer_ = std::move(replacer);
-    }
+    // For entries that end in ".mdb", in the place of a rename; called aside, from a thread of the library's own.
+    void SetDatabaseReplacer(Replacer replacer) { replacer_ = std::move(replacer); }
     // Milliseconds without output after which the engine is given up; 60,000 by default.
     void SetStallLimit(int milliseconds) { stallLimit_ = milliseconds; }
 
@@ -49,13 +49,16 @@ class VszLib : public QObject {
 
   private:
     bool Stopped() const { return stop_ && stop_(); }
+    // Unpacks into a folder made below `target`; false where that fails or was stopped.
+    bool Stage(const QList<ArchiveEntry>& files, qint64 total, const QString& target,
+               std::unique_ptr<StagingFolder>& staging);
 
     QString engine_;
     QString archive_;
     QList<ArchiveEntry> entries_;
     std::function<bool()> stop_;
     std::function<bool(QList<UnpackedFile>&)> judge_;
-    std::function<bool(const QString&, const QString&)> replacer_;
+    Replacer replacer_;
     int stallLimit_ = 60'000;
 };
 

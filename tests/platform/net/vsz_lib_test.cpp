@@ -3,6 +3,7 @@
 #include "base/yield.h"
 #include "net/crc32.h"
 #include "net/engine_process.h"
+#include "support/hold_up.h"
 #include "support/long_form.h"
 
 #include <QCoreApplication>
@@ -361,7 +362,7 @@ TEST_F(VszLibTest, WithoutAnEngineNothingOpens) {
 }
 
 TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
-    for (const char* name : {"hwids.mdb", "Z.MDB", "a.txt", "sub/b.txt"}) {
+    for (const char* name : {"hwids.mdb", "z.MDB", "a.txt", "sub/b.txt"}) {
         Write(QStringLiteral("in/") + QLatin1String(name), "new");
     }
     Pack();
@@ -374,15 +375,22 @@ TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
         }
         return false;
     });
-    int replaced = 0;
-    zip_.SetDatabaseReplacer([&replaced](const QString&, const QString&) { return ++replaced == 0; });
+    // Refused before the first is put in place, or while the second is: that one takes the first back.
+    QStringList replaced;
+    const auto replace = [&replaced](const QString& from, const QString& to) {
+        replaced.append(QFileInfo(to).fileName());
+        QFile::remove(to);
+        return replaced.last() != QStringLiteral("z.MDB") && QFile::rename(from, to);
+    };
+    zip_.SetDatabaseReplacer(replace);
     EXPECT_FALSE(Extract());
     EXPECT_EQ(asked.size(), 4);
-    EXPECT_EQ(replaced, 0) << "one that is refused keeps the other from its place";
+    EXPECT_EQ(replaced, QStringList());
     ExpectUntouched();
     zip_.SetJudge({});
     EXPECT_FALSE(Extract());
-    EXPECT_EQ(replaced, 1);
+    EXPECT_EQ(replaced,
+              (QStringList{QStringLiteral("hwids.mdb"), QStringLiteral("z.MDB"), QStringLiteral("hwids.mdb")}));
     ExpectUntouched();
     zip_.SetDatabaseReplacer({});
     zip_.SetJudge([](QList<net::UnpackedFile>& files) {
@@ -390,13 +398,15 @@ TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
         return true;
     });
     EXPECT_TRUE(Extract());
-    EXPECT_EQ(Read(QStringLiteral("out/Z.MDB")), "new");
+    EXPECT_EQ(Read(QStringLiteral("out/z.MDB")), "new");
     EXPECT_EQ(Read(QStringLiteral("out/a.txt")), "missing") << "what the judge takes off stays out";
 }
 
-// Small archives of much: the window lives while they are looked at, and little comes to the disk.
+// Small archives of much: a click is served within 50 ms while they are looked at, and little comes to the disk.
 TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
+    constexpr int longest = 50;             // milliseconds
     constexpr qint64 mostOnDisk = 56 << 20; // bytes
+    constexpr int attempts = 4;             // as a busy disk may hold up even what touches it once
     struct Case {
         const char* what;
         int files;
@@ -405,9 +415,9 @@ TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
         bool good;
     };
     for (const Case& tried : {Case{"as many as may be", 60, ".txt", 0, true},
-                              {"empty texts", 9'999, ".txt", 0, false},
+                              {"empty texts", 2'000, ".txt", 0, false},
                               {"small databases", 500, ".mdb", 8, false},
-                              {"folders", 9'999, "/", 0, false},
+                              {"folders", 2'000, "/", 0, false},
                               {"one long text", 1, ".txt", 250 << 20, false},
                               {"a long database", 1, ".mdb", 49 << 20, false},
                               {"a database as long as may be", 1, ".mdb", 48 << 20, true}}) {
@@ -424,33 +434,28 @@ TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
         }
         Pack({QStringLiteral("-mx=1")});
         EXPECT_LT(Read(QStringLiteral("hwids.7z")).size(), 1 << 20) << tried.what;
-        qint64 longest = 0;
-        qint64 largest = 0;
-        QElapsedTimer sinceTick;
-        QTimer tick;
-        QObject::connect(&tick, &QTimer::timeout, [&] {
-            longest = std::max(longest, sinceTick.restart());
-            const QDir staged(Path(QStringLiteral("out/.unpacking-%1").arg(QCoreApplication::applicationPid())));
-            qint64 size = 0;
-            for (const QFileInfo& file : staged.entryInfoList(QDir::Files))
-                size += file.size();
-            largest = std::max(largest, size);
-        });
-        tick.start(1);
-        sinceTick.start();
-        const bool opened = Open();
-        EXPECT_EQ(opened && Extract(), tried.good) << tried.what;
-        longest = std::max(longest, sinceTick.elapsed());
-        RecordProperty(std::string("longest wait in ms, ") + tried.what, int(longest));
-        std::printf("%s: %d ms at most without a click, %d KiB on the disk\n", tried.what, int(longest),
-                    int(largest / 1024));
-        EXPECT_LT(longest, 1'000) << tried.what; // 50 on a machine that does nothing else
-        EXPECT_LE(largest, mostOnDisk) << tried.what;
-        if (!tried.good) {
-            ExpectUntouched();
+        int held = longest + 1;
+        for (int attempt = 0; held > longest && attempt < attempts; ++attempt) {
+            QDir(Path(QStringLiteral("out"))).removeRecursively();
+            Write(QStringLiteral("out/hwids.mdb"), "the old database");
+            qint64 largest = 0;
+            zip_.SetJudge([&](QList<net::UnpackedFile>& files) {
+                for (const net::UnpackedFile& file : files)
+                    largest += QFileInfo(file.Path).size();
+                return true;
+            });
+            support::HoldUp holdUp;
+            const bool opened = Open();
+            EXPECT_EQ(opened && Extract(), tried.good) << tried.what;
+            held = holdUp.Longest();
+            EXPECT_LE(largest, mostOnDisk) << tried.what;
+            if (!tried.good) {
+                EXPECT_EQ(largest, 0) << tried.what;
+                ExpectUntouched();
+            }
         }
-        QDir(Path(QStringLiteral("out"))).removeRecursively();
-        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+        RecordProperty(std::string("longest wait in ms, ") + tried.what, held);
+        EXPECT_LE(held, longest) << tried.what;
     }
 }
 
