@@ -32,10 +32,6 @@ class Properties : public testing::Test {
     void Set(const char* name, const QString& text, qint32 type = inventory::RegistryText) {
         EXPECT_TRUE(key.SetRegistryValue(QString::fromLatin1(name), text, type));
     }
-    void SetPath(const QString& path) {
-        Set("IconPath", path + QChar(u'\0') + QChar(u'\0'), inventory::RegistryMultiText);
-    }
-    std::string IconFile(qint32& index) { return Plain(inventory::GetClassIconFile(Guid, index)); }
 
     inventory::RegistryRoutines key;
 };
@@ -52,70 +48,55 @@ TEST_F(Properties, ClassNames) {
     EXPECT_EQ(Plain(inventory::GetClassName(QString::fromUtf16(pnp::class_guid::Net))), "Network adapters");
 }
 
-TEST_F(Properties, DriverVersionsAndIds) {
-    DeviceFixture fixture(R"(
-/devices/pci0000:00/0000:00:02.0 @ bus/pci
-  vendor = 0x8086
-  device = 0x0001
-  class = 0x020000
-/devices/pci0000:00/0000:00:03.0 @ bus/pci
-  vendor = 0x8086
-  device = 0x0002
-  class = 0x020000
-  driver -> /bus/pci/drivers/e1000
-/devices/virtual/net/lo @ class/net
-)");
-    const auto path = [&](const char* start) { return fixture.Only(QString::fromLatin1(start)).instancePath; };
-    EXPECT_EQ(Plain(inventory::GetDriverVersion(path("PCI\\VEN_8086&DEV_0001"))), "Unknown");
-    // A driver whose version nothing tells.
-    EXPECT_EQ(Plain(inventory::GetDriverVersion(path("PCI\\VEN_8086&DEV_0002"))), "Unknown");
-    fixture.Add("/bus/pci/drivers/e1000/module\nversion = 7.3.21\n");
-    EXPECT_EQ(Plain(inventory::GetDriverVersion(path("PCI\\VEN_8086&DEV_0002"))), "7.3.21");
+// What devices that are there show, the scan's rows tell.
+TEST_F(Properties, FallbacksOfVersionsAndIds) {
+    const DeviceFixture fixture(
+        "/devices/platform/a @ bus/platform\ndriver -> /bus/platform/drivers/without_version\n");
+    for (const char* device : {"ROOT\\A\\0000", "NO\\X"}) {
+        EXPECT_EQ(Plain(inventory::GetDriverVersion(QLatin1String(device))), "Unknown");
+        EXPECT_EQ(Plain(inventory::GetHardwareIds(QLatin1String(device))), device);
+    }
     EXPECT_EQ(inventory::GetDriverVersion(QString()), QString());
-    EXPECT_EQ(Plain(inventory::GetDriverVersion(QStringLiteral("NO\\SUCH\\DEVICE"))), "Unknown");
-
-    EXPECT_EQ(Plain(inventory::GetHardwareIds(path("PCI\\VEN_8086&DEV_0001"))),
-              "PCI\\VEN_8086&DEV_0001&SUBSYS_00000000|PCI\\VEN_8086&DEV_0001&CC_020000|"
-              "PCI\\VEN_8086&DEV_0001&CC_0200|PCI\\VEN_8086&DEV_0001|");
-    EXPECT_EQ(Plain(inventory::GetHardwareIds(path("SWD\\"))), "SWD\\NET\\lo");
     EXPECT_EQ(Plain(inventory::GetHardwareIds(QString())), "Unknown");
 }
 
-TEST_F(Properties, IconFilesByPath) {
+TEST_F(Properties, IconFiles) {
+    struct Row {
+        const char* path;  // "IconPath", else
+        const char* icon;  // "Icon" and
+        const char* pages; // "EnumPropPages32"; null for a value that is not there
+        const char* file;
+        qint32 index;
+    };
+    const char* setup = "C:\\Windows\\System32\\setupapi.dll";
+    const Row rows[] = {
+        {nullptr, nullptr, nullptr, setup, 0},
+        {nullptr, " 12 ", nullptr, setup, -12},
+        {nullptr, "-7", "MsPorts.dll,Provider", "C:\\Windows\\System32\\MsPorts.dll", -7},
+        {nullptr, nullptr, ",Provider", setup, -7},
+        // A full path is joined all the same.
+        {nullptr, "x", "C:\\x\\y.dll,Provider", "C:\\Windows\\System32\\C:\\x\\y.dll", 0},
+        {"C:\\Windows\\system32\\setupapi.dll,-5", nullptr, nullptr, "C:\\Windows\\system32\\setupapi.dll", -5},
+        {"%SystemRoot%\\System32\\setupapi.dll, 5 ,7", nullptr, nullptr, setup, -5},
+        {"a.dll", nullptr, nullptr, "a.dll", 0},
+        {"a.dll,", nullptr, nullptr, "a.dll", 0},
+        {"a.dll,x", nullptr, nullptr, "a.dll", 0},
+    };
     qint32 index = 99;
-    SetPath(QStringLiteral("C:\\Windows\\system32\\setupapi.dll,-5"));
-    EXPECT_EQ(IconFile(index), "C:\\Windows\\system32\\setupapi.dll");
-    EXPECT_EQ(index, -5);
-    SetPath(QStringLiteral("%SystemRoot%\\System32\\setupapi.dll, 5 ,7"));
-    EXPECT_EQ(IconFile(index), "C:\\Windows\\System32\\setupapi.dll");
-    EXPECT_EQ(index, -5);
-    for (const char* part : {"a.dll", "a.dll,", "a.dll,x"}) {
-        SetPath(QString::fromLatin1(part));
-        EXPECT_EQ(IconFile(index), "a.dll");
-        EXPECT_EQ(index, 0) << part;
-    }
-    index = 99;
     EXPECT_EQ(inventory::GetClassIconFile(QString(), index), QString());
     EXPECT_EQ(index, 99);
-}
-
-TEST_F(Properties, IconFilesByPropertyPages) {
-    qint32 index = 99;
-    const std::string setup = "C:\\Windows\\System32\\setupapi.dll";
-    EXPECT_EQ(IconFile(index), setup);
-    EXPECT_EQ(index, 0);
-    Set("Icon", QStringLiteral(" 12 "));
-    EXPECT_EQ(IconFile(index), setup);
-    EXPECT_EQ(index, -12);
-    Set("Icon", QStringLiteral("-7"));
-    Set("EnumPropPages32", QStringLiteral("MsPorts.dll,Provider"));
-    EXPECT_EQ(IconFile(index), "C:\\Windows\\System32\\MsPorts.dll");
-    EXPECT_EQ(index, -7);
-    Set("EnumPropPages32", QStringLiteral(",Provider"));
-    EXPECT_EQ(IconFile(index), setup);
-    // A full path is joined all the same.
-    Set("EnumPropPages32", QStringLiteral("C:\\x\\y.dll,Provider"));
-    EXPECT_EQ(IconFile(index), "C:\\Windows\\System32\\C:\\x\\y.dll");
+    // A value that a row does not name is that of the row before.
+    for (const Row& row : rows) {
+        if (row.path != nullptr)
+            Set("IconPath", QLatin1String(row.path) + QString(2, QChar(u'\0')), inventory::RegistryMultiText);
+        if (row.icon != nullptr)
+            Set("Icon", QLatin1String(row.icon));
+        if (row.pages != nullptr)
+            Set("EnumPropPages32", QLatin1String(row.pages));
+        index = 99;
+        EXPECT_EQ(Plain(inventory::GetClassIconFile(Guid, index)), row.file) << &row - rows;
+        EXPECT_EQ(index, row.index) << &row - rows;
+    }
 }
 
 // Both ways bring the icon of every class, and an icon that is nowhere leaves the store alone.

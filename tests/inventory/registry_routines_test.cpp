@@ -43,13 +43,14 @@ TEST_F(Registry, TextsComeBack) {
     // Longer than the first buffer.
     const QString text(5000, QLatin1Char('x'));
     EXPECT_EQ(RoundTrip(text, inventory::RegistryText), QVariant(text));
-}
-
-TEST_F(Registry, MultiStringsKeepTheirZeros) {
+    // Several strings keep the zeros between them.
     const QString two = QStringLiteral("A") + Zero + QStringLiteral("B") + Zero;
     EXPECT_EQ(RoundTrip(two + Zero, inventory::RegistryMultiText), QVariant(two));
     EXPECT_EQ(RoundTrip(Zero + Zero, inventory::RegistryMultiText), QVariant(QStringLiteral("default")));
     EXPECT_EQ(registry.GetStringValue(name), QString());
+    registry.SetRegistryValue(name, QStringLiteral("%SystemRoot%\\a"), inventory::RegistryExpandText);
+    EXPECT_EQ(registry.GetStringValue(name), QStringLiteral("%SystemRoot%\\a"));
+    EXPECT_EQ(registry.GetStringValue(name, true), QStringLiteral("C:\\Windows\\a"));
 }
 
 TEST_F(Registry, NumbersAndBytes) {
@@ -62,12 +63,6 @@ TEST_F(Registry, NumbersAndBytes) {
     for (const char* text : {"no number", "4294967296", "-2147483649", "1E300"})
         EXPECT_FALSE(registry.SetRegistryValue(name, QString::fromLatin1(text), inventory::RegistryWord)) << text;
     EXPECT_FALSE(registry.SetRegistryValue(name, 1, 11));
-}
-
-TEST_F(Registry, ExpandsOnRequest) {
-    registry.SetRegistryValue(name, QStringLiteral("%SystemRoot%\\a"), inventory::RegistryExpandText);
-    EXPECT_EQ(registry.GetStringValue(name), QStringLiteral("%SystemRoot%\\a"));
-    EXPECT_EQ(registry.GetStringValue(name, true), QStringLiteral("C:\\Windows\\a"));
 }
 
 TEST_F(Registry, KeysAndValuesAreListedAndDeleted) {

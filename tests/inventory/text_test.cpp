@@ -32,30 +32,6 @@ TEST(ProblemText, KeepsTheNumberInFront) {
         EXPECT_EQ(Problem(unknown), std::string("(") + unknown + ") Unknown Error");
 }
 
-TEST(ListText, HasAHeaderAndALineForEachRow) {
-    suite::ListItems list;
-    inventory::AddDeviceColumns(list);
-    suite::ListItem* item = list.Add(QStringLiteral("b"));
-    for (int i = 1; i <= 5; ++i)
-        item->SetSubItems(i, QString::number(i));
-    list.Add(QStringLiteral("a, with a comma"))->SetSubItems(5, QStringLiteral("X|Y|"));
-    inventory::SortByName(list);
-    EXPECT_EQ(inventory::WholeListText(list, inventory::ListTextScope::WholeRow).toStdString(),
-              "Name,Manufacturer,Error Code,Class,Driver Version,Hardware IDs\r\n"
-              "a, with a comma,,,,,X|Y|\r\n"
-              "b,1,2,3,4,5\r\n");
-    // Without the hidden column at the end, header and rows are shorter.
-    EXPECT_EQ(inventory::WholeListText(list, inventory::ListTextScope::WithoutLastColumn).toStdString(),
-              "Name,Manufacturer,Error Code,Class,Driver Version\r\n"
-              "a, with a comma,,,,\r\n"
-              "b,1,2,3,4\r\n");
-    EXPECT_EQ(inventory::RowText(list, item, inventory::ListTextScope::WholeRow).toStdString(), "b,1,2,3,4,5");
-    EXPECT_EQ(inventory::RowText(list, nullptr, inventory::ListTextScope::WholeRow), QString());
-    list.Clear();
-    EXPECT_EQ(inventory::WholeListText(list, inventory::ListTextScope::WholeRow).toStdString(),
-              "Name,Manufacturer,Error Code,Class,Driver Version,Hardware IDs\r\n");
-}
-
 TEST(ListText, RowsMayVanishInItsYields) {
     suite::ListItems list;
     inventory::AddDeviceColumns(list);
