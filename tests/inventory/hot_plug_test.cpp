@@ -12,45 +12,41 @@
 #include <QSet>
 #include <array>
 #include <atomic>
+#include <cstdio>
 #include <gtest/gtest.h>
-#include <random>
 #include <thread>
 
 namespace {
 
-constexpr int Marks = 9; // devices that take turns, 1 to 9; every value of a device holds its number
-
-// The kinds of hot_plug.txt as trees.
-QStringList ReadKinds() {
-    QFile file(QStringLiteral(HOT_PLUG_FILE));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return QString::fromUtf8(file.readAll()).split(QStringLiteral("\nkind\n")).mid(1);
-}
-
-// The other side: plugs and unplugs, the links first when a device goes.
-void PlugUntil(const std::atomic<bool>& ended, std::atomic<int>& turns, DeviceFixture& fixture) {
-    const QStringList kinds = ReadKinds();
-    std::array<QString, 8> slots;
-    std::minstd_rand random(3);
-    for (; !ended; ++turns) {
-        const std::size_t slot = random() % slots.size();
-        const QStringList lines = slots[slot].split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-        QString folder;
-        for (const QString& line : lines.filter(QRegularExpression(QStringLiteral("^/bus/|-> /devices/")))) {
-            if (line.startsWith(QStringLiteral("/bus")))
-                folder = line + QLatin1Char('/');
-            else
-                fixture.Remove(folder + line.trimmed().section(QLatin1Char(' '), 0, 0));
+// Two places of each kind, and two devices for each place: one that stands there, and one aside.
+class Places {
+  public:
+    explicit Places(DeviceFixture& fixture) : aside_(fixture.Beside(QStringLiteral("aside")).toStdString()) {
+        QFile file(QStringLiteral(HOT_PLUG_FILE));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QStringList kinds = QString::fromUtf8(file.readAll()).split(QStringLiteral("\nkind\n")).mid(1);
+        for (int i = 0; i < 2 * kinds.size(); ++i) {
+            const QString place = kinds[i / 2].arg(i % 2 + 1);
+            folders_.push_back((fixture.Root() + place.section(QLatin1Char(' '), 0, 0)).toStdString());
+            fixture.Add(place.arg(i + 1).toUtf8());
+            EXPECT_EQ(std::rename(folders_.back().c_str(), (aside_ + std::to_string(i)).c_str()), 0);
+            fixture.Add(place.arg(i == 0 ? 9 : i).toUtf8());
         }
-        if (!lines.isEmpty())
-            fixture.Remove(lines.first());
-        slots[slot].clear();
-        // A place stays empty now and then.
-        if (random() % 5 != 0)
-            slots[slot] = kinds[qsizetype(slot) % kinds.size()].arg(slot / 4 + 1).arg(1 + random() % Marks);
-        fixture.Add(slots[slot].toUtf8());
     }
-}
+
+    void Exchange(std::size_t place) {
+        const std::string other = aside_ + std::to_string(place);
+        std::rename(folders_[place].c_str(), aside_.c_str());
+        std::rename(other.c_str(), folders_[place].c_str());
+        std::rename(aside_.c_str(), other.c_str());
+    }
+
+    std::size_t Count() const { return folders_.size(); }
+
+  private:
+    const std::string aside_;
+    std::vector<std::string> folders_;
+};
 
 QString Text(const suite::ListItem& row) {
     QString text = row.Text();
@@ -78,16 +74,20 @@ QSet<QString> DevicesIn(const QString& row) {
 
 TEST(HotPlug, NoRowIsAMixOfTwoDevices) {
     DeviceFixture fixture;
-    for (int mark = 1; mark <= Marks; ++mark)
+    for (int mark = 1; mark <= 9; ++mark)
         fixture.Add(QStringLiteral("/bus/any/drivers/driver%1/module\nversion = %1.7\n").arg(mark).toLatin1());
     values::Program().SystemFolder = QStringLiteral("C:\\Windows\\System32\\");
     std::array<suite::ListItems, inventory::DeviceListCount> lists;
     for (suite::ListItems& list : lists)
         inventory::AddDeviceColumns(list);
 
+    Places places(fixture);
     std::atomic<bool> ended = false;
     std::atomic<int> turns = 0;
-    std::thread plugging([&] { PlugUntil(ended, turns, fixture); });
+    std::thread plugging([&] {
+        for (; !ended; ++turns)
+            places.Exchange(std::size_t(turns) % places.Count());
+    });
     int rows = 0;
     int told = 0;
     const int scans = support::Rounds(60, 5000);
