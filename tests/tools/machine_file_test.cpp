@@ -53,7 +53,7 @@ std::string Packed(const std::vector<Member>& members) {
     return bytes;
 }
 
-const Member Facts{"machine.txt", AE_IFREG, "quorvane-machine 1\nlive\t6.1.0\n"};
+const Member Facts{"machine.txt", AE_IFREG, "quorvane-machine 1\nnew\tthing\n\nlive\t6.1.0\n"};
 
 std::string Complaint(const std::string& bytes) {
     pnp::SavedMachine machine;
@@ -66,6 +66,11 @@ TEST(MachineFile, HoldsAMachineAndNothingElse) {
     const std::string none = "it is no saved machine";
     const std::string damaged = "it is cut short or damaged";
     const std::string strange = "it holds what no machine has (entry 2)";
+    const std::string third = "it holds what no machine has (entry 3)";
+    const std::string longName = "sys/" + std::string(256, 'n');
+    std::string deep = "sys";
+    for (int i = 0; i < 61; ++i)
+        deep += "/a";
     struct Row {
         std::vector<Member> members;
         std::string complaint;
@@ -75,6 +80,8 @@ TEST(MachineFile, HoldsAMachineAndNothingElse) {
         {{}, none},
         {{{"sys", AE_IFDIR}, Facts}, none},
         {{{"machine.txt", AE_IFREG, "something"}}, none},
+        {{{"machine.txt", AE_IFREG, "quorvane-machine x\n"}}, none},
+        {{{"machine.txt", AE_IFREG, "quorvane-machine 0\n"}}, none},
         {{{"machine.txt", AE_IFREG, "quorvane-machine 2\n"}}, "it was saved by a newer version of this program"},
         {{{"machine.txt", AE_IFLNK, "/etc/passwd"}}, damaged},
         {{Facts, Facts}, "it holds its facts twice"},
@@ -83,13 +90,22 @@ TEST(MachineFile, HoldsAMachineAndNothingElse) {
         {{Facts, {"../sys/x", AE_IFREG, "1"}}, strange},
         {{Facts, {"sys/../x", AE_IFREG, "1"}}, strange},
         {{Facts, {"sys/a/../../x", AE_IFDIR}}, strange},
+        {{Facts, {"sys/./x", AE_IFREG, "1"}}, strange},
+        {{Facts, {"sys/x\n", AE_IFREG, "1"}}, strange},
+        {{Facts, {longName.c_str(), AE_IFREG, "1"}}, strange},
+        {{Facts, {deep.c_str(), AE_IFDIR}}, strange},
         {{Facts, {"sys/l", AE_IFLNK, "../x"}}, strange},
+        {{Facts, {"sys/a/l", AE_IFLNK, "b/../../../sys/x"}}, strange},
+        {{Facts, {"sys/a/l", AE_IFLNK, "./b/../../x"}}, ""},
         {{Facts, {"sys/l", AE_IFLNK, "/etc/passwd"}}, strange},
         {{Facts, {"sys/h", 0, "machine.txt"}}, strange},
         {{Facts, {"sys/d", AE_IFBLK}}, strange},
         {{Facts, {"sys/d", AE_IFCHR}}, strange},
         {{Facts, {"sys/p", AE_IFIFO}}, strange},
-        {{Facts, {"sys/l", AE_IFLNK, "d"}, {"sys/l/x", AE_IFREG, "1"}}, "it holds what no machine has (entry 3)"},
+        {{Facts, {"sys/l", AE_IFLNK, "d"}, {"sys/l/x", AE_IFREG, "1"}}, third},
+        {{Facts, {"sys/l", AE_IFLNK, "d"}, {"sys/l", AE_IFLNK, "e"}}, third},
+        {{Facts, {"sys/x", AE_IFREG, "1"}, {"sys/x", AE_IFLNK, "d"}}, third},
+        {{Facts, {"sys/x", AE_IFREG, "1"}, {"sys/x/y", AE_IFDIR}}, third},
         {{Facts, {"sys/x", AE_IFREG, std::string(70000, 'x')}}, damaged},
         {{Facts, {"sys/x", AE_IFREG, "", 1LL << 40}}, damaged},
     };
@@ -121,6 +137,23 @@ TEST(MachineFile, CutAnywhereIsTold) {
         wrong[at] = char(wrong[at] ^ 0x10);
         EXPECT_NE(Complaint(wrong), "") << at;
     }
+}
+
+// In circles, through too many, or above the root, they end at nothing.
+TEST(MachineFile, LinksEndInside) {
+    const auto tree = std::make_shared<pnp::SavedTree>();
+    ASSERT_TRUE(tree->AddFile("/a/b", "x") && tree->AddLink("/a/l", "../b/../a") && tree->AddLink("/self", "self"));
+    for (int i = 0; i < 41; ++i)
+        ASSERT_TRUE(tree->AddLink("/l" + std::to_string(i), i == 0 ? "a" : "l" + std::to_string(i - 1)));
+    const auto root = OpenSavedTree(tree);
+    EXPECT_EQ(root->Open("self"), nullptr);
+    EXPECT_EQ(root->Open(".."), nullptr);
+    EXPECT_EQ(root->Read("a/../../a/b", 9), std::nullopt);
+    EXPECT_EQ(root->Open("a")->Open("../a")->Read("b", 9), "x");
+    // "b" is no folder to climb out of, which a link's own text need not know.
+    EXPECT_EQ(root->Open("a/l"), nullptr);
+    EXPECT_EQ(root->Read("l39/b", 9), "x");
+    EXPECT_EQ(root->Read("l40/b", 9), std::nullopt);
 }
 
 // Far more than a machine has, in few bytes or in many.

@@ -62,14 +62,13 @@ TEST(QuorvaneList, PrintsTheListsOfATree) {
     EXPECT_TRUE(hardware.output.startsWith(Header + QStringLiteral("PCI standard host CPU bridge,")))
         << Plain(hardware.output);
     EXPECT_TRUE(hardware.output.endsWith(Video));
+    EXPECT_EQ(hardware.errors, QString());
     EXPECT_EQ(Plain(list("hardware").output), Plain(hardware.output));
-    EXPECT_EQ(Plain(list("nodrivers").output), Plain(Header + Video));
-    EXPECT_EQ(Plain(list("problems").output), Plain(Header + Video));
-    EXPECT_EQ(Plain(list("nosystem").output), Plain(Header + Video));
+    for (const char* name : {"nodrivers", "problems", "nosystem"})
+        EXPECT_EQ(Plain(list(name).output), Plain(Header + Video)) << name;
     const QString all = list("all").output;
     EXPECT_TRUE(all.startsWith(QStringLiteral("All Hardware (2)\r\n") + hardware.output));
     EXPECT_TRUE(all.endsWith(QStringLiteral("All Except Standard System Devices (1)\r\n") + Header + Video));
-    EXPECT_EQ(hardware.errors, QString());
 }
 
 // The device is found under its third ID, by two names; the database knows the vendor's other device alone under a
@@ -91,23 +90,17 @@ TEST(QuorvaneList, AddsTheBestMatches) {
     const Result json = run({QStringLiteral("--list=all"), QStringLiteral("--format=json")});
     EXPECT_EQ(json.status, 0) << Plain(json.errors);
     const QJsonObject lists = QJsonDocument::fromJson(json.output.toUtf8()).object();
-    EXPECT_EQ(lists.keys(), QStringList({QStringLiteral("hardware"), QStringLiteral("nodrivers"),
-                                         QStringLiteral("nosystem"), QStringLiteral("problems")}));
+    EXPECT_EQ(lists.keys().join(u' ').toStdString(), "hardware nodrivers nosystem problems");
     const QJsonArray hardware = lists.value(QStringLiteral("hardware")).toArray();
     ASSERT_EQ(hardware.size(), 2);
-    EXPECT_TRUE(hardware[0].toObject().value(QStringLiteral("matches")).toArray().isEmpty());
-    QStringList names;
-    for (const QJsonValue match : hardware[1].toObject().value(QStringLiteral("matches")).toArray()) {
-        names += match.toObject().value(QStringLiteral("name")).toString();
-        EXPECT_EQ(match.toObject().value(QStringLiteral("hardware_id")).toString(),
-                  QStringLiteral("pci\\ven_fff0&dev_0002&cc_0300"));
-    }
-    EXPECT_EQ(names, QStringList({QStringLiteral("One"), QStringLiteral("Two")}));
-    const QJsonObject video = hardware[1].toObject();
-    EXPECT_EQ(video.value(QStringLiteral("bus")).toString() + video.value(QStringLiteral("address")).toString(),
-              QStringLiteral("pci0000:00:02.0"));
-    EXPECT_TRUE(video.value(QStringLiteral("driver")).isNull() && video.value(QStringLiteral("module")).isNull());
-    EXPECT_EQ(hardware[0].toObject().value(QStringLiteral("driver")).toString(), QStringLiteral("own"));
+    const auto value = [&hardware](int row, const char* key) {
+        return hardware[row].toObject().value(QLatin1String(key));
+    };
+    EXPECT_TRUE(value(0, "matches").toArray().isEmpty());
+    EXPECT_EQ(value(1, "matches").toArray().size(), 2);
+    EXPECT_EQ(value(1, "bus").toString() + value(1, "address").toString(), QStringLiteral("pci0000:00:02.0"));
+    EXPECT_TRUE(value(1, "driver").isNull() && value(1, "module").isNull());
+    EXPECT_EQ(value(0, "driver").toString(), QStringLiteral("own"));
     const QString csv = run({QStringLiteral("--lookup"), QStringLiteral("--list"), QStringLiteral("problems")}).output;
     EXPECT_TRUE(csv.endsWith(
         Video.chopped(2) +
@@ -117,38 +110,20 @@ TEST(QuorvaneList, AddsTheBestMatches) {
 }
 
 TEST(QuorvaneList, TellsWhatItIs) {
-    const Result help = RunTool({QStringLiteral("--help")});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_TRUE(help.output.startsWith(QStringLiteral("Usage: quorvane-list")));
-    const Result version = RunTool({QStringLiteral("--version")});
-    EXPECT_EQ(version.status, 0);
-    EXPECT_TRUE(version.output.startsWith(QStringLiteral("quorvane-list ")));
+    for (const auto& [option, start] : {std::pair{"--help", "Usage: quorvane-list"}, {"--version", "quorvane-list "}}) {
+        const Result result = RunTool({QString::fromLatin1(option)});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_TRUE(result.output.startsWith(QLatin1String(start)));
+    }
 }
 
 TEST(QuorvaneList, RefusesInOneLine) {
-    const QStringList refused[] = {
-        {QStringLiteral("--wrong")},
-        {QStringLiteral("extra")},
-        {QStringLiteral("--list")},
-        {QStringLiteral("--list"), QStringLiteral("none")},
-        {QStringLiteral("--root")},
-        {QStringLiteral("--root=")},
-        {QStringLiteral("--root"), QStringLiteral("/nonexistent")},
-        {QStringLiteral("--root"), QStringLiteral("/dev/null")},
-        {QStringLiteral("--root=/proc/self")},
-        {QStringLiteral("--root=/proc/self/status")},
-        {QStringLiteral("--save")},
-        {QStringLiteral("--save=")},
-        {QStringLiteral("--save=x"), QStringLiteral("--lookup")},
-        {QStringLiteral("--format")},
-        {QStringLiteral("--format=xml")},
-        {QStringLiteral("--lookup=yes")},
-        {QStringLiteral("--db")},
-        {QStringLiteral("--db=")},
-    };
-    for (const QStringList& arguments : refused) {
-        const Result result = RunTool(arguments);
-        EXPECT_EQ(result.status, 2) << Plain(arguments.join(QLatin1Char(' ')));
+    for (const char* arguments :
+         {"--wrong", "extra", "--list", "--list none", "--root", "--root=", "--root /nonexistent", "--root /dev/null",
+          "--root=/proc/self", "--root=/proc/self/status", "--save", "--save=", "--save=x --lookup", "--format",
+          "--format=xml", "--lookup=yes", "--db", "--db="}) {
+        const Result result = RunTool(QString::fromLatin1(arguments).split(QLatin1Char(' ')));
+        EXPECT_EQ(result.status, 2) << arguments;
         EXPECT_EQ(result.output, QString());
         EXPECT_EQ(result.errors.count(QLatin1Char('\n')), 1) << Plain(result.errors);
     }

@@ -179,6 +179,7 @@ constexpr AcpiKind Kinds[] = {
     {"QEMU0001", System, u"QEMU Panic Notifier", Needs},
     {"QEMU0002", System, u"QEMU Firmware Configuration Device", Needs},
     {"QEMUVGID VMGENCTR", System, u"Virtual Machine Generation Counter", Works},
+    {"AMZNC10C", System, u"Virtual Machine Clock", Needs},
     {"VMW0005", System, u"VMware Precision Clock", Needs},
     {"LNRO0005", System, u"Virtio Register Block", Needs},
     // Lenovo, IBM.
