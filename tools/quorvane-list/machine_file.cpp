@@ -23,7 +23,6 @@ constexpr la_int64_t LargestContents = 64LL * 1024 * 1024;
 constexpr la_int64_t LargestFacts = 4LL * 1024 * 1024;
 constexpr la_int64_t LargestAttribute = 64LL * 1024;
 constexpr std::size_t MostEntries = 200000;
-constexpr std::size_t LongestPath = 4096;
 
 using Archive = std::unique_ptr<archive, int (*)(archive*)>;
 using Entry = std::unique_ptr<archive_entry, void (*)(archive_entry*)>;
@@ -122,7 +121,7 @@ class Unpacking {
         const std::string path = name.starts_with(start) ? name.substr(start.size() - 1) : std::string();
         const char* const target = archive_entry_symlink(entry);
         std::string contents;
-        bool taken = !path.empty() && path.size() <= LongestPath && archive_entry_hardlink(entry) == nullptr;
+        bool taken = !path.empty();
         if (kind == AE_IFREG && taken) {
             if (!ReadContents(entry, LargestAttribute, contents))
                 return Damaged();
@@ -130,6 +129,7 @@ class Unpacking {
         } else if (kind == AE_IFLNK) {
             taken = taken && target != nullptr && tree.AddLink(path, target);
         } else {
+            // A hard link has no kind.
             taken = taken && kind == AE_IFDIR && tree.AddFolder(path);
         }
         if (!taken)

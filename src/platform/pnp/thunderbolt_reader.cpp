@@ -37,7 +37,7 @@ void ReadRouter(Context& context, const std::string& path, std::vector<Device>& 
     const QString base = host ? QStringLiteral("USB4\\ROOT_DEVICE_ROUTER&") + ids : QStringLiteral("USB4\\") + ids;
     const QString byPlace =
         base + QLatin1Char('\\') +
-        InstanceSuffix(TreeLevel(path) + 1, context.Stable(PciFolder(path)), PathText(CleanAttribute(route)));
+        InstanceSuffix(TreeLevel(path), context.Stable(PciFolder(path)), PathText(CleanAttribute(route)));
     const QString unique = SerialText(node.Text("unique_id"));
     device.instancePath = unique.isEmpty() ? byPlace : base + QLatin1Char('\\') + unique;
     device.alternativePath = byPlace;
