@@ -37,28 +37,25 @@ need_tools() {
   done
 }
 
-# start_display SERVER [OPTION...]: an X server without a window manager.
-start_display() {
-  "$@" -displayfd 3 -nolisten tcp 3>"$scratch/display" >/dev/null 2>&1 &
+. "$(dirname "${BASH_SOURCE[0]}")/../../packaging/display.sh"
+
+# new_display SERVER [OPTION...]: an X server without a window manager.
+new_display() {
+  start_display "$scratch/display" "$@"
   pids+=($!)
-  for _ in $(seq 100); do
-    [ -s "$scratch/display" ] && break
-    sleep 0.1
-  done
-  DISPLAY=":$(cat "$scratch/display")"
-  export DISPLAY XDG_RUNTIME_DIR="$scratch" HOME="$scratch" QT_FONT_DPI=96 QT_QPA_PLATFORM=xcb
+  export XDG_RUNTIME_DIR="$scratch" HOME="$scratch" QT_FONT_DPI=96 QT_QPA_PLATFORM=xcb
   chmod 700 "$scratch"
 }
 
 # start_screen [SIZE]
 start_screen() {
-  start_display Xvfb -screen 0 "${1:-1280x900}x24"
+  new_display Xvfb -screen 0 "${1:-1280x900}x24"
   openbox >/dev/null 2>&1 &
   pids+=($!)
   # The first key from xdotool makes the server change its keyboard, upon which the window manager takes its shortcuts anew:
   # one that comes in that moment is lost. So a first key is spent here. The window manager answers in order: once it has
   # changed the desktops it has its shortcuts.
-  wait_for 20 xdotool get_num_desktops || fail "no window manager"
+  wait_for_window_manager || fail "no window manager"
   xdotool key Shift_L
   xdotool set_num_desktops 1
   wait_for 20 has_one_desktop || fail "the window manager does not answer"
