@@ -16,8 +16,8 @@ test_packages=(openssl libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlit
 # To boot emulated PCs.
 machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext2fs e2fsprogs python3)
 # The desktops that tests/end_to_end/desktops goes through, and what it looks at them with.
-desktop_packages=(xfwm4 kwin-x11 metacity icewm i3-wm weston xwayland xserver-xorg-core xserver-xorg-video-dummy picom tint2
-  x11-utils x11-xserver-utils dbus-daemon locales)
+desktop_packages=(xfwm4 kwin-x11 metacity marco mate-settings-daemon-common mutter icewm i3-wm weston sway kwin-wayland
+  xwayland xserver-xorg-core xserver-xorg-video-dummy picom tint2 x11-utils x11-xserver-utils dbus-daemon locales)
 bench_packages=(libbenchmark-dev python3 xvfb openbox xdotool lshw hwinfo pciutils hardinfo curl)
 
 # For the sanitizer build with the fuzzers.

@@ -49,7 +49,7 @@ new_display() {
 
 # start_screen [SIZE]
 start_screen() {
-  new_display Xvfb -screen 0 "${1:-1280x900}x24"
+  new_display Xvfb -noreset -screen 0 "${1:-1280x900}x24"
   openbox >/dev/null 2>&1 &
   pids+=($!)
   # The first key from xdotool makes the server change its keyboard, upon which the window manager takes its shortcuts anew:
