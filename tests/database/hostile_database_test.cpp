@@ -62,7 +62,7 @@ constexpr Hostile byStatements[] = {
     {HWIDS NAMES MAKERS "CREATE TABLE version (dbversion TEXT DEFAULT (hex(randomblob(9))));", notVersion, nullptr},
     {HWIDS NAMES MAKERS "CREATE TABLE version (dbversion TEXT REFERENCES hwids (hwid));", notVersion, nullptr},
     {HWIDS NAMES MAKERS "CREATE TABLE version (dbversion TEXT UNIQUE);", notVersion, nullptr},
-    {HWIDS NAMES MAKERS "CREATE TABLE version (dbversion TEXT /* a comment */);", notVersion, nullptr},
+    {HWIDS NAMES MAKERS "CREATE TABLE version (dbversion TEXT /**/);", notVersion, nullptr},
     {HWIDS NAMES MAKERS "CREATE TABLE version (dbversion TEXT) STRICT;", notVersion, nullptr},
     {NAMES MAKERS VERSION "CREATE TABLE hwids (hwid TEXT PRIMARY KEY, info TEXT) WITHOUT ROWID;", "hwids", nullptr},
     {TABLES "CREATE INDEX hwids_hwid ON hwids (length(hwid));", notIndex, nullptr},
@@ -95,6 +95,8 @@ constexpr Hostile byStatements[] = {
      nullptr},
     {TABLES SCHEMA "UPDATE sqlite_schema SET sql = replace(sql, ')', ' ' || hex(zeroblob(500000)) || ')');", tooMuch,
      nullptr},
+    {TABLES SCHEMA "UPDATE sqlite_schema SET sql = replace(sql, ')', replace(hex(zeroblob(9000)), '0', ' ') || ')');",
+     tooMuch, nullptr},
     {TABLES SCHEMA "WITH RECURSIVE c(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM c WHERE i < 20000) INSERT INTO "
                    "sqlite_schema SELECT 'table', 't' || i, 't' || i, 2, 'CREATE TABLE t' || i || ' (a)' FROM c;",
      tooMuch, nullptr},
@@ -246,13 +248,18 @@ TEST_F(HostileDatabase, SharedPagesAndLongRowsDoNotFillTheMemory) {
     rusage before{};
     rusage after{};
     getrusage(RUSAGE_SELF, &before);
-    ASSERT_TRUE(OpenDatabaseFile(Path()));
-    data::Recordset rows;
-    data::Error error;
-    EXPECT_FALSE(data::Ran(
-        [&] { rows.Open(QStringLiteral("SELECT * FROM hwids Where [hwids].[hwid] = 'PCI'"), DatabaseConnection()); },
-        &error));
-    EXPECT_THAT(error.Description().toStdString(), HasSubstr("More rows"));
+    const auto answer = [this] {
+        data::Error error;
+        data::Recordset rows;
+        EXPECT_TRUE(OpenDatabaseFile(Path()));
+        EXPECT_FALSE(data::Ran(
+            [&] {
+                rows.Open(QStringLiteral("SELECT * FROM hwids Where [hwids].[hwid] = 'PCI'"), DatabaseConnection());
+            },
+            &error));
+        return error.Description().toStdString();
+    };
+    EXPECT_THAT(answer(), HasSubstr("More rows"));
     // A walk of the whole table takes it in pages.
     data::Recordset walk;
     int walked = 0;
@@ -260,6 +267,11 @@ TEST_F(HostileDatabase, SharedPagesAndLongRowsDoNotFillTheMemory) {
         ++walked;
     }
     EXPECT_EQ(walked, 200);
+    Make(TABLES "INSERT INTO hwids VALUES('PCI', hex(zeroblob(5000000)));");
+    EXPECT_THAT(answer(), HasSubstr("too big"));
+    Make(TABLES "WITH RECURSIVE c(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM c WHERE i < 20001) INSERT INTO hwids "
+                "SELECT 'PCI', '' FROM c;");
+    EXPECT_THAT(answer(), HasSubstr("More rows"));
     getrusage(RUSAGE_SELF, &after);
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024) << "KiB"; // a sanitizer keeps what was given back
 }

@@ -53,6 +53,45 @@ for content in /dev/null /dev/urandom; do
 done
 rm -f settings.ini
 
+# An archive of half a kilobyte whose database would keep the program busy for ever, at every start: the update refuses
+# it, and the start does where it stands there already.
+mkdir "$scratch/bad"
+sqlite3 -cmd '.dbconfig defensive off' "$scratch/bad/hwids.mdb" "CREATE TABLE hwids (hwid, info);
+  CREATE TABLE devicenames (ID INTEGER PRIMARY KEY, devicename); CREATE TABLE mfgs (ID INTEGER PRIMARY KEY, mfg);
+  CREATE TABLE version (x TEXT, dbversion TEXT AS (instr(hex(zeroblob(9)), hex(zeroblob(4)) || 'x')));
+  INSERT INTO version VALUES ('9'); PRAGMA writable_schema=ON;
+  UPDATE sqlite_schema SET sql = replace(replace(sql, '9', '30000000'), '4', '9000000')" >/dev/null
+files=$scratch/served/files/updates/quorvane
+mkdir -p "$files"
+for engine in 7za 7zz 7z; do command -v $engine >/dev/null && break; done
+$engine a "$files/hwids.7z" "$scratch/bad/hwids.mdb" >/dev/null || fail "no archive"
+printf 9.0.0 >"$files/database_v1.htm"
+start_server
+export QUORVANE_STAGE=$scratch/machine
+printf '/devices/none\n' >"$QUORVANE_STAGE"
+cp "$QUORVANE_BIN/quorvane-staged" staged
+./staged 2>"$scratch/errors" &
+quorvane=$!
+pids+=($quorvane)
+wait_for 20 main_window || fail "no main window"
+main=$(main_window)
+wait_until_still "$main"
+update=$(open_by_button 390 'Updates')
+wait_until_still "$update"
+click "$update" 322 175
+wait_for 20 window_titled 'Quorvane' || fail "nothing is said of a crafted database"
+xdotool windowactivate --sync "$(window_titled 'Quorvane')" key Return
+wait_until_still "$main"
+kill -TERM $quorvane
+wait_for 10 gone $quorvane || { fail "an update with a crafted database keeps the program"; kill -9 $quorvane; }
+wait $quorvane
+expect "status after a crafted database" $? 0
+cmp -s "$scratch/good.mdb" hwids.mdb || fail "a crafted database took the good one's place"
+cp "$scratch/bad/hwids.mdb" .
+expect_fatal "crafted database"
+cp "$scratch/good.mdb" hwids.mdb
+rm -f staged
+
 # Asked to end at any moment of start-up and scan.
 for delay in 0.05 0.1 0.15 0.2 0.25 0.3 0.4 0.5; do
   ./quorvane 2>"$scratch/errors" &

@@ -12,7 +12,7 @@ cp "$QUORVANE_BIN/quorvane-staged" "$program/quorvane"
 cp -r "$QUORVANE_BIN/color_presets" "$QUORVANE_BIN/improve_database_keywords_to_skip.txt" "$program/"
 cd "$program" || exit 1
 # Where it would write by surprise.
-mkdir "$scratch/home" "$scratch/tmp" "$scratch/requests"
+mkdir "$scratch/home" "$scratch/tmp"
 chmod 700 "$scratch/home"
 export HOME=$scratch/home TMPDIR=$scratch/tmp
 
@@ -52,14 +52,8 @@ files=$scratch/served/files/updates/quorvane
   { echo "no archive"; exit 1; }
 printf '[main]\r\nCheckForUpdates=1\r\n' >settings.ini
 
-mkfifo "$scratch/end_of_server"
-"$QUORVANE_BIN/loopback_server" "$scratch/served" "$scratch/requests" <"$scratch/end_of_server" >"$scratch/port" &
-server=$!
-pids+=($server)
-exec 4>"$scratch/end_of_server"
-wait_for 5 test -s "$scratch/port" || { echo "no server"; exit 1; }
-port=$(cat "$scratch/port")
-export QUORVANE_STAGE_SERVER=http://127.0.0.1:$port QUORVANE_STAGE=$scratch/machine
+start_server
+export QUORVANE_STAGE=$scratch/machine
 
 # A browser that tells what it was given; nobody has a session bus here.
 printf '#!/bin/sh\nprintf "%%s %%s\\n" "$1" "${DBUS_SESSION_BUS_ADDRESS-no bus}" >>"%s/opened"\n' "$scratch" \
@@ -81,19 +75,6 @@ main=$(main_window)
 quorvane=$(pgrep -P $tracer)
 wait_until_still "$main" || fail "the first scan did not end"
 
-# click WINDOW X Y [MORE]: in pixels of the window.
-click() {
-  local id=$1 x=$2 y=$3 X=0 Y=0
-  shift 3
-  eval "$(xdotool getwindowgeometry --shell "$id")"
-  xdotool windowactivate --sync "$id" mousemove $((X + x)) $((Y + y)) click "$@" 1
-}
-# open_by_button X NAME: the main window's button, and the window that it opens.
-open_by_button() {
-  click "$main" "$1" 57
-  wait_for 10 window_titled "$2" || fail "no window '$2'"
-  window_titled "$2"
-}
 # Pictures for whoever works on this script.
 shot() { [ -z "${SHOTS:-}" ] || import -window root "$SHOTS/$1.png"; }
 

@@ -185,4 +185,32 @@ wait_until_still() {
   return 1
 }
 
+# click WINDOW X Y [MORE]: in pixels of the window.
+click() {
+  local id=$1 x=$2 y=$3 X=0 Y=0
+  shift 3
+  eval "$(xdotool getwindowgeometry --shell "$id")"
+  xdotool windowactivate --sync "$id" mousemove $((X + x)) $((Y + y)) click "$@" 1
+}
+# open_by_button X NAME: the main window's button, and the window that it opens.
+open_by_button() {
+  click "$main" "$1" 57
+  wait_for 10 window_titled "$2" || fail "no window '$2'"
+  window_titled "$2"
+}
+
+# start_server: hands out $scratch/served to the staged program and writes the requests into $scratch/requests; $server is
+# the process, $port its port. Ends when descriptor 4 is closed.
+start_server() {
+  mkdir -p "$scratch/requests"
+  mkfifo "$scratch/end_of_server"
+  "$QUORVANE_BIN/loopback_server" "$scratch/served" "$scratch/requests" <"$scratch/end_of_server" >"$scratch/port" &
+  server=$!
+  pids+=($server)
+  exec 4>"$scratch/end_of_server"
+  wait_for 5 test -s "$scratch/port" || { echo "no server"; exit 1; }
+  port=$(cat "$scratch/port")
+  export QUORVANE_STAGE_SERVER=http://127.0.0.1:$port
+}
+
 clipboard() { timeout 5 xclip -selection clipboard -o 2>/dev/null; }

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t keptStatements = 24; // shapes of statement that stay prepared
 // What one query may bring into memory; more is a failure, or the next page's.
 constexpr size_t mostRows = 20'000;
-constexpr qint64 mostBytes = LongestValue;
+constexpr qint64 mostBytes = 256 * 1024;
 // What one statement may take of the thread that the windows live in. A search of a file that was read through before
 // it took its place takes some microseconds, one that walks 48 MiB for want of an index a quarter of this.
 constexpr qint64 longestRun = 250'000'000; // nanoseconds
