@@ -75,9 +75,6 @@ std::string Uevent(const std::string& text) {
 
 std::string Text(const std::string& text) { return text; }
 
-// What all functions have; a serial number stands behind it, if there is one.
-std::string Config(const std::string& space) { return space.substr(0, 64); }
-
 // Bytes that hold no identity; a text's addresses are masked.
 struct Attribute {
     const char* name;
@@ -102,7 +99,8 @@ constexpr Attribute Attributes[] = {
     {"bcdDevice", Text},
     {"chip_name", Text},
     {"class", Text},
-    {"config", Config, false},
+    // The part that all functions have is asked for; a serial number stands behind it, if there is one.
+    {"config", Text, false},
     {"connect_type", Text},
     {"description", Text},
     // Numbers of texts, not the texts.
@@ -153,7 +151,6 @@ constexpr Attribute Attributes[] = {
     {"vendor_id", Text},
     {"vendor_name", Text},
     {"version", Text},
-    {"vpd_pg80", nullptr},
     {"vpd_pg83", Page83WithoutIdentity, false},
     {"vpd_pg89", Page89WithoutIdentity, false},
     {"waiting_for_supplier", Text},
