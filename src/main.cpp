@@ -11,6 +11,7 @@
 #include "forms/dialogs.h"
 #include "forms/form.h"
 #include "forms/forms.h"
+#include "forms/key_repeat.h"
 #include "inventory/frm_menu.h"
 #include "shell/frm_main.h"
 #include "shell/termination.h"
@@ -91,6 +92,7 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    forms::TellKeyRepeats();
     forms::ApplyDensity(widestWindow, highestWindow);
     draw::SetSysColors(QApplication::palette());
     database::SetFatalHandlers([](const QString& message) { forms::MsgBox(message); },

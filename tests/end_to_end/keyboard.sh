@@ -35,6 +35,7 @@ choose 5
 expect "copied row" "$(clipboard | tr -d '\r')" "$row"
 
 lookup_opened() { window_titled "$name"; }
+gone_lookup() { ! lookup_opened; }
 close_lookup() {
   xdotool key alt+F4
   for _ in $(seq 50); do lookup_opened >/dev/null || return 0; sleep 0.1; done
@@ -52,12 +53,51 @@ expect "columns of the copied matches" "$(clipboard | tr -d '\r' | head -n 1)" "
 [ "$(clipboard | grep -c .)" -gt 1 ] || fail "no match was copied"
 close_lookup || fail "the lookup window does not close"
 
-# Behind the list stand its headers and the lookup button.
+# hold KEY [SECONDS]: the server repeats it after 0.66 s, 25 times a second.
+hold() { xdotool keydown "$1"; sleep "${2:-1.2}"; xdotool keyup "$1"; sleep 0.2; }
+count() { windows_titled "$name" | wc -l; }
+
+# Behind the list stand its headers and the lookup button. A key that is held is one press: the window that it opens gets
+# none, and none is left over for the next press.
 xdotool windowactivate --sync "$main"
-keys Tab Tab Return
+keys Tab Tab
+hold Return
 wait_for 5 lookup_opened || fail "Return on the button opens no lookup window"
 wait_until_still "$(lookup_opened)"
+expect "windows of a held Return" "$(count)" 1
+keys Tab Tab
+hold space
+hold Return
+wait_for 5 test -s "$scratch/opened"
+expect "searches of two held keys" "$(wc -l <"$scratch/opened")" 2
+close_lookup || fail "the lookup window does not close"
+xdotool windowactivate --sync "$main"
+keys Return
+wait_for 5 lookup_opened || fail "a press after a held one is lost"
+wait_until_still "$(lookup_opened)"
 close_lookup || fail "the second lookup window does not close"
+
+# The keyboard goes where it likes while a key is down: a window that closes, a popup that opens, another control.
+keys shift+Tab shift+Tab
+xdotool keydown Menu
+sleep 1
+choose 1
+xdotool keyup Menu
+wait_for 5 lookup_opened || fail "a held menu key closes its popup"
+wait_until_still "$(lookup_opened)"
+keys Tab Tab
+xdotool keydown space key alt+F4
+sleep 1
+xdotool keyup space
+wait_for 5 gone_lookup || fail "the lookup window does not close under a held key"
+xdotool windowactivate --sync "$main"
+keys Tab Tab
+xdotool keydown space key Tab
+sleep 1
+xdotool keyup space
+wait_until_still "$main"
+expect "windows of a key that was held over" "$(count)" 0
+expect "searches" "$(wc -l <"$scratch/opened")" 2
 
 xdotool windowactivate --sync "$main" key alt+F4
 expect_end

@@ -203,10 +203,12 @@ bool ListTree::SelectCurrent() {
 void ListTree::keyPressEvent(QKeyEvent* event) {
     const bool shiftF10 = event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier;
     if (event->key() == Qt::Key_Menu || shiftF10) {
+        event->accept();
+        if (event->isAutoRepeat())
+            return;
         SelectCurrent();
         if (currentIndex().isValid())
             scrollTo(currentIndex());
-        event->accept();
         Q_EMIT PopupAsked(PopupPlace());
         return;
     }
