@@ -40,6 +40,7 @@ void AlphaImage::SetToolTipText(const QString& text) {
 void AlphaImage::SetEnabled(bool enabled) {
     enabled_ = enabled;
     setEnabled(enabled);
+    SetInside(underMouse());
 }
 
 void AlphaImage::ApplyHover(int hover, int redraw) {
@@ -73,11 +74,13 @@ void AlphaImage::paintEvent(QPaintEvent*) {
         painter.drawImage(QPoint(0, 0), ShownImage());
 }
 
+// A button that is switched off does not answer to the pointer.
 void AlphaImage::SetInside(bool inside) {
-    if (inside == inside_)
+    const bool answers = inside && enabled_;
+    if (answers == inside_)
         return;
-    inside_ = inside;
-    if (inside)
+    inside_ = answers;
+    if (answers)
         Q_EMIT MouseEnter();
     else
         Q_EMIT MouseLeave();
@@ -101,11 +104,13 @@ void AlphaImage::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void AlphaImage::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !pressed_)
-        return;
-    pressed_ = false;
-    if (rect().contains(event->position().toPoint()))
+    const bool up = event->button() == Qt::LeftButton && pressed_ && rect().contains(event->position().toPoint());
+    if (event->button() == Qt::LeftButton)
+        pressed_ = false;
+    if (up)
         Q_EMIT MouseUp();
+    else
+        Q_EMIT MouseDropped();
 }
 
 void AlphaImage::mouseDoubleClickEvent(QMouseEvent* event) { mousePressEvent(event); }

@@ -50,6 +50,8 @@ class AlphaImage : public QWidget {
     // The left button. MouseUp comes only if it went down here and is let go here.
     void MouseDown();
     void MouseUp();
+    // Any other button, or the left one let go elsewhere.
+    void MouseDropped();
 
   protected:
     void paintEvent(QPaintEvent* event) override;

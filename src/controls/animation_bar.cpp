@@ -231,8 +231,8 @@ void AnimationBar::Draw(draw::Surface& surface) {
 
 void AnimationBar::ReadProperties(const base::PropertyBag& bag) {
     style_ = bag.Read(QStringLiteral("Style"), 0);
-    SetIncrement(bag.Read(QStringLiteral("Increment"), 0));
-    SetTiming(bag.Read(QStringLiteral("Timing"), 0));
+    increment_ = To16Bit(bag.Read(QStringLiteral("Increment"), 0));
+    timing_ = To16Bit(bag.Read(QStringLiteral("Timing"), 0));
     colorBars_ = bag.Read(QStringLiteral("ColorBars"), false);
     backGroundColor_ = bag.Read(QStringLiteral("BackGroundColor"), QString());
     leftColorBarColor_ = bag.Read(QStringLiteral("LeftColorBarColor"), QString());

@@ -33,26 +33,26 @@ class AnimationBar : public forms::DrawnControl {
 
     // A Motion, for the next BeginDisplay; 0 becomes Monic there.
     int Style() const { return style_; }
-    void SetStyle(int style) { style_ = style; }
+    void SetStyle(int style) { Store("Style", style_, style); }
     // One step in twips; 0 becomes 150.
     int Increment() const { return increment_; }
-    void SetIncrement(int twips) { increment_ = qint16(qBound(-32768, twips, 32767)); }
+    void SetIncrement(int twips) { Store("Increment", increment_, To16Bit(twips)); }
     // Milliseconds between steps; 0 becomes 75.
     int Timing() const { return timing_; }
-    void SetTiming(int milliseconds) { timing_ = qint16(qBound(-32768, milliseconds, 32767)); }
+    void SetTiming(int milliseconds) { Store("Timing", timing_, To16Bit(milliseconds)); }
     // True moves the second pair of bars.
     bool ColorBars() const { return colorBars_; }
-    void SetColorBars(bool on) { colorBars_ = on; }
+    void SetColorBars(bool on) { Store("ColorBars", colorBars_, on); }
     // Colours as decimal text. BeginDisplay fills in empty ones: the strip from the container's BackColor, the others
     // from its ForeColor. A text that is no number leaves the colour in use alone.
     QString BackGroundColor() const { return backGroundColor_; }
-    void SetBackGroundColor(const QString& colour) { backGroundColor_ = colour; }
+    void SetBackGroundColor(const QString& colour) { Store("BackGroundColor", backGroundColor_, colour); }
     QString LeftColorBarColor() const { return leftColorBarColor_; }
-    void SetLeftColorBarColor(const QString& colour) { leftColorBarColor_ = colour; }
+    void SetLeftColorBarColor(const QString& colour) { Store("LeftColorBarColor", leftColorBarColor_, colour); }
     QString RightColorBarColor() const { return rightColorBarColor_; }
-    void SetRightColorBarColor(const QString& colour) { rightColorBarColor_ = colour; }
+    void SetRightColorBarColor(const QString& colour) { Store("RightColorBarColor", rightColorBarColor_, colour); }
     QString PulseColor() const { return pulseColor_; }
-    void SetPulseColor(const QString& colour) { pulseColor_ = colour; }
+    void SetPulseColor(const QString& colour) { Store("PulseColor", pulseColor_, colour); }
 
     bool HasDC() const { return true; }
     draw::Surface& hdc() { return UpToDateSurface(); }
@@ -87,6 +87,11 @@ class AnimationBar : public forms::DrawnControl {
         draw::Surface face; // painted by BeginDisplay; nothing before
     };
 
+    template <typename T> void Store(const char* name, T& member, const T& value) {
+        member = value;
+        Q_EMIT PropertyChanged(QLatin1String(name));
+    }
+    static qint16 To16Bit(int value) { return qint16(qBound(-32768, value, 32767)); }
     void Reset();
     void FillInDefaults();
     void TakeColours();

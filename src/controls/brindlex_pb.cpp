@@ -15,14 +15,18 @@
 namespace controls {
 namespace {
 
+// What is see-through stays so; the bitmap in between knows no transparency.
 draw::Picture Recoloured(const draw::Picture& picture, double lightness, double saturation) {
+    const bool seeThrough = picture.Image().hasAlphaChannel();
     pcDibSection bitmap;
-    if (!bitmap.CreateFromPicture(picture))
+    if (!bitmap.CreateFromHBitmap(
+            picture.Image().convertToFormat(QImage::Format_ARGB32).convertToFormat(QImage::Format_RGB32)))
         return picture;
     bitmap.ModifyHLS(1.0, lightness, saturation);
-    draw::Surface box(picture);
-    bitmap.PaintPicture(box);
-    return box.ToPicture();
+    QImage image = bitmap.hDib();
+    if (seeThrough)
+        image.setAlphaChannel(picture.Image().convertToFormat(QImage::Format_Alpha8));
+    return draw::Picture::FromImage(image);
 }
 
 } // namespace

@@ -103,9 +103,6 @@ class BrindlexPB : public forms::DrawnControl {
     Q_INVOKABLE void ModifyPicture(double lightness, double saturation, double third, double fourth);
     Q_INVOKABLE void ModifyBarPicture(double lightness, double saturation, double third, double fourth);
 
-  Q_SIGNALS:
-    void PropertyChanged(const QString& name);
-
   protected:
     void Draw(draw::Surface& surface) override;
 

@@ -55,9 +55,12 @@ class ProgressPainter {
     }
 
     void DrawBackground() {
-        if (!paint_.backPicture.IsEmpty())
+        if (!paint_.backPicture.IsEmpty()) {
+            // What is see-through in it shows the colour, and not the paint before this one.
+            if (paint_.backPicture.Image().hasAlphaChannel())
+                target_.FillRect(client_, PlainBackground());
             DrawImage(paint_.backPicture, paint_.backPictureMode, client_);
-        else if (paint_.blended || !DrawThemedBackground())
+        } else if (paint_.blended || !DrawThemedBackground())
             target_.FillRect(client_, PlainBackground());
     }
 
@@ -101,13 +104,13 @@ class ProgressPainter {
     QRect BarRectangle() const {
         const bool inSteps = (paint_.segments || themeDrawn_) && segment_.Step() > 0;
         if (isWide_) {
-            int right = inner_.x() + base::RoundToInt(inner_.width() * paint_.fraction);
+            int right = base::RoundToInt(inner_.x() + inner_.width() * paint_.fraction);
             if (inSteps)
                 right -= (right - client_.x()) % segment_.Step();
             right = std::max(right, inner_.x());
             return draw::RectOf(client_.x(), client_.y(), right, BottomOf(client_));
         }
-        int top = inner_.y() + base::RoundToInt(inner_.height() * (1 - paint_.fraction));
+        int top = base::RoundToInt(inner_.y() + inner_.height() * (1 - paint_.fraction));
         if (inSteps)
             top -= (top - BottomOf(client_)) % segment_.Step(); // not above 0: moves down
         top = std::min(top, BottomOf(inner_));

@@ -54,43 +54,37 @@ dcButton::dcButton(QWidget* container, const QString& name) : DrawnControl(conta
     InitProperties();
 }
 
-void dcButton::SetBackColor(base::Colour colour) {
-    backColor_ = colour;
+void dcButton::SetBaseColour(base::Colour& member, base::Colour colour, const char* name) {
+    member = colour;
     ComputeColours();
     Repaint(-1, true);
+    Changed(name);
 }
 
-void dcButton::SetBackStartColor(base::Colour colour) {
-    backStartColor_ = colour;
-    ComputeColours();
-    Repaint(-1, true);
-}
+void dcButton::SetBackColor(base::Colour colour) { SetBaseColour(backColor_, colour, "BackColor"); }
 
-void dcButton::SetForeColor(base::Colour colour) {
-    foreColor_ = colour;
-    ComputeColours();
-    Repaint(-1, true);
-}
+void dcButton::SetBackStartColor(base::Colour colour) { SetBaseColour(backStartColor_, colour, "BackStartColor"); }
 
-void dcButton::SetMaskColor(base::Colour colour) {
-    maskColor_ = colour;
-    ComputeColours();
-    Repaint(-1, true);
-}
+void dcButton::SetForeColor(base::Colour colour) { SetBaseColour(foreColor_, colour, "ForeColor"); }
+
+void dcButton::SetMaskColor(base::Colour colour) { SetBaseColour(maskColor_, colour, "MaskColor"); }
 
 void dcButton::SetUseMaskColor(bool use) {
     useMaskColor_ = use;
     Repaint(-1, true);
+    Changed("UseMaskColor");
 }
 
 void dcButton::SetButtonShape(int shape) {
     buttonShape_ = shape;
     LayoutChanged();
+    Changed("ButtonShape");
 }
 
 void dcButton::SetSpecialEffect(int effect) {
     specialEffect_ = effect;
     Repaint(-1, true);
+    Changed("SpecialEffect");
 }
 
 void dcButton::SetCaption(const QString& caption) {
@@ -98,6 +92,7 @@ void dcButton::SetCaption(const QString& caption) {
     ApplyAccessKey();
     LayoutChanged();
     AccessibleNameChanged(this);
+    Changed("Caption");
 }
 
 void dcButton::SetCheckBoxMode(bool on) {
@@ -105,6 +100,7 @@ void dcButton::SetCheckBoxMode(bool on) {
     if (!on)
         value_ = false;
     Repaint(-1, true);
+    Changed("CheckBoxMode");
 }
 
 void dcButton::SetValue(bool value) {
@@ -114,13 +110,16 @@ void dcButton::SetValue(bool value) {
         const QPointer<dcButton> alive(this);
         lastButton_ = forms::LeftButton;
         OnClick();
-        if (alive)
-            value_ = false;
+        if (!alive)
+            return;
+        value_ = false;
+        Changed("Value");
         return;
     }
     if (changed)
         AccessibleCheckChanged(this);
     Repaint(-1, true);
+    Changed("Value");
 }
 
 void dcButton::SetEnabled(bool enabled) {
@@ -129,11 +128,13 @@ void dcButton::SetEnabled(bool enabled) {
     DrawnControl::SetEnabled(enabled);
     currentState_ = Enabled() ? RestingState() : DisabledState;
     Repaint(-1, true);
+    Changed("Enabled");
 }
 
 void dcButton::SetHandPointer(bool on) {
     handPointer_ = on;
     ApplyCursor();
+    Changed("HandPointer");
 }
 
 void dcButton::SetMousePointer(int pointer) {
@@ -141,12 +142,14 @@ void dcButton::SetMousePointer(int pointer) {
     if (pointer != customPointer)
         handPointer_ = false;
     ApplyCursor();
+    Changed("MousePointer");
 }
 
 void dcButton::SetMouseIcon(const draw::Picture& icon) {
     mouseIcon_ = icon;
     mousePointer_ = icon.IsEmpty() ? 0 : customPointer;
     ApplyCursor();
+    Changed("MouseIcon");
 }
 
 // The pointer is set when a property changes it and not at each move, which would cost a call to the display.
@@ -164,6 +167,7 @@ void dcButton::ApplyCursor() {
 void dcButton::SetFont(const QFont& font) {
     setFont(font);
     LayoutChanged();
+    Changed("Font");
 }
 
 void dcButton::SetFontBold(bool on) {

@@ -35,6 +35,7 @@ class dcButton : public forms::DrawnControl {
     Q_PROPERTY(bool Value READ Value WRITE SetValue)
     Q_PROPERTY(bool HandPointer READ HandPointer WRITE SetHandPointer)
     Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer)
+    Q_PROPERTY(draw::Picture MouseIcon READ MouseIcon WRITE SetMouseIcon)
     Q_PROPERTY(QFont Font READ Font WRITE SetFont)
     Q_PROPERTY(bool FontBold READ FontBold WRITE SetFontBold)
     Q_PROPERTY(bool FontItalic READ FontItalic WRITE SetFontItalic)
@@ -42,6 +43,9 @@ class dcButton : public forms::DrawnControl {
     Q_PROPERTY(double FontSize READ FontSize WRITE SetFontSize)
     Q_PROPERTY(bool FontStrikethru READ FontStrikethru WRITE SetFontStrikethru)
     Q_PROPERTY(bool FontUnderline READ FontUnderline WRITE SetFontUnderline)
+    Q_PROPERTY(draw::Picture PictureNormal READ PictureNormal WRITE SetPictureNormal)
+    Q_PROPERTY(draw::Picture PictureHot READ PictureHot WRITE SetPictureHot)
+    Q_PROPERTY(draw::Picture PictureDown READ PictureDown WRITE SetPictureDown)
     Q_PROPERTY(int PictureOpacity READ PictureOpacity WRITE SetPictureOpacity)
     Q_PROPERTY(int PictureSize READ PictureSize WRITE SetPictureSize)
     Q_PROPERTY(int PictureSizeH READ PictureSizeH WRITE SetPictureSizeH)
@@ -197,6 +201,8 @@ class dcButton : public forms::DrawnControl {
     ButtonPaint PaintState() const;
     base::Colour AmbientForeColor() const;
 
+    void Changed(const char* name) { Q_EMIT PropertyChanged(QLatin1String(name)); }
+    void SetBaseColour(base::Colour& member, base::Colour colour, const char* name);
     // -1 stands for the current state. Without `force` only a change of state or focus counts.
     void Repaint(int state, bool force);
     int RestingState() const { return mouseOver_ ? HotState : NormalState; }

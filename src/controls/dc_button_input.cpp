@@ -83,6 +83,9 @@ void dcButton::keyPressEvent(QKeyEvent* event) {
     const bool space = code == spaceKey && shift != forms::AltMask;
     const bool arrow = code >= firstArrowKey && code <= lastArrowKey;
     event->setAccepted(space || arrow);
+    // A key that was down before the button had the keyboard does not press it.
+    if (space && event->isAutoRepeat() && !spaceHeld_)
+        return;
     if (space)
         OnSpaceDown(shift);
     else if (arrow)
@@ -355,15 +358,11 @@ void dcButton::OpenPopup() {
     if (!alive)
         return;
     popupShowing_ = false;
-    const bool held = QGuiApplication::mouseButtons().testFlag(Qt::LeftButton);
     mouseOver_ = isVisible() && IsUnder(mapFromGlobal(QCursor::pos()));
     popupJustClosed_ = mouseOver_;
     if (mouseOver_)
         sincePopup_.start();
-    // The menu has swallowed the release of the press that opened it. A button that is still held is the press that
-    // closed the menu on this button; its release is to come.
-    if (mouseOver_ && held)
-        return;
+    // The menu has swallowed the release of the press that opened it, and may swallow that of the press that closed it.
     pressed_ = false;
     mouseDownHeld_ = false;
     spaceHeld_ = false;

@@ -25,6 +25,7 @@ void dcButton::SetPictureNormal(const draw::Picture& picture) {
     }
     ApplyPictureSize();
     LayoutChanged();
+    Changed("PictureNormal");
 }
 
 bool dcButton::StoreStatePicture(draw::Picture& slot, const draw::Picture& picture) {
@@ -40,13 +41,19 @@ bool dcButton::StoreStatePicture(draw::Picture& slot, const draw::Picture& pictu
 }
 
 void dcButton::SetPictureHot(const draw::Picture& picture) {
-    if (StoreStatePicture(pictureHot_, picture) && mouseOver_)
+    if (!StoreStatePicture(pictureHot_, picture))
+        return;
+    if (mouseOver_)
         Repaint(-1, true);
+    Changed("PictureHot");
 }
 
 void dcButton::SetPictureDown(const draw::Picture& picture) {
-    if (StoreStatePicture(pictureDown_, picture) && pressed_)
+    if (!StoreStatePicture(pictureDown_, picture))
+        return;
+    if (pressed_)
         Repaint(-1, true);
+    Changed("PictureDown");
 }
 
 int dcButton::PictureOpacity() const { return base::RoundToInt(double(pictureOpacity_) * 100); }
@@ -54,12 +61,14 @@ int dcButton::PictureOpacity() const { return base::RoundToInt(double(pictureOpa
 void dcButton::SetPictureOpacity(int percent) {
     pictureOpacity_ = float(qBound(0, percent, 100)) / 100;
     Repaint(-1, true);
+    Changed("PictureOpacity");
 }
 
 void dcButton::SetPictureSize(int size) {
     pictureSize_ = size;
     ApplyPictureSize();
     LayoutChanged();
+    Changed("PictureSize");
 }
 
 void dcButton::ApplyPictureSize() {
@@ -78,17 +87,24 @@ void dcButton::ApplyPictureSize() {
 
 void dcButton::SetPictureSizeH(int pixels) {
     pictureSizeH_ = pixels;
+    const QPointer<dcButton> alive(this);
     SetPictureSize(customSize);
+    if (alive)
+        Changed("PictureSizeH");
 }
 
 void dcButton::SetPictureSizeW(int pixels) {
     pictureSizeW_ = pixels;
+    const QPointer<dcButton> alive(this);
     SetPictureSize(customSize);
+    if (alive)
+        Changed("PictureSizeW");
 }
 
 void dcButton::SetPictureAlignment(int alignment) {
     pictureAlignment_ = alignment;
     LayoutChanged();
+    Changed("PictureAlignment");
 }
 
 } // namespace controls

@@ -20,10 +20,15 @@ void WritePicture(base::PropertyBag& bag, const QString& key, const draw::Pictur
 
 } // namespace
 
-// A saved button without a text colour takes its container's, a new one takes white.
+// A saved button without a text colour takes that of the nearest container that has one, a new one takes white. A
+// form's client area, which holds most controls, has none.
 base::Colour dcButton::AmbientForeColor() const {
-    const QVariant ambient = forms::GetProperty(parent(), "ForeColor");
-    return ambient.canConvert<base::Colour>() ? ambient.value<base::Colour>() : draw::SystemColour(draw::COLOR_BTNTEXT);
+    for (const QObject* container = parent(); container != nullptr; container = container->parent()) {
+        const QVariant ambient = forms::GetProperty(container, "ForeColor");
+        if (ambient.canConvert<base::Colour>())
+            return ambient.value<base::Colour>();
+    }
+    return draw::SystemColour(draw::COLOR_BTNTEXT);
 }
 
 void dcButton::InitProperties() {

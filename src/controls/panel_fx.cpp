@@ -1,5 +1,6 @@
 #include "controls/panel_fx.h"
 
+#include "base/numbers.h"
 #include "controls/accessible.h"
 #include "controls/ambient_font.h"
 #include "draw/region.h"
@@ -88,18 +89,24 @@ void PanelFx::WriteProperties(base::PropertyBag& bag) const {
 void PanelFx::SetRoundEdge(int pixels) {
     values_.roundEdge = To16Bit(pixels);
     ApplyRegion();
-    Refresh();
+    Store("RoundEdge", values_.roundEdge, values_.roundEdge);
 }
 
 void PanelFx::SetTitleCaption(const QString& caption) {
-    values_.titleCaption = caption;
     setAccessibleName(caption);
-    Refresh();
+    Store("TitleCaption", values_.titleCaption, caption);
+}
+
+void PanelFx::SetFont(const QFont& font) {
+    setFont(font);
+    Q_EMIT PropertyChanged(QStringLiteral("Font"));
 }
 
 void PanelFx::SetCollapse(bool collapse) {
     collapse_ = collapse;
-    if (!values_.canCollapse)
+    const QPointer<PanelFx> alive(this);
+    Q_EMIT PropertyChanged(QStringLiteral("Collapse"));
+    if (!alive || !values_.canCollapse)
         return;
     AccessibleExpandChanged(this);
     const double titleHeight = values_.tileHeight * forms::TwipsPerPixel();
@@ -160,7 +167,7 @@ void PanelFx::DrawTitleIcon(draw::Surface& surface) {
 int PanelFx::CaptionLeft(const draw::Surface& surface) const {
     switch (values_.titleAlignment) {
     case AlignCentre:
-        return (width() - surface.TextWidth(values_.titleCaption)) / 2;
+        return base::RoundToInt((width() - surface.TextWidth(values_.titleCaption)) / 2.0);
     case AlignRight:
         return width() - surface.TextWidth(values_.titleCaption) - captionMargin;
     default:

@@ -57,62 +57,62 @@ class PanelFx : public forms::DrawnControl {
     void WriteProperties(base::PropertyBag& bag) const;
 
     base::Colour PanelBorderColor() const { return values_.panelBorderColor; }
-    void SetPanelBorderColor(base::Colour colour) { Store(values_.panelBorderColor, colour); }
+    void SetPanelBorderColor(base::Colour colour) { Store("PanelBorderColor", values_.panelBorderColor, colour); }
     // Pixels, as all measures of the title and its icon.
     int TileHeight() const { return values_.tileHeight; }
-    void SetTileHeight(int pixels) { Store(values_.tileHeight, To16Bit(pixels)); }
+    void SetTileHeight(int pixels) { Store("TileHeight", values_.tileHeight, To16Bit(pixels)); }
     bool HideTitleIcon() const { return values_.hideTitleIcon; }
-    void SetHideTitleIcon(bool hide) { Store(values_.hideTitleIcon, hide); }
+    void SetHideTitleIcon(bool hide) { Store("HideTitleIcon", values_.hideTitleIcon, hide); }
     int TitleIconWidth() const { return values_.titleIconWidth; }
-    void SetTitleIconWidth(int pixels) { Store(values_.titleIconWidth, To16Bit(pixels)); }
+    void SetTitleIconWidth(int pixels) { Store("TitleIconWidth", values_.titleIconWidth, To16Bit(pixels)); }
     int TitleIconHeight() const { return values_.titleIconHeight; }
-    void SetTitleIconHeight(int pixels) { Store(values_.titleIconHeight, To16Bit(pixels)); }
+    void SetTitleIconHeight(int pixels) { Store("TitleIconHeight", values_.titleIconHeight, To16Bit(pixels)); }
     int TitleIconXPos() const { return values_.titleIconXPos; }
-    void SetTitleIconXPos(int pixels) { Store(values_.titleIconXPos, To16Bit(pixels)); }
+    void SetTitleIconXPos(int pixels) { Store("TitleIconXPos", values_.titleIconXPos, To16Bit(pixels)); }
     int TitleIconYPos() const { return values_.titleIconYPos; }
-    void SetTitleIconYPos(int pixels) { Store(values_.titleIconYPos, To16Bit(pixels)); }
+    void SetTitleIconYPos(int pixels) { Store("TitleIconYPos", values_.titleIconYPos, To16Bit(pixels)); }
     draw::Picture TitleIcon() const { return values_.titleIcon; }
-    void SetTitleIcon(const draw::Picture& icon) { Store(values_.titleIcon, icon); }
+    void SetTitleIcon(const draw::Picture& icon) { Store("TitleIcon", values_.titleIcon, icon); }
     draw::Picture TitleBitmap() const { return values_.titleBitmap; }
-    void SetTitleBitmap(const draw::Picture& tile) { Store(values_.titleBitmap, tile); }
+    void SetTitleBitmap(const draw::Picture& tile) { Store("TitleBitmap", values_.titleBitmap, tile); }
     draw::Picture PanelBitmap() const { return values_.panelBitmap; }
-    void SetPanelBitmap(const draw::Picture& tile) { Store(values_.panelBitmap, tile); }
+    void SetPanelBitmap(const draw::Picture& tile) { Store("PanelBitmap", values_.panelBitmap, tile); }
     base::Colour gCPanelStart() const { return values_.panelStart; }
-    void SetgCPanelStart(base::Colour colour) { Store(values_.panelStart, colour); }
+    void SetgCPanelStart(base::Colour colour) { Store("gCPanelStart", values_.panelStart, colour); }
     base::Colour gCPanelEnd() const { return values_.panelEnd; }
-    void SetgCPanelEnd(base::Colour colour) { Store(values_.panelEnd, colour); }
+    void SetgCPanelEnd(base::Colour colour) { Store("gCPanelEnd", values_.panelEnd, colour); }
     base::Colour gCTitleStart() const { return values_.titleStart; }
-    void SetgCTitleStart(base::Colour colour) { Store(values_.titleStart, colour); }
+    void SetgCTitleStart(base::Colour colour) { Store("gCTitleStart", values_.titleStart, colour); }
     base::Colour gCTitleEnd() const { return values_.titleEnd; }
-    void SetgCTitleEnd(base::Colour colour) { Store(values_.titleEnd, colour); }
+    void SetgCTitleEnd(base::Colour colour) { Store("gCTitleEnd", values_.titleEnd, colour); }
     int gCTitleDir() const { return values_.titleDirection; }
-    void SetgCTitleDir(int direction) { Store(values_.titleDirection, direction); }
+    void SetgCTitleDir(int direction) { Store("gCTitleDir", values_.titleDirection, direction); }
     int gCPanelDir() const { return values_.panelDirection; }
-    void SetgCPanelDir(int direction) { Store(values_.panelDirection, direction); }
+    void SetgCPanelDir(int direction) { Store("gCPanelDir", values_.panelDirection, direction); }
     // A drag of the title moves the panel, or the form with AllowParentDraging as well.
     bool AllowDraging() const { return values_.allowDraging; }
-    void SetAllowDraging(bool allow) { Store(values_.allowDraging, allow); }
+    void SetAllowDraging(bool allow) { Store("AllowDraging", values_.allowDraging, allow); }
     bool AllowParentDraging() const { return values_.allowParentDraging; }
-    void SetAllowParentDraging(bool allow) { Store(values_.allowParentDraging, allow); }
+    void SetAllowParentDraging(bool allow) { Store("AllowParentDraging", values_.allowParentDraging, allow); }
     bool CanCollapse() const { return values_.canCollapse; }
-    void SetCanCollapse(bool can) { Store(values_.canCollapse, can); }
+    void SetCanCollapse(bool can) { Store("CanCollapse", values_.canCollapse, can); }
     // The diameter of the corners in pixels; 0 is square.
     int RoundEdge() const { return values_.roundEdge; }
     void SetRoundEdge(int pixels);
     base::Colour PanelBackColor() const { return values_.panelBackColor; }
-    void SetPanelBackColor(base::Colour colour) { Store(values_.panelBackColor, colour); }
+    void SetPanelBackColor(base::Colour colour) { Store("PanelBackColor", values_.panelBackColor, colour); }
     base::Colour TileBackColor() const { return values_.tileBackColor; }
-    void SetTileBackColor(base::Colour colour) { Store(values_.tileBackColor, colour); }
+    void SetTileBackColor(base::Colour colour) { Store("TileBackColor", values_.tileBackColor, colour); }
     base::Colour TitleForeColor() const { return values_.titleForeColor; }
-    void SetTitleForeColor(base::Colour colour) { Store(values_.titleForeColor, colour); }
+    void SetTitleForeColor(base::Colour colour) { Store("TitleForeColor", values_.titleForeColor, colour); }
     QString TitleCaption() const { return values_.titleCaption; }
     void SetTitleCaption(const QString& caption);
     int TitleAlignment() const { return values_.titleAlignment; }
-    void SetTitleAlignment(int alignment) { Store(values_.titleAlignment, alignment); }
+    void SetTitleAlignment(int alignment) { Store("TitleAlignment", values_.titleAlignment, alignment); }
     int BackGroundStyle() const { return values_.backGroundStyle; }
-    void SetBackGroundStyle(int style) { Store(values_.backGroundStyle, style); }
+    void SetBackGroundStyle(int style) { Store("BackGroundStyle", values_.backGroundStyle, style); }
     QFont Font() const { return font(); }
-    void SetFont(const QFont& font) { setFont(font); }
+    void SetFont(const QFont& font);
 
     // True shrinks the panel to its title, false gives it the size back that it had. Acts with CanCollapse only.
     bool Collapse() const { return collapse_; }
@@ -173,9 +173,10 @@ class PanelFx : public forms::DrawnControl {
     // Calls `visit(key, member)` for each persisted value, in order.
     template <typename Visitor> static void ForEachValue(Visitor visit);
 
-    template <typename T> void Store(T& member, const T& value) {
+    template <typename T> void Store(const char* name, T& member, const T& value) {
         member = value;
         Refresh();
+        Q_EMIT PropertyChanged(QLatin1String(name));
     }
     static qint16 To16Bit(int value) { return qint16(qBound(-32768, value, 32767)); }
 

@@ -201,8 +201,6 @@ class TitelBar : public forms::DrawnControl {
     void HelpButtonClick();
     // After each MaxminizeParent.
     void ResizedParent();
-    // A property was set; for a host that keeps the bag.
-    void PropertyChanged(const QString& name);
 
   protected:
     void Draw(draw::Surface& surface) override;
@@ -278,6 +276,7 @@ class TitelBar : public forms::DrawnControl {
     bool spinRunning_ = false;
     int trackState_ = TrackIdle;
     bool hasFocus_ = false;
+    bool clickDue_ = false; // a press arrived whose release inside makes a click
     bool maximised_ = false;
     bool answering_ = false;
     bool changingPlace_ = false;

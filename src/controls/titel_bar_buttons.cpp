@@ -44,13 +44,13 @@ constexpr ButtonRow buttonRows[] = {
 
 double Radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
-// An outlined window with a filled bar along its top; all four numbers are parts of the face.
+// An outlined window with a filled bar along its top; all four numbers are parts of the face, each rounded by itself.
 void DrawWindowGlyph(draw::Surface& face, double left, double top, double width, double height, base::Colour colour) {
     const int x = base::RoundToInt(left * face.Width());
     const int y = base::RoundToInt(top * face.Height());
-    const int right = base::RoundToInt((left + width) * face.Width());
-    const int bottom = base::RoundToInt((top + height) * face.Height());
-    const int barBottom = base::RoundToInt((top + 0.1) * face.Height());
+    const int right = x + base::RoundToInt(width * face.Width());
+    const int bottom = y + base::RoundToInt(height * face.Height());
+    const int barBottom = y + base::RoundToInt(0.1 * face.Height());
     face.FrameRect(draw::RectOf(x, y, right, bottom), colour);
     face.FillRect(draw::RectOf(x, y, right, barBottom), colour);
 }
@@ -87,6 +87,7 @@ void TitelBar::ConnectButton(ButtonIndex index) {
     connect(button.image, &AlphaImage::MouseEnter, this, [this, index] { ButtonEntered(index); });
     connect(button.image, &AlphaImage::MouseLeave, this, [this, index] { HoverOff(index); });
     connect(button.image, &AlphaImage::MouseDown, this, &TitelBar::StopTracking);
+    connect(button.image, &AlphaImage::MouseDropped, this, &TitelBar::ReturnKeyboard);
     connect(button.image, &AlphaImage::MouseUp, this, [this, index] { ButtonReleased(index); });
     connect(button.image, &AlphaImage::PrePaint, this,
             [this, index](QPainter* context, bool* cancel) { PaintButton(index, context, cancel); });

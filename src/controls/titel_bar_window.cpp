@@ -48,8 +48,13 @@ void TitelBar::WatchParent() {
     connect(this, &forms::Control::GotFocus, this, [this] { hasFocus_ = true; });
     connect(this, &forms::Control::LostFocus, this, [this] { hasFocus_ = false; });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* now) {
-        if (now == this && before != nullptr && before->window() == window())
+        if (now != this)
+            return;
+        if (before != nullptr && before->window() == window())
             focusBefore_ = before;
+        // The toolkit gives the bar the keyboard also for a press on a caption button.
+        if (QGuiApplication::mouseButtons() != Qt::NoButton && childAt(mapFromGlobal(QCursor::pos())) != nullptr)
+            ReturnKeyboard();
     });
     forms::Form* parent = ParentForm();
     if (parent == nullptr)
@@ -187,6 +192,7 @@ void TitelBar::mousePressEvent(QMouseEvent* event) {
     // A click into a window that is not active yet brings the focus some time later; the drag must not wait for it.
     if (window()->focusWidget() == this)
         hasFocus_ = true;
+    clickDue_ = true;
     DrawnControl::mousePressEvent(event);
 }
 
@@ -213,7 +219,9 @@ void TitelBar::mouseMoveEvent(QMouseEvent* event) {
 
 void TitelBar::mouseReleaseEvent(QMouseEvent* event) {
     const QPointer<TitelBar> alive(this);
-    const bool clicked = event->button() == Qt::LeftButton && rect().contains(event->position().toPoint());
+    // The release that ends a double click raises no second click.
+    const bool clicked = clickDue_ && event->button() == Qt::LeftButton && rect().contains(event->position().toPoint());
+    clickDue_ = false;
     Q_EMIT MouseUp(forms::ButtonOf(event->button()), forms::ShiftOf(event->modifiers()), event->position().x(),
                    event->position().y());
     if (alive)
@@ -226,6 +234,7 @@ void TitelBar::mouseReleaseEvent(QMouseEvent* event) {
 void TitelBar::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton)
         return;
+    clickDue_ = false;
     const QPointer<TitelBar> alive(this);
     Q_EMIT DblClick();
     if (alive && state_.showMaximized && state_.showMaximizedEnabled) {

@@ -55,6 +55,16 @@ class ProgressBar : public testing::Test {
 TEST_F(ProgressBar, GrowsRightwardWhenWideAndUpwardOtherwise) {
     control_.SetValue(25);
     EXPECT_EQ(CountInRow(10, bar), 20);
+    // The bar's end is rounded with the border before it, to even: 1 + 0.5 gives 2, and so does 1 + 1.5.
+    control_.SetBorderStyle(controls::SunkenBorder);
+    control_.resize(52, 20);
+    for (const int value : {1, 3}) {
+        control_.SetValue(value);
+        EXPECT_EQ(CountInRow(10, bar), 1) << value;
+    }
+    control_.SetBorderStyle(controls::NoBorder);
+    control_.resize(80, 20);
+    control_.SetValue(25);
     EXPECT_EQ(At(19, 0), bar);
     EXPECT_EQ(At(20, 0), back);
     control_.resize(20, 80);
@@ -215,6 +225,19 @@ TEST_F(ProgressBar, PicturesTileOrStretch) {
     control_.SetBarPicture(draw::Picture());
     control_.ModifyBarPicture(1, 1, 1, 1);
     EXPECT_TRUE(control_.BarPicture().IsEmpty());
+
+    // Through a picture one sees the colour, whatever was painted before, and recoloured it stays see-through.
+    QImage half(80, 20, QImage::Format_ARGB32_Premultiplied);
+    half.fill(qRgba(0, 64, 0, 128));
+    control_.SetPicture(draw::Picture::FromImage(half));
+    control_.SetValue(0);
+    const Colour mixed = At(70, 10);
+    control_.SetValue(1);
+    EXPECT_EQ(At(70, 10), mixed);
+    EXPECT_NEAR(mixed.Red(), 96, 2);
+    control_.ModifyPicture(0, 1, 0, 0);
+    EXPECT_NEAR(At(70, 10).Red(), 96, 2);
+    EXPECT_NEAR(At(70, 10).Green(), 96, 2);
 }
 
 TEST_F(ProgressBar, ReportsEachChangeAndBothPictures) {

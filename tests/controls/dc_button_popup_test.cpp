@@ -118,6 +118,24 @@ TEST_F(ButtonPopup, ThePressThatClosesItDoesNotOpenItAgain) {
     EXPECT_EQ(opened, 4);
 }
 
+// Some desktops keep the release of the press that closed the menu to themselves.
+TEST_F(ButtonPopup, IsUpAgainAfterAClickOnItClosedTheMenu) {
+    button->SetPopupMenu(&menu, 0);
+    PointerAt(inside);
+    WhenOpen([&] {
+        QMenu* popup = menu.Popup();
+        QTest::mousePress(popup->windowHandle(), Qt::LeftButton, {},
+                          popup->mapFromGlobal(button->mapToGlobal(inside.toPoint())));
+    });
+    Press();
+    EXPECT_EQ(opened, 1);
+    EXPECT_FALSE(menu.IsOpen());
+    EXPECT_EQ(QGuiApplication::mouseButtons(), Qt::LeftButton);
+    EXPECT_EQ(button->CurrentState(), HotState);
+    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, QPoint(300, 150));
+    EXPECT_NE(button->CurrentState(), DownState);
+}
+
 TEST_F(ButtonPopup, MayDestroyItsButtonOrBeDestroyed) {
     button->SetPopupMenu(&menu, 0);
     WhenOpen([&] {

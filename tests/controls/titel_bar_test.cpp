@@ -196,6 +196,19 @@ TEST_F(TitelBarLook, FaceRunsFromTopOverMiddleToBottomColour) {
         EXPECT_NE(maximise.pixelColor(point), QColor(255, 255, 255)) << point.x() << ',' << point.y();
 }
 
+// Corner and size of the outline are rounded each by itself, to even halves.
+TEST_F(TitelBarLook, GlyphsAtOneAndAHalfTimesTheSize) {
+    forms::SetDotsPerInch(144);
+    TitelBar large(&container, QStringLiteral("TitelBar2"));
+    const QImage maximise = large.Button(TitelBar::MaximiseButton).Picture().Image();
+    forms::SetDotsPerInch(0);
+    ASSERT_EQ(maximise.size(), QSize(30, 30));
+    for (const QPoint& point : {QPoint(8, 8), QPoint(22, 10), QPoint(22, 22), QPoint(15, 10)})
+        EXPECT_EQ(maximise.pixelColor(point), QColor(255, 255, 255)) << point.x() << ',' << point.y();
+    for (const QPoint& point : {QPoint(7, 8), QPoint(23, 10), QPoint(22, 23), QPoint(15, 11)})
+        EXPECT_NE(maximise.pixelColor(point), QColor(255, 255, 255)) << point.x() << ',' << point.y();
+}
+
 TEST_F(TitelBarLook, FacesAreRebuiltByTheirOwnColoursOnly) {
     const draw::Picture before = bar.Button(TitelBar::CloseButton).Picture();
     bar.SetBackColorV2Begin(Colour(0));

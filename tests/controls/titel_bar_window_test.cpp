@@ -85,9 +85,18 @@ TEST_F(TitelBarWindow, AButtonLetGoOutsideDoesNothing) {
     QTest::mouseMove(&close, QPoint(-30, 5));
     QTest::mouseRelease(&close, Qt::LeftButton, {}, QPoint(-30, 5));
     EXPECT_FALSE(form->IsUnloaded());
+    EXPECT_NE(form->focusWidget(), &Bar());
     Bar().SetShowCloseEnabled(false);
     Click(*form, TitelBar::CloseButton);
     EXPECT_FALSE(form->IsUnloaded());
+    // Nor does one that is switched off answer to the pointer.
+    Enter(close);
+    EXPECT_EQ(close.Hover(), 0);
+    EXPECT_FALSE(Bar().SpinTimer(TitelBar::CloseButton).Enabled());
+    Bar().SetShowCloseEnabled(true);
+    Enter(close);
+    Bar().SetShowCloseEnabled(false);
+    EXPECT_EQ(close.Hover(), 0);
 }
 
 TEST_F(TitelBarWindow, MinimiseAndHelp) {
@@ -123,10 +132,15 @@ TEST_F(TitelBarWindow, MaximiseTwiceReturnsToTheSavedPlaceAndFace) {
 
 TEST_F(TitelBarWindow, DoubleClickMaximisesOnlyWithTheButton) {
     int doubleClicks = 0;
+    int clicks = 0;
     QObject::connect(&Bar(), &TitelBar::DblClick, [&] { ++doubleClicks; });
+    QObject::connect(&Bar(), &TitelBar::Click, [&] { ++clicks; });
     Bar().SetShowMaximized(false);
+    QTest::mouseClick(&Bar(), Qt::LeftButton, {}, QPoint(100, 10));
     QTest::mouseDClick(&Bar(), Qt::LeftButton, {}, QPoint(100, 10));
+    QTest::mouseRelease(&Bar(), Qt::LeftButton, {}, QPoint(100, 10));
     EXPECT_EQ(doubleClicks, 1);
+    EXPECT_EQ(clicks, 1);
     EXPECT_FALSE(Bar().Maximised());
     Bar().SetShowMaximized(true);
     QTest::mouseDClick(&Bar(), Qt::LeftButton, {}, QPoint(100, 10));

@@ -132,6 +132,11 @@ void Control::TakeFocusBack() {
     focusAside_.clear();
 }
 
+void Control::SetToolTipText(const QString& text) {
+    setToolTip(text);
+    Q_EMIT PropertyChanged(QStringLiteral("ToolTipText"));
+}
+
 void Control::Refresh() { update(); }
 
 void Control::SetFocus() { setFocus(Qt::OtherFocusReason); }

@@ -55,7 +55,7 @@ class Control : public QWidget {
     QString Tag() const { return tag_; }
     void SetTag(const QString& tag) { tag_ = tag; }
     QString ToolTipText() const { return toolTip(); }
-    void SetToolTipText(const QString& text) { setToolTip(text); }
+    void SetToolTipText(const QString& text);
 
     // Brings the control's picture up to date at the next paint.
     virtual void Refresh();
@@ -76,6 +76,8 @@ class Control : public QWidget {
     void KeyUp(int keyCode, int shift);
     void GotFocus();
     void LostFocus();
+    // A property was set by its setter; for a host that keeps the bag.
+    void PropertyChanged(const QString& name);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
