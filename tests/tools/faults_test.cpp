@@ -238,13 +238,32 @@ TEST_F(FaultsTest, BadOptionsAreRefused) {
             ExpectRefused(line.section(QLatin1Char(' '), 0, 1), 2);
     }
     for (const char* line :
-         {"quorvane-db", "quorvane-db frobnicate", "quorvane-db info hwids.mdb hwids.mdb",
-          "quorvane-db merge hwids.mdb", "quorvane-db export --output hwids.mdb hwids.mdb",
-          "quorvane-db import-jet --output old.mdb ./old.mdb", "quorvane-db pack --output= hwids.mdb",
+         {"quorvane-db",
+          "quorvane-db frobnicate",
+          "quorvane-db info hwids.mdb hwids.mdb",
+          "quorvane-db merge hwids.mdb",
+          "quorvane-db export --output hwids.mdb hwids.mdb",
+          "quorvane-db import-jet --output old.mdb ./old.mdb",
+          "quorvane-db pack --output= hwids.mdb",
           "quorvane-db export --output= hwids.mdb",
           "quorvane-db merge --version 123456789.123456789.123456789.123456789.123456789.1 hwids.mdb new.txt",
           "quorvane-db build --output out.mdb --version 123456789.123456789.123456789.123456789.123456789.1",
-          "quorvane-list extra", "quorvane-list --format xml", "quorvane-list --list=none", "quorvane-list --db="})
+          "quorvane-list extra",
+          "quorvane-list --format",
+          "quorvane-list --format xml",
+          "quorvane-list --list",
+          "quorvane-list --list=none",
+          "quorvane-list --lookup=yes",
+          "quorvane-list --db",
+          "quorvane-list --db=",
+          "quorvane-list --root",
+          "quorvane-list --root=",
+          "quorvane-list --root=/proc/self",
+          "quorvane-list --root=/proc/self/status",
+          "quorvane-list --root /nonexistent",
+          "quorvane-list --save",
+          "quorvane-list --save=",
+          "quorvane-list --save=x --lookup"})
         ExpectRefused(QLatin1String(line), 2);
 }
 

@@ -117,18 +117,6 @@ TEST(QuorvaneList, TellsWhatItIs) {
     }
 }
 
-TEST(QuorvaneList, RefusesInOneLine) {
-    for (const char* arguments :
-         {"--wrong", "extra", "--list", "--list none", "--root", "--root=", "--root /nonexistent", "--root /dev/null",
-          "--root=/proc/self", "--root=/proc/self/status", "--save", "--save=", "--save=x --lookup", "--format",
-          "--format=xml", "--lookup=yes", "--db", "--db="}) {
-        const Result result = RunTool(QString::fromLatin1(arguments).split(QLatin1Char(' ')));
-        EXPECT_EQ(result.status, 2) << arguments;
-        EXPECT_EQ(result.output, QString());
-        EXPECT_EQ(result.errors.count(QLatin1Char('\n')), 1) << Plain(result.errors);
-    }
-}
-
 // A folder without devices in it is told from one that cannot hold any, which names the one beside it that can.
 TEST(QuorvaneList, TellsWhichFolderIsMeant) {
     const DeviceFixture fixture;
