@@ -5,9 +5,9 @@
 #include "contribution/frm_improve.h"
 #include "database/frm_lookup.h"
 #include "database/store.h"
-#include "draw/system_colours.h"
 #include "forms/density.h"
 #include "forms/desktop.h"
+#include "forms/desktop_theme.h"
 #include "forms/dialogs.h"
 #include "forms/form.h"
 #include "forms/forms.h"
@@ -94,7 +94,7 @@ int main(int argc, char** argv) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     forms::TellKeyRepeats();
     forms::ApplyDensity(widestWindow, highestWindow);
-    draw::SetSysColors(QApplication::palette());
+    forms::FollowDesktopTheme();
     database::SetFatalHandlers([](const QString& message) { forms::MsgBox(message); },
                                [] { std::_Exit(EXIT_FAILURE); });
 

@@ -3,29 +3,16 @@
 #include "appearance/colour_table.h"
 #include "base/profile_file.h"
 #include "controls/colour_helpers.h"
+#include "draw/contrast.h"
 
 #include <QDir>
 #include <QFile>
-#include <cmath>
 #include <gtest/gtest.h>
 #include <map>
 
 using namespace appearance;
 
 namespace {
-
-double Luminance(base::Colour colour) {
-    const auto linear = [](int channel) {
-        const double c = channel / 255.0;
-        return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.Red()) + 0.7152 * linear(colour.Green()) + 0.0722 * linear(colour.Blue());
-}
-
-double Contrast(base::Colour a, base::Colour b) {
-    const double x = Luminance(a), y = Luminance(b);
-    return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
-}
 
 struct Pair {
     ColourIndex Text;
@@ -80,11 +67,11 @@ TEST(Presets, AreCompleteAndReadable) {
         }
         const double wanted = name == QStringLiteral("High Contrast.ini") ? 7.0 : 4.5;
         for (const Pair& pair : pairs)
-            EXPECT_GE(Contrast(colours[pair.Text], colours[pair.Back]), wanted)
+            EXPECT_GE(draw::Contrast(colours[pair.Text], colours[pair.Back]), wanted)
                 << RowOf(pair.Text)->Key << " on " << RowOf(pair.Back)->Key;
         // Under the pointer a button brightens from top to bottom; its caption stands in the middle.
         for (const Pair& pair : {Pair{ButtonText, ButtonTopBack}, Pair{ImportantButtonText, ImportantButtonTopBack}})
-            EXPECT_GE(Contrast(colours[pair.Text], controls::ShiftColour(colours[pair.Back], 0.1)), 4.5)
+            EXPECT_GE(draw::Contrast(colours[pair.Text], controls::ShiftColour(colours[pair.Back], 0.1)), 4.5)
                 << RowOf(pair.Text)->Key << " under the pointer";
     }
 }

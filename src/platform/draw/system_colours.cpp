@@ -1,5 +1,6 @@
 #include "draw/system_colours.h"
 
+#include "draw/contrast.h"
 #include "draw/pixels.h"
 
 #include <QPalette>
@@ -67,10 +68,44 @@ void SetSysColor(int index, base::Colour colour) {
         SystemColours()[size_t(index)] = colour;
 }
 
+namespace {
+
+constexpr double readable = 4.5;
+
+base::Colour Between(base::Colour a, base::Colour b, int tenths) {
+    const auto part = [tenths](int from, int to) { return from + (to - from) * tenths / 10; };
+    return base::Colour::FromRgb(part(a.Red(), b.Red()), part(a.Green(), b.Green()), part(a.Blue(), b.Blue()));
+}
+
+// The toolkit knows nothing of captions. The classic colours serve as long as the theme's text on buttons, which is put
+// on them too, can be read there; otherwise they are the theme's buttons with as much of its highlight as that bears.
+void SetCaptionColours() {
+    const base::Colour text = GetSysColor(COLOR_BTNTEXT);
+    const base::Colour face = GetSysColor(COLOR_BTNFACE);
+    for (const int index : {COLOR_ACTIVECAPTION, COLOR_INACTIVECAPTION, COLOR_CAPTIONTEXT, COLOR_INACTIVECAPTIONTEXT,
+                            COLOR_GRADIENTACTIVECAPTION, COLOR_GRADIENTINACTIVECAPTION})
+        SetSysColor(index, classicColours.at(size_t(index)));
+    if (Contrast(text, GetSysColor(COLOR_ACTIVECAPTION)) >= readable)
+        return;
+    int tenths = 5;
+    while (tenths > 0 && Contrast(text, Between(face, GetSysColor(COLOR_HIGHLIGHT), tenths)) < readable)
+        --tenths;
+    const base::Colour active = Between(face, GetSysColor(COLOR_HIGHLIGHT), tenths);
+    SetSysColor(COLOR_ACTIVECAPTION, active);
+    SetSysColor(COLOR_GRADIENTACTIVECAPTION, active);
+    SetSysColor(COLOR_INACTIVECAPTION, face);
+    SetSysColor(COLOR_GRADIENTINACTIVECAPTION, face);
+    SetSysColor(COLOR_CAPTIONTEXT, text);
+    SetSysColor(COLOR_INACTIVECAPTIONTEXT, text);
+}
+
+} // namespace
+
 void SetSysColors(const QPalette& palette) {
     for (const PaletteEntry& entry : paletteEntries) {
         SetSysColor(entry.index, FromRgb(palette.color(entry.group, entry.role).rgb()));
     }
+    SetCaptionColours();
 }
 
 void ResetSysColors() { SystemColours() = classicColours; }

@@ -1,5 +1,7 @@
 #include "suite/paint_tools.h"
 
+#include "draw/contrast.h"
+
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
@@ -10,13 +12,6 @@ namespace suite {
 namespace {
 
 constexpr double leastReadable = 3.0;
-
-double Luminance(const QColor& colour) {
-    const auto linear = [](double part) {
-        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
-}
 
 } // namespace
 
@@ -29,10 +24,7 @@ QColor Mix(const QColor& from, const QColor& to, double share) {
     return {part(from.red(), to.red()), part(from.green(), to.green()), part(from.blue(), to.blue())};
 }
 
-double Contrast(const QColor& a, const QColor& b) {
-    const double first = Luminance(a), second = Luminance(b);
-    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
-}
+double Contrast(const QColor& a, const QColor& b) { return draw::Contrast(FromQColor(a), FromQColor(b)); }
 
 QColor ReadableOn(const QColor& back, const QColor& wanted) {
     if (Contrast(back, wanted) >= leastReadable)

@@ -1,4 +1,6 @@
 #include "draw/system_colours.h"
+
+#include "draw/contrast.h"
 #include "surface_art.h"
 
 #include <QPalette>
@@ -33,5 +35,23 @@ TEST(SystemColours, ComeFromThePalette) {
     draw::SetSysColors(palette);
     EXPECT_EQ(draw::GetSysColor(draw::COLOR_BTNFACE), base::Colour(0x030201));
     EXPECT_EQ(draw::GetSysColor(draw::COLOR_GRAYTEXT), base::Colour(0x060504));
+    draw::ResetSysColors();
+
+    // Captions, which no palette has, are the classic ones in a light theme and readable in each.
+    const QRgb themes[][3] = {// text on buttons, buttons, highlight
+                              {0xFF000000, 0xFFEFEFEF, 0xFF308CC6},
+                              {0xFFFFFFFF, 0xFF323232, 0xFF2A82DA},
+                              {0xFFFCFCFC, 0xFF31363B, 0xFF3DAEE9},
+                              {0xFFFFFFFF, 0xFF000000, 0xFFFFFF00}};
+    for (const auto& [text, button, highlight] : themes) {
+        palette.setColor(QPalette::ButtonText, QColor(text));
+        palette.setColor(QPalette::Button, QColor(button));
+        palette.setColor(QPalette::Highlight, QColor(highlight));
+        draw::SetSysColors(palette);
+        const base::Colour caption = draw::GetSysColor(draw::COLOR_ACTIVECAPTION);
+        EXPECT_EQ(caption == base::Colour(0xD1B499), text == 0xFF000000);
+        EXPECT_GE(draw::Contrast(draw::GetSysColor(draw::COLOR_BTNTEXT), caption), 4.5) << text;
+        EXPECT_GE(draw::Contrast(draw::GetSysColor(draw::COLOR_CAPTIONTEXT), caption), 4.5) << text;
+    }
     draw::ResetSysColors();
 }

@@ -1,6 +1,11 @@
 #include "forms/desktop.h"
 
+#include "draw/system_colours.h"
+#include "forms/desktop_theme.h"
+
+#include <QApplication>
 #include <QFile>
+#include <QPalette>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QUrlQuery>
@@ -61,4 +66,17 @@ TEST(SessionBus, IsUsedWhereThereIsOne) {
     ASSERT_TRUE(socket.open(QIODevice::WriteOnly));
     forms::StartNoSessionBus();
     EXPECT_EQ(qgetenv(busVariable), "");
+}
+
+// As a desktop that goes dark in the evening tells the toolkit.
+TEST(Theme, SystemColoursFollowItDuringTheRun) {
+    const QPalette before = QApplication::palette();
+    forms::FollowDesktopTheme();
+    QPalette dark = before;
+    dark.setColor(QPalette::Button, QColor(1, 2, 3));
+    QApplication::setPalette(dark);
+    EXPECT_EQ(draw::GetSysColor(draw::COLOR_BTNFACE), base::Colour(0x030201));
+    QApplication::setPalette(before);
+    EXPECT_NE(draw::GetSysColor(draw::COLOR_BTNFACE), base::Colour(0x030201));
+    draw::ResetSysColors();
 }
