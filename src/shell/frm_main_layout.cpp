@@ -91,7 +91,6 @@ void FrmMain::CreateControls() {
     Inet2->setObjectName(QStringLiteral("Inet2"));
 }
 
-// The three logos look alike: the names and the addresses tell them apart.
 void FrmMain::NameLogos() {
     const values::Addresses& addresses = values::ServerAddresses();
     const std::array<std::pair<QString, QString>, logoCount> pages = {{

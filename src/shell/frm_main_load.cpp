@@ -16,6 +16,7 @@
 #include "inventory/device_lists.h"
 #include "shell/close_programs.h"
 #include "shell/frm_main.h"
+#include "shell/logo_badges.h"
 #include "suite/alpha_image.h"
 #include "suite/list_view.h"
 #include "suite/tab_control.h"
@@ -124,9 +125,9 @@ void FrmMain::SetUpLogos() {
         colours == nullptr ? nullptr : colours->Find<suite::AlphaImgCtl>(QStringLiteral("aicAlphaImage1"));
     if (holder == nullptr)
         return;
-    for (suite::AlphaImgCtl* logo : ImageLogo) {
-        logo->SetPicture(holder->Picture());
-        logo->SetOpacity(logoOpacity);
+    for (size_t i = 0; i < ImageLogo.size(); ++i) {
+        ImageLogo[i]->SetPicture(WithBadge(holder->Picture(), int(i)));
+        ImageLogo[i]->SetOpacity(logoOpacity);
     }
     base::Yield();
 }
