@@ -198,6 +198,7 @@ void TitelBar::StopTimers() {
     for (const CaptionButton& button : buttons_)
         button.timer->SetEnabled(false);
     spinRunning_ = false;
+    HoldSpinning();
 }
 
 QWidget* TitelBar::ActiveControl() const {

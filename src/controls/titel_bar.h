@@ -240,6 +240,7 @@ class TitelBar : public forms::DrawnControl {
     void HoverOff(ButtonIndex index);
     void TurnSpinPoints(ButtonIndex index, double degrees);
     void SpinTick(ButtonIndex index);
+    void HoldSpinning();
     void PaintButton(ButtonIndex index, QPainter* context, bool* cancel);
     void ButtonReleased(ButtonIndex index);
     bool IsShown(ButtonIndex index) const;

@@ -197,6 +197,17 @@ void TitelBar::ButtonEntered(ButtonIndex index) {
     TurnSpinPoints(index, 0);
     button.timer->SetTag(QStringLiteral("0"));
     button.timer->SetEnabled(true);
+    HoldSpinning();
+}
+
+// What the narrowed face of a turning button leaves is in the key's colour, and clicks on it are the button's own.
+void TitelBar::HoldSpinning() {
+    QRegion area;
+    for (const CaptionButton& button : buttons_)
+        if (button.timer->Enabled())
+            area += QRect(button.image->mapTo(window(), QPoint(0, 0)), button.image->size());
+    if (forms::Form* parent = ParentForm())
+        parent->HoldColourKey(area, state_.backColorV2End);
 }
 
 void TitelBar::HoverOff(ButtonIndex index) {
@@ -235,10 +246,12 @@ void TitelBar::SpinTick(ButtonIndex index) {
         spinRunning_ = false;
         button.timer->SetTag(QStringLiteral("0"));
         button.image->Redraw();
+        HoldSpinning();
         return;
     }
     button.image->Redraw();
     button.timer->SetEnabled(true);
+    HoldSpinning();
 }
 
 void TitelBar::PaintButton(ButtonIndex index, QPainter* context, bool* cancel) {

@@ -5,6 +5,10 @@ set -u
 . "$(dirname "$0")/virtual_screen.sh"
 need_tools Xvfb openbox xdotool xclip xwd sqlite3
 start_screen
+# Built with the whole suite.
+[ ! -x "$QUORVANE_BIN/test_forms" ] ||
+  QT_QPA_PLATFORM=xcb "$QUORVANE_BIN/test_forms" --gtest_filter='RealDisplay.*' >"$scratch/activation" 2>&1 ||
+  fail "activation: $(grep -A4 Failure "$scratch/activation")"
 run_program
 
 picture() { xwd -silent -id "$main" | cksum; }

@@ -64,6 +64,32 @@ for ((row = 0; row < 14 && row < ${#rows[@]}; row++)); do
   close_lookup "$lookup" || fail "the lookup on '$name' stays open"
 done
 
+# A caption button that turns round under the pointer stays whole for it: what its narrow face leaves is no hole.
+under_pointer() { xdotool getmouselocation --shell | sed -n 's/^WINDOW=//p'; }
+xdotool windowactivate --sync "$main" mousemove $((left + 300)) $((top + 80))
+own=$(under_pointer) through=0
+for round in 1 2 3 4; do
+  xdotool mousemove $((left + 300)) $((top + 80))
+  sleep 0.7
+  xdotool mousemove $((left + 627)) $((top + 19)) # the left edge of the minimise button
+  for _ in $(seq 10); do
+    [ "$(under_pointer)" = "$own" ] || through=$((through + 1))
+    sleep 0.02
+  done
+done
+expect "holes under the pointer" $through 0
+for wait in 0.1 0.15 0.3 0.35; do # when the face is narrowest
+  xdotool windowactivate --sync "$main" mousemove $((left + 300)) $((top + 80))
+  sleep 0.7
+  xdotool mousemove $((left + 627)) $((top + 19))
+  sleep $wait
+  xdotool click 1
+  minimised() { ! main_window; }
+  wait_for 3 minimised || fail "a click after $wait s on a turning button is lost"
+  xdotool windowmap --sync "$main"
+  wait_for 3 main_window
+done
+
 # Closing the main window closes everything and ends the process.
 xdotool windowactivate --sync "$main" 2>/dev/null
 xdotool mousemove $((left + 717)) $((top + 19)) click 1

@@ -1,7 +1,8 @@
 #include "forms/colour_key.h"
 
+#include "forms/compositor.h"
+
 #include <QBackingStore>
-#include <QColor>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPaintEvent>
@@ -103,20 +104,37 @@ void ColourKeyOverlay::paintEvent(QPaintEvent* event) {
     QWindow* handle = window()->windowHandle();
     if (image == nullptr || handle == nullptr)
         return;
-    const QRect area = event->region().boundingRect() & image->rect();
-    const QRegion now = KeyedPixels(*image, area, key_);
-    if (clears_) {
-        QPainter painter(this);
-        painter.setCompositionMode(QPainter::CompositionMode_Clear);
-        for (const QRect& rect : now)
-            painter.fillRect(rect, Qt::transparent);
-    }
-    const QRegion keyed = (keyed_ & QRegion(rect())) - area + now;
+    const QRegion area = event->region() & image->rect();
+    QRegion now;
+    for (const QRect& part : area)
+        now += KeyedPixels(*image, part, key_);
+    Cover(now);
+    const QRegion keyed = ((keyed_ & QRegion(rect())) - area + now) - held_;
     // The mask also depends on the size, so it is renewed with every resize (the area is then the whole window).
-    if (keyed == keyed_ && area != rect())
+    if (keyed == keyed_ && area != QRegion(rect()))
         return;
     keyed_ = keyed;
     handle->setMask(QRegion(rect()) - keyed_);
+}
+
+void ColourKeyOverlay::Cover(const QRegion& keyed) {
+    const QRegion clear = clears_ ? keyed : ScreenComposites() ? keyed & held_ : QRegion();
+    const QRegion fill = (keyed & held_) - clear;
+    QPainter painter(this);
+    for (const QRect& part : fill)
+        painter.fillRect(part, ground_);
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    for (const QRect& part : clear)
+        painter.fillRect(part, Qt::transparent);
+}
+
+void ColourKeyOverlay::Hold(const QRegion& area, base::Colour ground) {
+    if (area == held_)
+        return;
+    const QRegion changed = area ^ held_;
+    held_ = area;
+    ground_ = QColor(ground.Red(), ground.Green(), ground.Blue());
+    update(changed);
 }
 
 bool ColourKeyOverlay::eventFilter(QObject* watched, QEvent* event) {

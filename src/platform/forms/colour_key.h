@@ -4,6 +4,7 @@
 
 #include "base/colour.h"
 
+#include <QColor>
 #include <QImage>
 #include <QRegion>
 #include <QWidget>
@@ -20,6 +21,9 @@ class ColourKeyOverlay : public QWidget {
     explicit ColourKeyOverlay(QWidget* window);
 
     void SetKey(base::Colour key);
+    // Pixels of this area stay the window's whatever their colour, and so do clicks on them. Keyed ones show what lies
+    // behind where the screen composites, and `ground` elsewhere.
+    void Hold(const QRegion& area, base::Colour ground);
     // What is cut out at present, in pixels of the window.
     const QRegion& Keyed() const { return keyed_; }
 
@@ -28,10 +32,14 @@ class ColourKeyOverlay : public QWidget {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void Cover(const QRegion& keyed);
+
     QRgb key_ = 0;
     // A mask of Wayland lets clicks through, but shows the pixels.
     bool clears_;
     QRegion keyed_;
+    QRegion held_;
+    QColor ground_;
 };
 
 } // namespace forms

@@ -200,6 +200,11 @@ void Form::SetColourKey(base::Colour key) {
     colourKey_->SetKey(draw::OleTranslateColor(key));
 }
 
+void Form::HoldColourKey(const QRegion& area, base::Colour ground) {
+    if (colourKey_ != nullptr)
+        colourKey_->Hold(area, draw::OleTranslateColor(ground));
+}
+
 QRegion Form::KeyedRegion() const { return colourKey_ == nullptr ? QRegion() : colourKey_->Keyed(); }
 
 void Form::SetShadow(int extent, ShadowPainter paint) {
@@ -317,7 +322,8 @@ void Form::ActivationChanged(bool active) {
         return;
     }
     const QPointer<Form> alive(this);
-    Q_EMIT Activated(QGuiApplication::mouseButtons() != Qt::NoButton);
+    // A window manager may give the keyboard before it hands on the press.
+    Q_EMIT Activated(QGuiApplication::mouseButtons() != Qt::NoButton || XButtonHeld());
     if (alive)
         Activate();
 }

@@ -115,6 +115,9 @@ class Form : public QWidget {
 
     // Pixels of exactly this colour show what lies behind the window.
     void SetColourKey(base::Colour key);
+    // In `area`, pixels of the window, the colour key cuts nothing out: it shows what lies behind where the screen
+    // composites, and `ground` elsewhere, and takes clicks. Until the next call.
+    void HoldColourKey(const QRegion& area, base::Colour ground);
     // What the colour key has cut out at the last paint, in pixels of the window.
     QRegion KeyedRegion() const;
     // A shadow of `extent` pixels around the window, drawn by `paint` on a transparent margin; extent 0 takes it off.

@@ -14,6 +14,16 @@ xcb_window_t XRoot(xcb_connection_t* connection) {
     return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
 }
 
+bool XButtonHeld() {
+    constexpr int buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    xcb_connection_t* connection = XConnection();
+    if (connection == nullptr)
+        return false;
+    const auto pointer =
+        Owned(xcb_query_pointer_reply(connection, xcb_query_pointer(connection, XRoot(connection)), nullptr));
+    return pointer && (pointer->mask & buttons) != 0;
+}
+
 xcb_atom_t XAtom(xcb_connection_t* connection, const QByteArray& name) {
     static QHash<QByteArray, xcb_atom_t> known;
     const auto found = known.constFind(name);

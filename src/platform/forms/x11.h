@@ -28,6 +28,9 @@ inline xcb_connection_t* XConnection() {
 // The root window of the first screen, which holds every monitor of a desktop.
 xcb_window_t XRoot(xcb_connection_t* connection);
 
+// Whether the server knows a mouse button as down; false on every other platform.
+bool XButtonHeld();
+
 // Each name is asked for once in a run.
 xcb_atom_t XAtom(xcb_connection_t* connection, const QByteArray& name);
 

@@ -6,6 +6,8 @@
 #include "forms/timer.h"
 
 #include <QPointer>
+#include <QProcess>
+#include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -185,4 +187,32 @@ TEST_F(FormTest, ATimerNeverTicksInsideItsOwnTick) {
     EXPECT_EQ(deepest, 1);
     window->Unload();
     EXPECT_FALSE(timer.Enabled());
+}
+
+// Run by a script on a display with a window manager, which gives the keyboard before it hands on the press.
+TEST(RealDisplay, ActivationTellsOfTheMouse) {
+    if (QGuiApplication::platformName() != QStringLiteral("xcb"))
+        GTEST_SKIP();
+    const auto xdotool = [](const QStringList& what) { return QProcess::execute(QStringLiteral("xdotool"), what); };
+    forms::Form under(QStringLiteral("FrmUnder"), 3000, 3000);
+    forms::Form above(QStringLiteral("FrmAbove"), 3000, 3000);
+    under.SetLeft(3000);
+    under.Show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&under));
+    above.Show();
+    above.SetFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&above));
+    QSignalSpy activated(&under, &forms::Form::Activated);
+    const QPoint place = under.geometry().center();
+    xdotool({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+             QStringLiteral("mousedown"), QStringLiteral("1")});
+    EXPECT_TRUE(activated.wait());
+    xdotool({QStringLiteral("mouseup"), QStringLiteral("1")});
+    above.SetFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&above));
+    under.SetFocus();
+    EXPECT_TRUE(activated.wait());
+    ASSERT_EQ(activated.size(), 2);
+    EXPECT_TRUE(activated.at(0).at(0).toBool());
+    EXPECT_FALSE(activated.at(1).at(0).toBool());
 }
