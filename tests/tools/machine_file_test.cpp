@@ -171,6 +171,7 @@ TEST(MachineFile, LinksEndInside) {
     // "b" is no folder to climb out of, which a link's own text need not know.
     EXPECT_EQ(root->Open("a/l"), nullptr);
     EXPECT_EQ(root->Read("l39/b", 9), "x");
+    EXPECT_TRUE(root->Has("l39/b"));
     EXPECT_EQ(root->Read("l40/b", 9), std::nullopt);
 }
 
