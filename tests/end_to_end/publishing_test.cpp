@@ -253,6 +253,48 @@ TEST_F(TogetherTest, AKilledMergeAddsEverythingOrNothing) {
     }
 }
 
+// One of many lines goes in portion by portion: a killed one leaves whole ones from the first on, and those who add
+// meanwhile wait for no more than one of them.
+TEST_F(TogetherTest, ALargeMergeLeavesWholePortionsAndLetsOthersIn) {
+    constexpr int count = 45'000;
+    constexpr int portion = 20'000;
+    WriteLines("a.txt", "A", count);
+    std::minstd_rand random(18);
+    qint64 whole = 0;
+    qint64 longest = 0;
+    for (int round = 0; round < support::Rounds(3, 60); ++round) {
+        Renew();
+        ASSERT_TRUE(database::OpenDatabaseFile(Path("hwids.mdb")));
+        const Tool merge = Start(QStringLiteral("merge hwids.mdb a.txt"));
+        // The first is left to its end; the portions begin in the second half of the time.
+        const qint64 end = round == 0 ? 120'000 : whole / 2 + qint64(random()) % (whole / 2);
+        QElapsedTimer clock;
+        clock.start();
+        int added = 0;
+        for (; merge->state() != QProcess::NotRunning; ++added) {
+            merge->waitForFinished(1);
+            if (clock.elapsed() > end)
+                merge->kill();
+            const qint64 before = clock.elapsed();
+            database::AddDeviceToDatabase(QString::fromLatin1(Line("C", added)));
+            longest = std::max(longest, clock.elapsed() - before);
+        }
+        whole = round == 0 ? clock.elapsed() : whole;
+        QSet<QByteArray> lines = Lines("hwids.mdb");
+        const int present = Present(lines, "A", count);
+        EXPECT_TRUE(present == count || (present % portion == 0 && round > 0)) << present;
+        EXPECT_EQ(Present(lines, "A", present), present) << "the first ones";
+        EXPECT_EQ(Present(lines, "C", added), added);
+        RecordProperty("lines that were in, round " + std::to_string(round), present);
+        EXPECT_TRUE(Ends(Start(QStringLiteral("merge hwids.mdb a.txt"))));
+        lines = Lines("hwids.mdb");
+        EXPECT_EQ(Present(lines, "A", count), count) << "the same again adds the rest";
+        EXPECT_EQ(Present(lines, "C", added), added);
+    }
+    EXPECT_LT(longest, 8'000); // milliseconds; after ten seconds an addition would give up
+    RecordProperty("longest wait of an addition in ms", int(longest));
+}
+
 // A merge that waits for the reader of its report keeps nobody from adding, and nobody from an update.
 TEST_F(TogetherTest, AReportThatIsReadSlowlyKeepsNobodyWaiting) {
     constexpr int count = 3000; // more than a pipe takes
