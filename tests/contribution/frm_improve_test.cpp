@@ -25,6 +25,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -210,21 +211,29 @@ TEST_F(FrmImproveTest, ASecondClickBeforeTheButtonIsDisabledDoesNothing) {
 // Each time the rows come back with the next scan, though the database knows them, until they are sent or taken out.
 TEST_F(FrmImproveTest, WhatWasNotSentIsOfferedAgain) {
     struct Case {
-        const char* inTheWay; // a folder of this name
+        const char* inTheWay; // a folder of this name, or an earlier file that nobody may change
+        bool isFile;
         Answer answer;
         int requests;
         qsizetype lines; // of new_hardware.txt
         qsizetype rows;  // left on the list
         int known;       // whether the database has the rows
     };
-    for (const Case& tried :
-         {Case{"", Answer().Reset(), 1, 4, 0, true}, Case{"new_hardware.txt", Reply(200, "stored"), 0, 0, 0, true},
-          Case{"new_hardware_unsent.txt.new", Reply(200, "stored"), 0, 0, 4, false}}) {
+    for (const Case& tried : {Case{"", false, Answer().Reset(), 1, 4, 0, true},
+                              Case{"new_hardware.txt", false, Reply(200, "stored"), 0, 0, 0, true},
+                              Case{"new_hardware.txt", true, Reply(200, "stored"), 0, 1, 0, true},
+                              Case{"new_hardware_unsent.txt.new", false, Reply(200, "stored"), 0, 0, 4, false}}) {
         SCOPED_TRACE(tried.inTheWay);
         QFile::remove(folder_.filePath("new_hardware.txt"));
         const auto requests = server_.Requests().size();
         server_.SetAnswer(uploadPath, tried.answer);
-        EXPECT_TRUE(*tried.inTheWay == 0 || QDir(folder_.path()).mkdir(tried.inTheWay));
+        const QString way = folder_.filePath(tried.inTheWay);
+        EXPECT_TRUE(*tried.inTheWay == 0 || tried.isFile || QDir().mkdir(way));
+        if (tried.isFile) {
+            Write(tried.inTheWay, "of an earlier run\r\n");
+            if (QProcess::execute("chattr", {"+i", way}) != 0)
+                continue; // another user, or a file system that cannot
+        }
         FrmImprove* window = OpenAndScan();
         ClickAndWait(window, window->CommandSaveSubmit);
         EXPECT_EQ(window->ImportantLabelSubmitStatus->Caption(),
@@ -234,7 +243,10 @@ TEST_F(FrmImproveTest, WhatWasNotSentIsOfferedAgain) {
         EXPECT_EQ(Rows(window).size(), tried.rows);
         EXPECT_EQ(database::IsDeviceInDatabase("USB\\VID_1234&PID_0004|||Optical Mouse|||Delta"), tried.known);
         window->Unload();
-        QDir(folder_.path()).rmdir(tried.inTheWay);
+        if (tried.isFile) {
+            EXPECT_EQ(QProcess::execute("chattr", {"-i", way}), 0);
+        }
+        QDir().rmdir(way);
 
         server_.SetAnswer(uploadPath, Reply(200, "stored"));
         window = OpenAndScan();
@@ -272,7 +284,9 @@ TEST_F(FrmImproveTest, WhatBearsTheFilesNameIsReplacedAndNotWrittenTo) {
 
 TEST_F(FrmImproveTest, RowsAllRemovedByHandSendAnEmptyFile) {
     Write("new_hardware.txt", "of an earlier run");
+    Write("improve_database_keywords_to_skip.txt", "qemu\n" + QByteArray(1 << 20, '\n') + "Optical");
     FrmImprove* window = OpenAndScan();
+    EXPECT_EQ(Rows(window).size(), 4) << "of keywords a mebibyte is read";
     window->ListViewHardware->ListItems().Item(1)->SetSelected(true);
     for (int i = 0; i < 4; ++i)
         QTest::keyClick(window->ListViewHardware->Tree(), Qt::Key_Delete);

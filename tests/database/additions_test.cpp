@@ -14,11 +14,9 @@ class AdditionsTest : public StoreFixture {
         WriteAndOpen(DatabaseBuilder());
     }
 
-    static QStringList Names() {
-        return Column(QStringLiteral("SELECT * FROM devicenames"), QStringLiteral("devicename"));
-    }
-    static QStringList Manufacturers() { return Column(QStringLiteral("SELECT * FROM mfgs"), QStringLiteral("mfg")); }
-    static QStringList Infos() { return Column(QStringLiteral("SELECT * FROM hwids"), QStringLiteral("info")); }
+    static QStringList Names() { return Column("SELECT * FROM devicenames", "devicename"); }
+    static QStringList Manufacturers() { return Column("SELECT * FROM mfgs", "mfg"); }
+    static QStringList Infos() { return Column("SELECT * FROM hwids", "info"); }
 
     static bool AddAndAsk(const QString& line) {
         AddDeviceToDatabase(line);
@@ -27,92 +25,90 @@ class AdditionsTest : public StoreFixture {
 };
 
 TEST(ContributionLine, HasThreeFieldsAndNoMore) {
-    const Contribution device = SplitContribution(QStringLiteral("ID|||Na|me||||Maker|||rest"));
-    EXPECT_EQ(device.HardwareId, QStringLiteral("ID"));
-    EXPECT_EQ(device.Name, QStringLiteral("Na|me"));
-    EXPECT_EQ(device.Manufacturer, QStringLiteral("|Maker"));
-    EXPECT_EQ(SplitContribution(QStringLiteral("ID")).Manufacturer, QString());
-    EXPECT_EQ(ContributionLine(QStringLiteral("a"), QStringLiteral("b"), QString()), QStringLiteral("a|||b|||"));
+    const Contribution device = SplitContribution("ID|||Na|me||||Maker|||rest");
+    EXPECT_EQ(device.HardwareId, "ID");
+    EXPECT_EQ(device.Name, "Na|me");
+    EXPECT_EQ(device.Manufacturer, "|Maker");
+    EXPECT_EQ(SplitContribution("ID").Manufacturer, QString());
+    EXPECT_EQ(ContributionLine("a", "b", QString()), "a|||b|||");
 }
 
 TEST_F(AdditionsTest, WritesWhatIsMissingAndOnlyOnce) {
-    const QString line = QStringLiteral("USB\\VID_1234&PID_5678|||Bob's Adapter|||Maker");
+    const QString line = "USB\\VID_1234&PID_5678|||Bob's Adapter|||Maker";
     EXPECT_FALSE(IsDeviceInDatabase(line));
     EXPECT_TRUE(AddAndAsk(line));
     EXPECT_TRUE(AddAndAsk(line));
-    EXPECT_TRUE(AddAndAsk(QStringLiteral("usb\\vid_1234&pid_5678|||BOB'S ADAPTER|||maker")));
-    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n")));
+    EXPECT_TRUE(AddAndAsk("usb\\vid_1234&pid_5678|||BOB'S ADAPTER|||maker"));
+    EXPECT_THAT(Infos(), ElementsAre("1,1\r\n"));
 
-    EXPECT_TRUE(AddAndAsk(QStringLiteral("USB\\VID_1234&PID_5678|||Other name|||Maker")));
-    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n2,1\r\n")));
-    EXPECT_TRUE(AddAndAsk(QStringLiteral("ID'2||||||")));
-    EXPECT_THAT(Names(),
-                ElementsAre(QStringLiteral("Bob's Adapter"), QStringLiteral("Other name"), QStringLiteral("Unknown")));
-    EXPECT_THAT(Manufacturers(), ElementsAre(QStringLiteral("Maker"), QStringLiteral("Unknown")));
+    EXPECT_TRUE(AddAndAsk("USB\\VID_1234&PID_5678|||Other name|||Maker"));
+    EXPECT_THAT(Infos(), ElementsAre("1,1\r\n2,1\r\n"));
+    EXPECT_TRUE(AddAndAsk("ID'2||||||"));
+    EXPECT_THAT(Names(), ElementsAre("Bob's Adapter", "Other name", "Unknown"));
+    EXPECT_THAT(Manufacturers(), ElementsAre("Maker", "Unknown"));
 }
 
 TEST_F(AdditionsTest, CleansNamesButAsksForThemAsTheyAre) {
-    AddDeviceToDatabase(QStringLiteral("ID||| Two\t words |||Maker"));
-    EXPECT_THAT(Names(), ElementsAre(QStringLiteral("Two words")));
-    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID||| Two\t words |||Maker")));
-    EXPECT_TRUE(IsDeviceInDatabase(QStringLiteral("ID|||Two words|||Maker")));
+    AddDeviceToDatabase("ID||| Two\t words |||Maker");
+    EXPECT_THAT(Names(), ElementsAre("Two words"));
+    EXPECT_FALSE(IsDeviceInDatabase("ID||| Two\t words |||Maker"));
+    EXPECT_TRUE(IsDeviceInDatabase("ID|||Two words|||Maker"));
 }
 
 TEST_F(AdditionsTest, AnInsertThatFailsLeavesTheLastNumberInUse) {
-    AddDeviceToDatabase(QStringLiteral("first|||Name|||Maker"));
-    AddDeviceToDatabase(QStringLiteral("second|||Second|||") + QString(101, u'm'));
+    AddDeviceToDatabase("first|||Name|||Maker");
+    AddDeviceToDatabase("second|||Second|||" + QString(101, u'm'));
     // The manufacturer is not there; the number of the row written last stands in its place.
-    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n"), QStringLiteral("2,2\r\n")));
-    EXPECT_THAT(Manufacturers(), ElementsAre(QStringLiteral("Maker")));
+    EXPECT_THAT(Infos(), ElementsAre("1,1\r\n", "2,2\r\n"));
+    EXPECT_THAT(Manufacturers(), ElementsAre("Maker"));
 
-    AddDeviceToDatabase(QString(126, u'i') + QStringLiteral("|||Third|||Maker"));
+    AddDeviceToDatabase(QString(126, u'i') + "|||Third|||Maker");
     EXPECT_EQ(Infos().size(), 2);
     EXPECT_EQ(Names().size(), 3);
-    EXPECT_TRUE(
-        AddAndAsk(QString(125, u'i') + QStringLiteral("|||") + QString(100, u'n') + QStringLiteral("|||Maker")));
+    EXPECT_TRUE(AddAndAsk(QString(125, u'i') + "|||" + QString(100, u'n') + "|||Maker"));
 }
 
 TEST_F(AdditionsTest, FindsAPairAnywhereButKnowsOnlyWholeLines) {
-    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
-    SetInfo(QStringLiteral("ID"), QStringLiteral("11,12\r\n"));
-    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
-    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("11,12\r\n")));
-    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
+    AddDeviceToDatabase("ID|||Name|||Maker");
+    SetInfo("ID", "11,12\r\n");
+    AddDeviceToDatabase("ID|||Name|||Maker");
+    EXPECT_THAT(Infos(), ElementsAre("11,12\r\n"));
+    EXPECT_FALSE(IsDeviceInDatabase("ID|||Name|||Maker"));
 
-    SetInfo(QStringLiteral("ID"), QStringLiteral("1,1"));
-    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
-    SetInfo(QStringLiteral("ID"), QStringLiteral("\r\n1,1"));
-    EXPECT_TRUE(IsDeviceInDatabase(QStringLiteral("ID|||Name|||Maker")));
+    SetInfo("ID", "1,1");
+    EXPECT_FALSE(IsDeviceInDatabase("ID|||Name|||Maker"));
+    SetInfo("ID", "\r\n1,1");
+    EXPECT_TRUE(IsDeviceInDatabase("ID|||Name|||Maker"));
 }
 
 TEST_F(AdditionsTest, OtherScriptsAreKept) {
-    const QString name = QStringLiteral("\u041F\u0440\u0438\u0432\u043E\u0434 \u2122");
-    EXPECT_TRUE(AddAndAsk(QStringLiteral("ID|||") + name + QStringLiteral("|||Maker")));
+    const QString name = "\u041F\u0440\u0438\u0432\u043E\u0434 \u2122";
+    EXPECT_TRUE(AddAndAsk("ID|||" + name + "|||Maker"));
     EXPECT_THAT(Names(), ElementsAre(name));
     // Equal in lower case, but not to the database's own comparison: two rows.
-    EXPECT_TRUE(AddAndAsk(QStringLiteral("ID|||") + name.toUpper() + QStringLiteral("|||Maker")));
+    EXPECT_TRUE(AddAndAsk("ID|||" + name.toUpper() + "|||Maker"));
     EXPECT_EQ(Names().size(), 2);
 }
 
 TEST_F(AdditionsTest, AnotherProgramsWritesAreNotLost) {
-    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    AddDeviceToDatabase("ID|||Name|||Maker");
     // Between finding the names and writing the entry another program appends to the same row.
     bool appended = false;
     QTimer::singleShot(0, [&] {
-        SetInfo(QStringLiteral("ID"), QStringLiteral("1,1\r\n7,7\r\n"));
+        SetInfo("ID", "1,1\r\n7,7\r\n");
         appended = true;
     });
-    AddDeviceToDatabase(QStringLiteral("ID|||Second|||Maker"));
+    AddDeviceToDatabase("ID|||Second|||Maker");
     EXPECT_TRUE(appended);
-    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n7,7\r\n2,1\r\n")));
+    EXPECT_THAT(Infos(), ElementsAre("1,1\r\n7,7\r\n2,1\r\n"));
 }
 
 TEST_F(AdditionsTest, AReplacedDatabaseGetsTheNumbersOfItsOwnRows) {
     DatabaseBuilder newer;
     for (const char* name : {"A", "B", "C"}) {
-        newer.Add(QStringLiteral("other"), QLatin1String(name), QLatin1String(name));
+        newer.Add("other", QLatin1String(name), QLatin1String(name));
     }
-    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
+    AddDeviceToDatabase("ID|||Name|||Maker");
     int yields = 0;
     std::function<void()> replace = [&] {
         // Not in the first yield, which comes before any number is read.
@@ -124,17 +120,16 @@ TEST_F(AdditionsTest, AReplacedDatabaseGetsTheNumbersOfItsOwnRows) {
         EXPECT_TRUE(newer.Write(Path(), QString(), &error));
     };
     QTimer::singleShot(0, replace);
-    const QString line = QStringLiteral("ID|||Name|||Maker");
+    const QString line = "ID|||Name|||Maker";
     AddDeviceToDatabase(line);
     EXPECT_TRUE(IsDeviceInDatabase(line));
-    EXPECT_THAT(Column(QStringLiteral("SELECT * FROM hwids Where hwid = 'ID'"), QStringLiteral("info")),
-                ElementsAre(QStringLiteral("4,4\r\n")));
+    EXPECT_THAT(Column("SELECT * FROM hwids Where hwid = 'ID'", "info"), ElementsAre("4,4\r\n"));
 }
 
 // Another number in the place of one that could not be had would be another device's name.
 TEST_F(AdditionsTest, WhatCannotBeWrittenIsTriedAgain) {
-    AddDeviceToDatabase(QStringLiteral("ID|||Name|||Maker"));
-    const QString away = Path() + QStringLiteral(".away");
+    AddDeviceToDatabase("ID|||Name|||Maker");
+    const QString away = Path() + ".away";
     for (const int begin : {2, 3, 4}) { // the yield in which the file goes: before the name, the maker, the entry
         int yields = 0;
         QTimer tick;
@@ -151,11 +146,10 @@ TEST_F(AdditionsTest, WhatCannotBeWrittenIsTriedAgain) {
         EXPECT_GE(yields, begin);
         EXPECT_TRUE(IsDeviceInDatabase(line));
     }
-    EXPECT_THAT(Infos(), ElementsAre(QStringLiteral("1,1\r\n"), QStringLiteral("2,2\r\n"), QStringLiteral("3,3\r\n"),
-                                     QStringLiteral("4,4\r\n")));
+    EXPECT_THAT(Infos(), ElementsAre("1,1\r\n", "2,2\r\n", "3,3\r\n", "4,4\r\n"));
 }
 
 TEST_F(AdditionsTest, WithoutADatabaseNothingHappens) {
     CloseDeviceDatabase();
-    EXPECT_FALSE(AddAndAsk(QStringLiteral("ID|||Name|||Maker")));
+    EXPECT_FALSE(AddAndAsk("ID|||Name|||Maker"));
 }

@@ -207,7 +207,7 @@ TEST_F(HostileDatabase, IsRefusedByWhatLiesBesideIt) {
     ExpectSaid(ok, ok, "alone");
     Write("a log", "-wal");
     ExpectSaid("remove it", nullptr, "a log of another file");
-    QFile::remove(Path() + QStringLiteral("-wal"));
+    QFile::remove(Path() + "-wal");
     for (const char* ending : {"-journal", "-wal", "-shm"}) {
         const QString beside = Path() + QLatin1String(ending);
         ASSERT_EQ(::mkfifo(QFile::encodeName(beside).constData(), 0600), 0);
@@ -215,7 +215,7 @@ TEST_F(HostileDatabase, IsRefusedByWhatLiesBesideIt) {
         // A new database brings the program back, and nothing of the old one reaches it.
         QString error;
         DatabaseBuilder builder;
-        ASSERT_TRUE(builder.Write(Path(), QStringLiteral("1.0.0"), &error)) << error.toStdString();
+        ASSERT_TRUE(builder.Write(Path(), "1.0.0", &error)) << error.toStdString();
         EXPECT_FALSE(QFile::exists(beside));
         ExpectSaid(ok, ok, ending);
     }
@@ -253,17 +253,14 @@ TEST_F(HostileDatabase, SharedPagesAndLongRowsDoNotFillTheMemory) {
         data::Recordset rows;
         EXPECT_TRUE(OpenDatabaseFile(Path()));
         EXPECT_FALSE(data::Ran(
-            [&] {
-                rows.Open(QStringLiteral("SELECT * FROM hwids Where [hwids].[hwid] = 'PCI'"), DatabaseConnection());
-            },
-            &error));
+            [&] { rows.Open("SELECT * FROM hwids Where [hwids].[hwid] = 'PCI'", DatabaseConnection()); }, &error));
         return error.Description().toStdString();
     };
     EXPECT_THAT(answer(), HasSubstr("More rows"));
     // A walk of the whole table takes it in pages.
     data::Recordset walk;
     int walked = 0;
-    for (walk.Open(QStringLiteral("SELECT * FROM hwids"), DatabaseConnection()); !walk.Eof(); walk.MoveNext()) {
+    for (walk.Open("SELECT * FROM hwids", DatabaseConnection()); !walk.Eof(); walk.MoveNext()) {
         ++walked;
     }
     EXPECT_EQ(walked, 200);
@@ -314,10 +311,10 @@ TEST_F(HostileDatabase, TablesWithoutEndAreLeftInTime) {
     timer.start();
     suite::ListItems rows;
     AddColumns(rows);
-    FindMatches(MatchQuery(QStringLiteral("PCI\\Y\r\nPCI\\Z")), rows);
+    FindMatches(MatchQuery("PCI\\Y\r\nPCI\\Z"), rows);
     EXPECT_EQ(rows.Count(), 0);
-    EXPECT_FALSE(IsDeviceInDatabase(QStringLiteral("PCI\\X|||A|||B")));
-    AddDeviceToDatabase(QStringLiteral("PCI\\X|||A|||B"));
+    EXPECT_FALSE(IsDeviceInDatabase("PCI\\X|||A|||B"));
+    AddDeviceToDatabase("PCI\\X|||A|||B");
     EXPECT_LT(timer.elapsed(), 5'000) << "each statement of it ends";
     support::HoldUp holdUp;
     QTimer::singleShot(100, [] { values::Program().ProgramClosing = true; });

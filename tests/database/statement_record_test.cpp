@@ -52,12 +52,12 @@ class StatementRecordTest : public StoreFixture {
         WriteAndOpen(builder);
         ReadVersionAndCount();
         EXPECT_EQ(Search(device.Id), 1) << device.Id.toStdString();
-        EXPECT_EQ(Search(device.Id + QStringLiteral("\r\nUSB\\NONE\r\n") + device.Name), 1) << device.Id.toStdString();
-        const QString line = device.Id + QStringLiteral("2|||") + device.Name + QStringLiteral("2|||") + device.Maker;
+        EXPECT_EQ(Search(device.Id + "\r\nUSB\\NONE\r\n" + device.Name), 1) << device.Id.toStdString();
+        const QString line = device.Id + "2|||" + device.Name + "2|||" + device.Maker;
         EXPECT_FALSE(IsDeviceInDatabase(line));
         AddDeviceToDatabase(line);
         EXPECT_TRUE(IsDeviceInDatabase(line)) << line.toStdString();
-        AddDeviceToDatabase(device.Id + QStringLiteral("|||") + device.Name + QStringLiteral("2|||") + device.Maker);
+        AddDeviceToDatabase(device.Id + "|||" + device.Name + "2|||" + device.Maker);
         EXPECT_EQ(Search(device.Id), 2) << device.Id.toStdString();
         SetInfo(device.Id, device.Info);
         Search(device.Id);
@@ -74,9 +74,8 @@ class StatementRecordTest : public StoreFixture {
 };
 
 TEST_F(StatementRecordTest, NoDevicesTextIsEverPartOfAStatement) {
-    const QString good = QStringLiteral("1,1\r\n");
-    const QSet<QByteArray> plain =
-        StatementsFor({QStringLiteral("USB\\A"), QStringLiteral("Name"), QStringLiteral("Maker"), good});
+    const QString good = "1,1\r\n";
+    const QSet<QByteArray> plain = StatementsFor({"USB\\A", "Name", "Maker", good});
     EXPECT_GE(plain.size(), 10);
     // Each holds "zqx", which no statement of ours does.
     for (const char16_t* text : {
@@ -99,7 +98,7 @@ TEST_F(StatementRecordTest, NoDevicesTextIsEverPartOfAStatement) {
              u"0x7A7178 zqx",
          }) {
         const QString hostile = QString::fromUtf16(text);
-        const QSet<QByteArray> statements = StatementsFor({QStringLiteral("USB\\") + hostile, hostile, hostile, good});
+        const QSet<QByteArray> statements = StatementsFor({"USB\\" + hostile, hostile, hostile, good});
         EXPECT_EQ(statements, plain) << hostile.toStdString();
         for (const QByteArray& statement : statements) {
             EXPECT_FALSE(statement.contains("zqx")) << statement.constData();
@@ -109,8 +108,7 @@ TEST_F(StatementRecordTest, NoDevicesTextIsEverPartOfAStatement) {
 
 // Numbers come out of a text column; what is none never reaches the store, not even bound.
 TEST_F(StatementRecordTest, NoNumberOfARowIsAStatement) {
-    const Device device{QStringLiteral("USB\\A"), QStringLiteral("Name"), QStringLiteral("Maker"),
-                        QStringLiteral("1,1\r\n")};
+    const Device device{"USB\\A", "Name", "Maker", "1,1\r\n"};
     const QSet<QByteArray> plain = StatementsFor(device);
     for (const char* info :
          {"1 OR 1=1,2\r\n", "1;DROP TABLE mfgs,1\r\n", "(SELECT 1),1\r\n", "-1,0x1\r\n", "1e9,1.5\r\n", "'1','1'\r\n",

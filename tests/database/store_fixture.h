@@ -25,11 +25,11 @@ class StoreFixture : public testing::Test {
         values::Program() = values::ProgramValues();
     }
 
-    QString Path() const { return Folder.filePath(QStringLiteral("hwids.mdb")); }
+    QString Path() const { return Folder.filePath("hwids.mdb"); }
 
     void WriteAndOpen(const database::DatabaseBuilder& builder) {
         QString error;
-        ASSERT_TRUE(builder.Write(Path(), QStringLiteral("2.3.4"), &error)) << error.toStdString();
+        ASSERT_TRUE(builder.Write(Path(), "2.3.4", &error)) << error.toStdString();
         ASSERT_TRUE(database::OpenDeviceDatabase());
     }
 
@@ -41,7 +41,7 @@ class StoreFixture : public testing::Test {
     static void SetInfo(const QString& hwid, const QString& info) {
         data::Command command;
         command.SetActiveConnection(database::DatabaseConnection());
-        command.SetCommandText(QStringLiteral("UPDATE hwids SET info = ? WHERE hwid = ?"));
+        command.SetCommandText("UPDATE hwids SET info = ? WHERE hwid = ?");
         command.AppendParameter({QString(), data::adLongVarChar, data::adParamInput, info.size(), info});
         command.AppendParameter({QString(), data::adVarChar, data::adParamInput, hwid.size(), hwid});
         command.Execute();

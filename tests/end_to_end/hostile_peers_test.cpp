@@ -54,6 +54,7 @@ std::vector<Peer> PeersThatStopOrStall() {
         {"reset at once", Answer().Reset(), {}, false, false},
         {"answer before the request", Reply(200, good).WithoutReading(), good, true, true},
         {"no answer", Answer().Stall(), {}, false, false},
+        {"an interim answer alone", Answer().Send("HTTP/1.1 100 Continue\r\n\r\n"), {}, false, false},
         {"half a status line", Answer().Send("HTTP/1.1 2").Stall(), {}, false, false},
         {"half a header", Answer().Send(ok + "Content-Le").Stall(), {}, false, true},
         {"headers without their end", Answer().Send(ok + "Content-Length: 5\r\n").Stall(), {}, false, true},

@@ -50,7 +50,7 @@ constexpr int longestWait = 600'000; // milliseconds
 struct Order {
     QString job;
     int count = 1;
-    QString tag = QStringLiteral("x");
+    QString tag = "x";
 };
 
 void Tell(const QString& line) {
@@ -87,8 +87,8 @@ void WatchLabels() {
     for (const forms::Form* form : forms::Forms::Instance().Loaded()) {
         for (QObject* control : form->Controls()) {
             const auto* label = qobject_cast<forms::Label*>(control);
-            if (label != nullptr && label->Caption().contains(QStringLiteral("locked"), Qt::CaseInsensitive))
-                Tell(QStringLiteral("shown ") + label->Caption());
+            if (label != nullptr && label->Caption().contains("locked", Qt::CaseInsensitive))
+                Tell("shown " + label->Caption());
         }
     }
 }
@@ -97,7 +97,7 @@ void WatchLabels() {
 // cover them.
 int OpenFiles() {
     int highest = 0;
-    for (const QString& name : QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files))
+    for (const QString& name : QDir("/proc/self/fd").entryList(QDir::System | QDir::Files))
         highest = std::max(highest, name.toInt());
     int last = 0;
     while (last < highest) {
@@ -119,7 +119,7 @@ void LimitResources() {
     if (const int still = qEnvironmentVariableIntValue("QUORVANE_TEST_SEND", &given); given)
         net::SetSendLimits(still, still);
     if (const int memory = qEnvironmentVariableIntValue("QUORVANE_TEST_MEMORY", &given); given) {
-        QFile sizes(QStringLiteral("/proc/self/statm"));
+        QFile sizes("/proc/self/statm");
         if (!sizes.open(QIODevice::ReadOnly))
             std::_Exit(EXIT_FAILURE);
         const rlim_t pages = sizes.readAll().split(' ').first().toULongLong();
@@ -129,7 +129,7 @@ void LimitResources() {
     }
 }
 
-bool Scanned() { return Main() != nullptr && Main()->LabelStatus->Caption() == QStringLiteral("Status: Done"); }
+bool Scanned() { return Main() != nullptr && Main()->LabelStatus->Caption() == "Status: Done"; }
 
 void Scan(const Order& order) {
     for (int i = 0; i < order.count && !values::ProgramClosing(); ++i) {
@@ -143,7 +143,7 @@ void Add(const Order& order) {
     for (int i = 0; i < order.count && !values::ProgramClosing(); ++i) {
         database::AddDeviceToDatabase(database::ContributionLine(QStringLiteral("%1\\%2").arg(order.tag).arg(i),
                                                                  QStringLiteral("Name %1 %2").arg(order.tag).arg(i),
-                                                                 QStringLiteral("Maker ") + order.tag));
+                                                                 "Maker " + order.tag));
         // Closed meanwhile, it may have had no database any more.
         if (!values::ProgramClosing())
             Tell(QStringLiteral("added %1").arg(i));
@@ -155,25 +155,25 @@ void Submit(const Order&) {
     auto* window = Find<contribution::FrmImprove>("FrmImprove");
     if (values::ProgramClosing() || window == nullptr)
         return;
-    const auto done = [&] { return window->StatusText == QStringLiteral("Done."); };
+    const auto done = [&] { return window->StatusText == "Done."; };
     window->CommandGetHardware_Click();
     if (!WaitFor(done))
         return;
     Tell(QStringLiteral("offered %1").arg(window->ListViewHardware->ListItems().Count()));
     window->CommandSaveSubmit_Click();
     if (!values::ProgramClosing())
-        Tell(QStringLiteral("submitted ") + window->ImportantLabelSubmitStatus->Caption());
+        Tell("submitted " + window->ImportantLabelSubmitStatus->Caption());
 }
 
 void Update(const Order&) {
     Main()->CommandCheckForUpdates_Click();
     const auto window = [] { return Find<updating::FrmUpdate>("FrmUpdate"); };
-    const auto unanswered = [&] { return window()->Label4->Caption() == QStringLiteral("Online Version: Error"); };
+    const auto unanswered = [&] { return window()->Label4->Caption() == "Online Version: Error"; };
     if (!WaitFor([&] { return window() == nullptr || window()->CommandDownloadDatabase->Enabled() || unanswered(); }) ||
         window() == nullptr)
         return;
     if (unanswered()) {
-        Tell(QStringLiteral("failed ") + window()->Label4->Caption());
+        Tell("failed " + window()->Label4->Caption());
         return;
     }
     QTimer watch;
@@ -181,29 +181,28 @@ void Update(const Order&) {
     QObject::connect(&watch, &QTimer::timeout, [&] {
         if (!unpacking && window() != nullptr && window()->ImportantLabelUnzip->Visible()) {
             unpacking = true;
-            Tell(QStringLiteral("unpacking"));
+            Tell("unpacking");
         }
     });
     watch.start(0);
-    Tell(QStringLiteral("downloading"));
+    Tell("downloading");
     Q_EMIT window()->CommandDownloadDatabase->Click();
     const auto failed = [&] { return window() != nullptr && window()->lblerr->Caption().contains(u'['); };
     if (!WaitFor([&] { return window() == nullptr || failed(); }))
         return;
     if (failed()) {
-        Tell(QStringLiteral("failed ") + window()->lblerr->Caption());
+        Tell("failed " + window()->lblerr->Caption());
         return;
     }
     if (WaitFor([] { return !Main()->TimerCountDatabase->Enabled() && Main()->CommandGetHardware->Enabled(); }))
-        Tell(QStringLiteral("updated ") + values::Program().DatabaseVersion);
+        Tell("updated " + values::Program().DatabaseVersion);
 }
 
 // All colours are the number of the round, in the settings and in a preset.
 void Settings(const Order& order) {
     for (int round = 1; round <= order.count && !values::ProgramClosing(); ++round) {
         QString path = values::SettingsPath();
-        values::WriteSetting(QStringLiteral("main"), QStringLiteral("CheckForUpdates"), QString::number(round % 2),
-                             path);
+        values::WriteSetting("main", "CheckForUpdates", QString::number(round % 2), path);
         for (const appearance::ColourRow& row : appearance::colourRows)
             appearance::SetColor(row.Index, base::Colour(quint32(round)));
         appearance::SaveColors();
@@ -238,9 +237,8 @@ void Prepare(const QString& folder) {
     if (const QString devices = qEnvironmentVariable("QUORVANE_TEST_DEVICES"); !devices.isEmpty())
         pnp::SetDeviceRoot(devices);
     draw::SetSysColors(QApplication::palette());
-    forms::SetMsgBoxRecorder([](const QString& text, forms::MessageIcon) { Tell(QStringLiteral("box ") + text); });
-    database::SetFatalHandlers([](const QString& text) { Tell(QStringLiteral("fatal ") + text); },
-                               [] { std::_Exit(EXIT_FAILURE); });
+    forms::SetMsgBoxRecorder([](const QString& text, forms::MessageIcon) { Tell("box " + text); });
+    database::SetFatalHandlers([](const QString& text) { Tell("fatal " + text); }, [] { std::_Exit(EXIT_FAILURE); });
     shell::RegisterMainWindow();
     appearance::RegisterForms();
     inventory::RegisterMenuForm();
@@ -271,7 +269,7 @@ int main(int argc, char** argv) {
     QTimer labels;
     QObject::connect(&labels, &QTimer::timeout, WatchLabels);
     labels.start(20);
-    all.Shared(QStringLiteral("FrmMain"))->Show();
+    all.Shared("FrmMain")->Show();
     Work(order);
     if (forms::Form* main = Main())
         main->Unload();
@@ -279,6 +277,6 @@ int main(int argc, char** argv) {
     while (!gone && !deadline.hasExpired())
         Turn();
     all.Clear();
-    Tell(QStringLiteral("end"));
+    Tell("end");
     return gone ? EXIT_SUCCESS : EXIT_FAILURE;
 }

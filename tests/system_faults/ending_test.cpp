@@ -22,12 +22,12 @@ struct Job {
 };
 
 const Job jobs[] = {
-    {"start", {QStringLiteral("start")}, "", 300},
-    {"scan", {QStringLiteral("scan"), QStringLiteral("1000")}, "scanned", 200},
-    {"add", {QStringLiteral("add"), QStringLiteral("1000")}, "added", 300},
-    {"submit", {QStringLiteral("submit")}, "started", 500},
-    {"update", {QStringLiteral("update")}, "downloading", 700},
-    {"settings", {QStringLiteral("settings"), QStringLiteral("100000")}, "saved", 100},
+    {"start", {"start"}, "", 300},
+    {"scan", {"scan", "1000"}, "scanned", 200},
+    {"add", {"add", "1000"}, "added", 300},
+    {"submit", {"submit"}, "started", 500},
+    {"update", {"update"}, "downloading", 700},
+    {"settings", {"settings", "100000"}, "saved", 100},
 };
 
 } // namespace
@@ -62,22 +62,21 @@ TEST_F(EndingTest, AskedToEndInEachLongJob) {
             EXPECT_TRUE(process->Ends(LongestEnding())) << process->Text().toStdString();
             // Before the program can listen and after it has done everything the signal ends it in the system's own
             // way.
-            const bool early = *job.begins == 0 && process->Last(QStringLiteral("started")).isNull();
-            const bool late = process->Lines().contains(QStringLiteral("end"));
+            const bool early = *job.begins == 0 && process->Last("started").isNull();
+            const bool late = process->Lines().contains("end");
             EXPECT_TRUE(process->Status() == 0 || ((early || late) && process->Status() == 128 + signal))
                 << process->Status() << '\n'
                 << process->Text().toStdString();
-            EXPECT_EQ(process->Text().count(QStringLiteral("box")), 0) << process->Text().toStdString();
+            EXPECT_EQ(process->Text().count("box"), 0) << process->Text().toStdString();
             const QString version = CheckedVersion();
-            EXPECT_TRUE(version == QStringLiteral("1.0.0") || version == QStringLiteral("2.0.0"));
+            EXPECT_TRUE(version == "1.0.0" || version == "2.0.0");
             if (qstrcmp(job.name, "add") == 0) {
-                const int added = process->Last(QStringLiteral("added")).toInt() + 1;
-                EXPECT_GE(Additions(QStringLiteral("x"), 1000).size(), added);
+                const int added = process->Last("added").toInt() + 1;
+                EXPECT_GE(Additions("x", 1000).size(), added);
             }
-            EXPECT_EQ(QDir(Folder()).entryList(
-                          {QStringLiteral(".unpacking*"), QStringLiteral("*-journal"), QStringLiteral("*.ini.*")},
-                          QDir::AllEntries | QDir::Hidden),
-                      QStringList());
+            EXPECT_EQ(
+                QDir(Folder()).entryList({".unpacking*", "*-journal", "*.ini.*"}, QDir::AllEntries | QDir::Hidden),
+                QStringList());
         }
         ExpectThatTheProgramStarts();
     }
@@ -90,13 +89,13 @@ TEST_F(EndingTest, AskedToEndWhileTheServerStalls) {
     const QByteArray upload = "/files/hardware_ids/upload_hardware_id_v1.php";
     server_.SetAnswer(archive, support::Promise(200, 1'000'000).Send("x").Stall());
     server_.SetAnswer(upload, support::Answer().Stall());
-    for (const QString& job : {QStringLiteral("update"), QStringLiteral("submit")}) {
-        const auto process = Start({job}, {QStringLiteral("QUORVANE_TEST_SEND=3000")});
-        ASSERT_TRUE(ServerIsAskedFor(job == QStringLiteral("update") ? archive : upload));
+    for (const char* job : {"update", "submit"}) {
+        const auto process = Start({job}, {"QUORVANE_TEST_SEND=3000"});
+        ASSERT_TRUE(ServerIsAskedFor(*job == 'u' ? archive : upload));
         process->Signal(SIGTERM);
         EXPECT_TRUE(process->Ends(LongestEnding())) << process->Text().toStdString();
         EXPECT_EQ(process->Status(), 0) << process->Text().toStdString();
-        EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));
+        EXPECT_EQ(CheckedVersion(), "1.0.0");
     }
 }
 
@@ -108,16 +107,16 @@ TEST_F(EndingTest, AJumpingClockChangesNothing) {
         SCOPED_TRACE(job.name);
         QStringList order = job.order;
         if (order.size() > 1)
-            order[1] = QStringLiteral("60");
+            order[1] = "60";
         const auto process = Start(order, {clock});
         EXPECT_TRUE(process->Ends());
         EXPECT_EQ(process->Status(), 0);
-        EXPECT_EQ(process->Text().count(QStringLiteral("failed")), 0) << process->Text().toStdString();
+        EXPECT_EQ(process->Text().count("failed"), 0) << process->Text().toStdString();
         if (qstrcmp(job.name, "add") == 0) {
-            EXPECT_EQ(Additions(QStringLiteral("x"), 60).size(), 60);
+            EXPECT_EQ(Additions("x", 60).size(), 60);
         }
         if (qstrcmp(job.name, "submit") == 0) {
-            EXPECT_TRUE(process->Last(QStringLiteral("submitted")).contains(QStringLiteral("Successful")));
+            EXPECT_TRUE(process->Last("submitted").contains("Successful"));
         }
     }
     ExpectTheNewDatabase();

@@ -33,14 +33,13 @@ QByteArray Machine(int devices) {
 
 QByteArray Packed(const QByteArray& database) {
     const QTemporaryDir work;
-    QFile file(work.filePath(QStringLiteral("hwids.mdb")));
+    QFile file(work.filePath("hwids.mdb"));
     EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(database) == database.size());
     file.close();
     QProcess packer;
-    packer.start(net::FindEngine(), {QStringLiteral("a"), QStringLiteral("-bd"), QStringLiteral("-mx=1"),
-                                     work.filePath(QStringLiteral("made.7z")), file.fileName()});
+    packer.start(net::FindEngine(), {"a", "-bd", "-mx=1", work.filePath("made.7z"), file.fileName()});
     EXPECT_TRUE(packer.waitForFinished());
-    QFile made(work.filePath(QStringLiteral("made.7z")));
+    QFile made(work.filePath("made.7z"));
     EXPECT_TRUE(made.open(QIODevice::ReadOnly));
     return made.readAll();
 }
@@ -74,9 +73,8 @@ bool HasOpen(qint64 process, const QString& path) {
 AtWork::AtWork(const QStringList& command, const QProcessEnvironment& environment) {
     // Of what cannot be done without a screen the platform plugin tells at length.
     QProcessEnvironment quiet = environment;
-    quiet.insert(QStringLiteral("QT_LOGGING_RULES"),
-                 QStringLiteral("*.debug=false;qt.qpa.*=false;default.warning=false"));
-    quiet.insert(QStringLiteral("XDG_RUNTIME_DIR"), QDir::tempPath());
+    quiet.insert("QT_LOGGING_RULES", "*.debug=false;qt.qpa.*=false;default.warning=false");
+    quiet.insert("XDG_RUNTIME_DIR", QDir::tempPath());
     process_.setProcessEnvironment(quiet);
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(command.first(), command.mid(1));
@@ -145,15 +143,15 @@ SystemFaults::SystemFaults() : devices_(Machine(machineDevices)) {
     // Names are numbered from 1001 then: numbers of one length are no part of one another.
     database::DatabaseBuilder old;
     for (int i = 1; i <= 1000; ++i)
-        old.Add(QStringLiteral("OLD\\%1").arg(i), QStringLiteral("Old %1").arg(i), QStringLiteral("Maker old"));
-    EXPECT_TRUE(old.Write(Path(QStringLiteral("hwids.mdb")), QStringLiteral("1.0.0"), &error)) << error.toStdString();
+        old.Add(QStringLiteral("OLD\\%1").arg(i), QStringLiteral("Old %1").arg(i), "Maker old");
+    EXPECT_TRUE(old.Write(Path("hwids.mdb"), "1.0.0", &error)) << error.toStdString();
     database::DatabaseBuilder newer;
     for (int i = 1; i <= newDevices; ++i)
-        newer.Add(QStringLiteral("NEW\\%1").arg(i), QStringLiteral("New %1").arg(i), QStringLiteral("Maker new"));
-    EXPECT_TRUE(newer.Write(Path(QStringLiteral("new")), QStringLiteral("2.0.0"), &error)) << error.toStdString();
-    oldDatabase_ = Content(Path(QStringLiteral("hwids.mdb")));
-    newDatabase_ = Content(Path(QStringLiteral("new")));
-    QFile::remove(Path(QStringLiteral("new")));
+        newer.Add(QStringLiteral("NEW\\%1").arg(i), QStringLiteral("New %1").arg(i), "Maker new");
+    EXPECT_TRUE(newer.Write(Path("new"), "2.0.0", &error)) << error.toStdString();
+    oldDatabase_ = Content(Path("hwids.mdb"));
+    newDatabase_ = Content(Path("new"));
+    QFile::remove(Path("new"));
     const QByteArray updates = "/files/updates/quorvane/";
     server_.SetAnswer(updates + "update.htm", support::Reply(200, "1.0.0"));
     server_.SetAnswer(updates + "database_v1.htm", support::Reply(200, "2.0.0"));
@@ -162,8 +160,8 @@ SystemFaults::SystemFaults() : devices_(Machine(machineDevices)) {
 }
 
 void SystemFaults::RestoreTheOldDatabase() const {
-    QFile::remove(Path(QStringLiteral("hwids.mdb")));
-    QFile database(Path(QStringLiteral("hwids.mdb")));
+    QFile::remove(Path("hwids.mdb"));
+    QFile database(Path("hwids.mdb"));
     EXPECT_TRUE(database.open(QIODevice::WriteOnly) && database.write(oldDatabase_) == oldDatabase_.size());
 }
 
@@ -173,13 +171,13 @@ QByteArray SystemFaults::Content(const QString& path) const {
 }
 
 QStringList SystemFaults::Command(const QStringList& job) const {
-    return QStringList{bin + QStringLiteral("/at_work"), Folder()} + job;
+    return QStringList{bin + "/at_work", Folder()} + job;
 }
 
 std::unique_ptr<AtWork> SystemFaults::Start(const QStringList& job, const QStringList& variables) const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QUORVANE_TEST_SERVER"), server_.Url());
-    environment.insert(QStringLiteral("QUORVANE_TEST_DEVICES"), devices_.Root());
+    environment.insert("QUORVANE_TEST_SERVER", server_.Url());
+    environment.insert("QUORVANE_TEST_DEVICES", devices_.Root());
     for (const QString& variable : variables)
         environment.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     const bool wrapped = job.first().startsWith(u'/');
@@ -187,17 +185,17 @@ std::unique_ptr<AtWork> SystemFaults::Start(const QStringList& job, const QStrin
 }
 
 void SystemFaults::ExpectThatTheProgramStarts() const {
-    const QString program = Path(QStringLiteral("quorvane"));
-    const QString built = bin + QStringLiteral("/quorvane");
+    const QString program = Path("quorvane");
+    const QString built = bin + "/quorvane";
     if (!QFile::exists(program) &&
         ::link(QFile::encodeName(built).constData(), QFile::encodeName(program).constData()) != 0) {
         ASSERT_TRUE(QFile::copy(built, program));
     }
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), Folder());
+    environment.insert("HOME", Folder());
     AtWork process({program}, environment);
     const QDeadlineTimer deadline(AtWork::Patience());
-    const QString database = Path(QStringLiteral("hwids.mdb"));
+    const QString database = Path("hwids.mdb");
     while (!HasOpen(process.Id(), database) && !deadline.hasExpired())
         QThread::msleep(5);
     EXPECT_FALSE(deadline.hasExpired()) << "the database is not open";
@@ -208,9 +206,8 @@ void SystemFaults::ExpectThatTheProgramStarts() const {
 
 bool SystemFaults::MayMount() {
     static const bool may =
-        QProcess::execute(QStringLiteral("unshare"),
-                          {QStringLiteral("-rm"), QStringLiteral("sh"), QStringLiteral("-c"),
-                           QStringLiteral("mkdir -p \"$0\" && mount -t tmpfs none \"$0\""), QDir::tempPath()}) == 0;
+        QProcess::execute("unshare",
+                          {"-rm", "sh", "-c", "mkdir -p \"$0\" && mount -t tmpfs none \"$0\"", QDir::tempPath()}) == 0;
     return may;
 }
 
@@ -236,10 +233,9 @@ rm -rf "$saved"
 exit $status
 )sh")
                               .arg(script);
-    return Start(QStringList{QStringLiteral("/usr/bin/unshare"), QStringLiteral("-rm"), QStringLiteral("bash"),
-                             QStringLiteral("-c"), shell, QStringLiteral("bash"), Folder(),
-                             QString::number(kilobytes)} +
-                 Command(job));
+    return Start(
+        QStringList{"/usr/bin/unshare", "-rm", "bash", "-c", shell, "bash", Folder(), QString::number(kilobytes)} +
+        Command(job));
 }
 
 namespace {
@@ -267,25 +263,24 @@ QString SystemFaults::CheckedVersion(const QString& path) const {
         return {};
     }
     EXPECT_EQ(IntegrityOf(base::NativePath(path)), "ok");
-    const QString version = Column(QStringLiteral("SELECT * FROM version"), QStringLiteral("dbversion")).value(0);
+    const QString version = Column("SELECT * FROM version", "dbversion").value(0);
     database::CloseDeviceDatabase();
     return version;
 }
 
 QList<int> SystemFaults::Additions(const QString& tag, int count) const {
     QList<int> found;
-    EXPECT_TRUE(database::OpenDatabaseFile(Path(QStringLiteral("hwids.mdb"))));
+    EXPECT_TRUE(database::OpenDatabaseFile(Path("hwids.mdb")));
     for (int i = 0; i < count; ++i) {
         const QStringList infos =
-            Column(QStringLiteral("SELECT * FROM hwids Where [hwids].[hwid] = '%1\\%2'").arg(tag).arg(i),
-                   QStringLiteral("info"));
+            Column(QStringLiteral("SELECT * FROM hwids Where [hwids].[hwid] = '%1\\%2'").arg(tag).arg(i), "info");
         if (infos.isEmpty())
             continue;
         const QStringList ids = infos.first().trimmed().split(u',');
         EXPECT_EQ(infos.size(), 1);
         EXPECT_EQ(ids.size(), 2) << infos.first().toStdString();
         EXPECT_EQ(database::DeviceNameById(ids.value(0)), QStringLiteral("Name %1 %2").arg(tag).arg(i));
-        EXPECT_EQ(database::ManufacturerById(ids.value(1)), QStringLiteral("Maker ") + tag);
+        EXPECT_EQ(database::ManufacturerById(ids.value(1)), "Maker " + tag);
         found.append(i);
     }
     database::CloseDeviceDatabase();
@@ -293,10 +288,9 @@ QList<int> SystemFaults::Additions(const QString& tag, int count) const {
 }
 
 void SystemFaults::ExpectEveryRowSent(qsizetype from) const {
-    const auto process = Start({QStringLiteral("submit")});
+    const auto process = Start({"submit"});
     EXPECT_TRUE(process->Ends());
-    EXPECT_TRUE(process->Last(QStringLiteral("offered")) == QStringLiteral("0") ||
-                process->Last(QStringLiteral("submitted")).contains(QStringLiteral("Successful")))
+    EXPECT_TRUE(process->Last("offered") == "0" || process->Last("submitted").contains("Successful"))
         << process->Text().toStdString();
     QSet<QByteArray> received;
     for (const QByteArray& request : server_.Requests().mid(from))
@@ -304,15 +298,15 @@ void SystemFaults::ExpectEveryRowSent(qsizetype from) const {
             if (line.contains("|||"))
                 received.insert(line.trimmed());
     EXPECT_EQ(received.size(), machineDevices * idsOfADevice);
-    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("new_hardware_unsent.txt"))));
+    EXPECT_FALSE(QFile::exists(Path("new_hardware_unsent.txt")));
 }
 
 void SystemFaults::ExpectTheNewDatabase() const {
-    EXPECT_EQ(CheckedVersion(), QStringLiteral("2.0.0"));
-    EXPECT_TRUE(database::OpenDatabaseFile(Path(QStringLiteral("hwids.mdb"))));
+    EXPECT_EQ(CheckedVersion(), "2.0.0");
+    EXPECT_TRUE(database::OpenDatabaseFile(Path("hwids.mdb")));
     int devices = 0;
-    for (const QString& hwid : Column(QStringLiteral("SELECT * FROM hwids"), QStringLiteral("hwid")))
-        devices += hwid.startsWith(QStringLiteral("NEW\\")) ? 1 : 0;
+    for (const QString& hwid : Column("SELECT * FROM hwids", "hwid"))
+        devices += hwid.startsWith("NEW\\") ? 1 : 0;
     EXPECT_EQ(devices, newDevices);
     database::CloseDeviceDatabase();
 }

@@ -72,7 +72,7 @@ class SystemFaults : public testing::Test {
 
     // Opens the database, checks it throughout, and gives its version; null and a failure where it is damaged.
     QString CheckedVersion(const QString& path) const;
-    QString CheckedVersion() const { return CheckedVersion(Path(QStringLiteral("hwids.mdb"))); }
+    QString CheckedVersion() const { return CheckedVersion(Path("hwids.mdb")); }
     // The numbers, of those below `count`, of the additions of this tag that the database holds whole: each its own
     // name and its own maker. One that it holds in part is a failure.
     QList<int> Additions(const QString& tag, int count) const;

@@ -13,9 +13,9 @@ class InstancesTest : public SystemFaults {
     static constexpr int additions = 40;
 
     static void ExpectNothingShown(const AtWork& process) {
-        EXPECT_FALSE(process.Text().contains(QStringLiteral("locked"))) << process.Text().toStdString();
-        EXPECT_FALSE(process.Text().contains(QStringLiteral("box"))) << process.Text().toStdString();
-        EXPECT_FALSE(process.Text().contains(QStringLiteral("fatal"))) << process.Text().toStdString();
+        EXPECT_FALSE(process.Text().contains("locked")) << process.Text().toStdString();
+        EXPECT_FALSE(process.Text().contains("box")) << process.Text().toStdString();
+        EXPECT_FALSE(process.Text().contains("fatal")) << process.Text().toStdString();
     }
 
     static void ExpectGoodEnd(AtWork& process) {
@@ -25,7 +25,7 @@ class InstancesTest : public SystemFaults {
     }
 
     QStringList Adding(const char* tag, int count = additions) const {
-        return {QStringLiteral("add"), QString::number(count), QLatin1String(tag)};
+        return {"add", QString::number(count), QLatin1String(tag)};
     }
 };
 
@@ -37,22 +37,22 @@ TEST_F(InstancesTest, BothScanAndBothAdd) {
         const auto first = Start(Adding(one));
         const auto second = Start(Adding(two));
         const auto before = server_.Requests().size();
-        const auto third = Start({QStringLiteral("submit")});
-        const auto fourth = Start({QStringLiteral("submit")});
+        const auto third = Start({"submit"});
+        const auto fourth = Start({"submit"});
         for (const auto& process : {&first, &second, &third, &fourth})
             ExpectGoodEnd(**process);
-        QStringList offered = {third->Last(QStringLiteral("offered")), fourth->Last(QStringLiteral("offered"))};
+        QStringList offered = {third->Last("offered"), fourth->Last("offered")};
         QStringList sent;
         for (const QByteArray& request : server_.Requests().mid(before))
             sent.append(QString::number(request.count("|||") / 2));
-        offered.removeAll(QStringLiteral("0"));
+        offered.removeAll("0");
         offered.sort();
         sent.sort();
         EXPECT_EQ(sent, offered) << "each the lines of its own rows";
         ExpectEveryRowSent(before);
         EXPECT_EQ(Additions(QLatin1String(one), additions).size(), additions);
         EXPECT_EQ(Additions(QLatin1String(two), additions).size(), additions);
-        EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));
+        EXPECT_EQ(CheckedVersion(), "1.0.0");
     }
 }
 
@@ -118,23 +118,23 @@ class OldFile {
 // What was added to the old file is replaced with it; what is added from then on is there.
 TEST_F(InstancesTest, OneUpdatesWhileTheOtherAdds) {
     for (int round = 0; round < support::Rounds(1, 20); ++round) {
-        const QString database = Path(QStringLiteral("hwids.mdb"));
+        const QString database = Path("hwids.mdb");
         RestoreTheOldDatabase();
         OldFile old(database);
         const auto adding = Start(Adding("busy", 1'000'000));
-        EXPECT_TRUE(adding->Reaches(QStringLiteral("added")));
-        const auto updating = Start({QStringLiteral("update")});
+        EXPECT_TRUE(adding->Reaches("added"));
+        const auto updating = Start({"update"});
         ExpectGoodEnd(*updating);
-        EXPECT_EQ(updating->Last(QStringLiteral("updated")), QStringLiteral("2.0.0")) << updating->Text().toStdString();
+        EXPECT_EQ(updating->Last("updated"), "2.0.0") << updating->Text().toStdString();
         adding->Poll();
-        const int before = adding->Last(QStringLiteral("added")).toInt();
+        const int before = adding->Last("added").toInt();
         EXPECT_TRUE(adding->Reaches(QStringLiteral("added %1").arg(before + 20)));
         adding->Signal(SIGTERM);
         ExpectGoodEnd(*adding);
-        const int last = adding->Last(QStringLiteral("added")).toInt();
+        const int last = adding->Last("added").toInt();
         old.ExpectReplacedAndUntouched();
         ExpectTheNewDatabase();
-        const QList<int> found = Additions(QStringLiteral("busy"), last + 1);
+        const QList<int> found = Additions("busy", last + 1);
         for (int i = before + 1; i <= last; ++i)
             EXPECT_TRUE(found.contains(i)) << i;
     }

@@ -17,16 +17,15 @@ class ShortageTest : public SystemFaults {
     void ExpectGoodEnd(AtWork& process) {
         EXPECT_TRUE(process.Ends()) << process.Text().toStdString();
         EXPECT_EQ(process.Status(), 0) << process.Text().toStdString();
-        EXPECT_FALSE(process.Last(QStringLiteral("started")).isNull()) << process.Text().toStdString();
-        EXPECT_FALSE(process.Text().contains(QStringLiteral("locked"))) << process.Text().toStdString();
+        EXPECT_FALSE(process.Last("started").isNull()) << process.Text().toStdString();
+        EXPECT_FALSE(process.Text().contains("locked")) << process.Text().toStdString();
     }
 
     // Nothing half-written lies about.
     void ExpectNoRemains() {
-        EXPECT_EQ(QDir(Folder()).entryList({QStringLiteral(".unpacking*"), QStringLiteral("*-journal"),
-                                            QStringLiteral("*.ini.*"), QStringLiteral("*.new")},
-                                           QDir::AllEntries | QDir::Hidden),
-                  QStringList());
+        EXPECT_EQ(
+            QDir(Folder()).entryList({".unpacking*", "*-journal", "*.ini.*", "*.new"}, QDir::AllEntries | QDir::Hidden),
+            QStringList());
     }
 
     bool SettingsAreWhole(const QString& file) const {
@@ -43,32 +42,30 @@ TEST_F(ShortageTest, AFullDisk) {
         SCOPED_TRACE(step);
         // From nothing at all to enough for most.
         const int free = step * 600 / steps;
-        auto process = StartOnSmallDisk(4000, FilledBut(free),
-                                        {QStringLiteral("add"), QStringLiteral("400"), QStringLiteral("tag")});
+        auto process = StartOnSmallDisk(4000, FilledBut(free), {"add", "400", "tag"});
         ExpectGoodEnd(*process);
-        EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));
+        EXPECT_EQ(CheckedVersion(), "1.0.0");
 
-        process = StartOnSmallDisk(4000, FilledBut(free), {QStringLiteral("settings"), QStringLiteral("20")});
+        process = StartOnSmallDisk(4000, FilledBut(free), {"settings", "20"});
         ExpectGoodEnd(*process);
-        EXPECT_TRUE(SettingsAreWhole(Path(QStringLiteral("settings.ini"))));
-        EXPECT_TRUE(SettingsAreWhole(Path(QStringLiteral("color_presets/x.ini"))));
+        EXPECT_TRUE(SettingsAreWhole(Path("settings.ini")));
+        EXPECT_TRUE(SettingsAreWhole(Path("color_presets/x.ini")));
 
         RestoreTheOldDatabase();
         const auto before = server_.Requests().size();
-        process = StartOnSmallDisk(4000, FilledBut(free), {QStringLiteral("submit")});
+        process = StartOnSmallDisk(4000, FilledBut(free), {"submit"});
         ExpectGoodEnd(*process);
-        EXPECT_EQ(CheckedVersion(), QStringLiteral("1.0.0"));
+        EXPECT_EQ(CheckedVersion(), "1.0.0");
         ExpectNoRemains();
         ExpectEveryRowSent(before);
 
-        process = StartOnSmallDisk(4000, FilledBut(free), {QStringLiteral("update")});
+        process = StartOnSmallDisk(4000, FilledBut(free), {"update"});
         ExpectGoodEnd(*process);
-        if (CheckedVersion() == QStringLiteral("2.0.0")) {
+        if (CheckedVersion() == "2.0.0") {
             ExpectTheNewDatabase();
             RestoreTheOldDatabase();
         } else {
-            EXPECT_TRUE(process->Text().contains(QStringLiteral("box Failed to")) ||
-                        process->Text().contains(QStringLiteral("failed")))
+            EXPECT_TRUE(process->Text().contains("box Failed to") || process->Text().contains("failed"))
                 << process->Text().toStdString();
         }
         ExpectNoRemains();
@@ -81,7 +78,7 @@ TEST_F(ShortageTest, AFullDisk) {
 TEST_F(ShortageTest, ADiskThatTellsNoFreeSpace) {
     if (!MayMount())
         GTEST_SKIP() << "skipped: this user may not mount file systems";
-    ExpectGoodEnd(*StartOnSmallDisk(0, QStringLiteral("true"), {QStringLiteral("update")}));
+    ExpectGoodEnd(*StartOnSmallDisk(0, "true", {"update"}));
     ExpectTheNewDatabase();
     RestoreTheOldDatabase();
 }
@@ -96,12 +93,11 @@ TEST_F(ShortageTest, ADiskThatFillsWhileItUnpacks) {
             QStringLiteral("(while ! [ -e .unpacking-* ]; do :; done; sleep 0.00%1; exec cat /dev/zero >filler) "
                            "2>/dev/null & true")
                 .arg(round % 10);
-        const auto process = StartOnSmallDisk(4000, filling, {QStringLiteral("update")});
+        const auto process = StartOnSmallDisk(4000, filling, {"update"});
         ExpectGoodEnd(*process);
-        if (CheckedVersion() == QStringLiteral("1.0.0")) {
+        if (CheckedVersion() == "1.0.0") {
             ++kept;
-            EXPECT_TRUE(process->Text().contains(QStringLiteral("box Failed to decompress")))
-                << process->Text().toStdString();
+            EXPECT_TRUE(process->Text().contains("box Failed to decompress")) << process->Text().toStdString();
         } else {
             ExpectTheNewDatabase();
             RestoreTheOldDatabase();
@@ -114,79 +110,56 @@ TEST_F(ShortageTest, ADiskThatFillsWhileItUnpacks) {
 TEST_F(ShortageTest, NothingCanBeWritten) {
     if (!MayMount())
         GTEST_SKIP() << "skipped: this user may not mount file systems";
-    const QString readOnly = QStringLiteral("mount -o remount,ro none .");
-    for (const QStringList& job :
-         {QStringList{QStringLiteral("scan"), QStringLiteral("2")},
-          QStringList{QStringLiteral("add"), QStringLiteral("20")}, QStringList{QStringLiteral("submit")},
-          QStringList{QStringLiteral("update")}, QStringList{QStringLiteral("settings"), QStringLiteral("5")}}) {
+    const QString readOnly = "mount -o remount,ro none .";
+    for (const QStringList& job : {QStringList{"scan", "2"}, QStringList{"add", "20"}, QStringList{"submit"},
+                                   QStringList{"update"}, QStringList{"settings", "5"}}) {
         SCOPED_TRACE(job.first().toStdString());
         const auto process = StartOnSmallDisk(4000, readOnly, job);
         ExpectGoodEnd(*process);
-        EXPECT_EQ(Content(Path(QStringLiteral("hwids.mdb"))), oldDatabase_);
-        EXPECT_FALSE(QFile::exists(Path(QStringLiteral("settings.ini"))));
-        EXPECT_FALSE(QFile::exists(Path(QStringLiteral("new_hardware.txt"))));
+        EXPECT_EQ(Content(Path("hwids.mdb")), oldDatabase_);
+        EXPECT_FALSE(QFile::exists(Path("settings.ini")));
+        EXPECT_FALSE(QFile::exists(Path("new_hardware.txt")));
         ExpectNoRemains();
     }
 }
 
-TEST_F(ShortageTest, FewFileDescriptors) {
-    if (qstrlen(QUORVANE_SANITIZE) != 0)
-        GTEST_SKIP()
-            << "skipped: the sanitizers ask through a pipe whether memory can be read, and take no for a fault";
-    for (int round = 0; round < support::Rounds(2, 40); ++round) {
-        const int files = round * support::Rounds(4, 1);
-        const QString limit = QStringLiteral("QUORVANE_TEST_FILES=%1").arg(files);
-        SCOPED_TRACE(limit.toStdString());
-        const QString tag = QStringLiteral("tag%1").arg(round);
-        for (const QStringList& job :
-             {QStringList{QStringLiteral("scan"), QStringLiteral("2")},
-              QStringList{QStringLiteral("add"), QStringLiteral("10"), tag}, QStringList{QStringLiteral("submit")},
-              QStringList{QStringLiteral("update")}, QStringList{QStringLiteral("settings"), QStringLiteral("5")}}) {
-            SCOPED_TRACE(job.first().toStdString());
-            const auto process = Start(job, {limit});
-            ExpectGoodEnd(*process);
-            const QString version = CheckedVersion();
-            if (version == QStringLiteral("2.0.0")) {
-                ExpectTheNewDatabase();
-                RestoreTheOldDatabase();
-            }
-            EXPECT_TRUE(SettingsAreWhole(Path(QStringLiteral("settings.ini"))));
-            ExpectNoRemains();
-        }
-    }
-    ExpectThatTheProgramStarts();
-}
-
 // Without memory for its own data or its stack, which cannot grow then, a process ends by a signal; it must not take
 // the files with it.
-TEST_F(ShortageTest, LittleMemory) {
+TEST_F(ShortageTest, FewFileDescriptorsOrLittleMemory) {
     if (qstrlen(QUORVANE_SANITIZE) != 0)
-        GTEST_SKIP() << "skipped: the sanitizers need the address space";
-    int survived = 0;
-    int ended = 0;
-    const int steps = support::Rounds(2, 64);
-    for (int step = 0; step < steps; ++step) {
-        const QString limit = QStringLiteral("QUORVANE_TEST_MEMORY=%1").arg(step * 64 / steps);
-        SCOPED_TRACE(limit.toStdString());
-        const QString tag = QStringLiteral("tag%1").arg(step);
-        for (const QStringList& job :
-             {QStringList{QStringLiteral("scan"), QStringLiteral("2")},
-              QStringList{QStringLiteral("add"), QStringLiteral("10"), tag}, QStringList{QStringLiteral("update")},
-              QStringList{QStringLiteral("settings"), QStringLiteral("5")}}) {
-            SCOPED_TRACE(job.first().toStdString());
-            const auto process = Start(job, {limit});
-            EXPECT_TRUE(process->Ends()) << process->Text().toStdString();
-            (process->Status() == 0 ? survived : ended) += 1;
-            const QString version = CheckedVersion();
-            if (version == QStringLiteral("2.0.0")) {
-                ExpectTheNewDatabase();
-                RestoreTheOldDatabase();
+        GTEST_SKIP() << "skipped: the sanitizers need the address space, and a pipe that tells what can be read";
+    struct Shortage {
+        const char* Limit;
+        int Step; // in the short form
+        int Steps;
+        bool Lives;
+    };
+    for (const Shortage& few :
+         {Shortage{"QUORVANE_TEST_FILES=", 4, 40, true}, Shortage{"QUORVANE_TEST_MEMORY=", 32, 64, false}}) {
+        int survived = 0;
+        int ended = 0;
+        for (int step = 0; step < support::Rounds(2, few.Steps); ++step) {
+            const QString limit = few.Limit + QString::number(step * support::Rounds(few.Step, 1));
+            for (const QStringList& job :
+                 {QStringList{"scan", "2"}, QStringList{"add", "10", limit}, QStringList{"submit"},
+                  QStringList{"update"}, QStringList{"settings", "5"}}) {
+                SCOPED_TRACE((limit + ' ' + job.first()).toStdString());
+                const auto process = Start(job, {limit});
+                EXPECT_TRUE(process->Ends()) << process->Text().toStdString();
+                (process->Status() == 0 ? survived : ended) += 1;
+                if (few.Lives)
+                    ExpectGoodEnd(*process);
+                if (CheckedVersion() == "2.0.0") {
+                    ExpectTheNewDatabase();
+                    RestoreTheOldDatabase();
+                }
+                EXPECT_TRUE(SettingsAreWhole(Path("settings.ini")));
+                if (few.Lives)
+                    ExpectNoRemains();
             }
-            EXPECT_TRUE(SettingsAreWhole(Path(QStringLiteral("settings.ini"))));
         }
+        EXPECT_GT(survived, 0);
+        RecordProperty(few.Lives ? "ended for want of files" : "ended for want of memory", ended);
+        ExpectThatTheProgramStarts();
     }
-    EXPECT_GT(survived, 0);
-    RecordProperty("survived", survived);
-    RecordProperty("ended", ended);
-    ExpectThatTheProgramStarts();
 }

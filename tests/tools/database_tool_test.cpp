@@ -38,10 +38,10 @@ class DatabaseToolTest : public testing::Test {
         process.setWorkingDirectory(Folder.path());
         if (!path.isEmpty()) {
             QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-            environment.insert(QStringLiteral("PATH"), path);
+            environment.insert("PATH", path);
             process.setProcessEnvironment(environment);
         }
-        process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quorvane-db"), arguments);
+        process.start(QCoreApplication::applicationDirPath() + "/quorvane-db", arguments);
         process.write(input);
         process.closeWriteChannel();
         EXPECT_TRUE(process.waitForFinished(support::Rounds(30'000, 900'000)));
@@ -52,13 +52,12 @@ class DatabaseToolTest : public testing::Test {
     Result Build(const QByteArray& pciIds, const QByteArray& usbIds) const {
         Write("pci.ids", pciIds);
         Write("usb.ids", usbIds);
-        return Run({QStringLiteral("build"), QStringLiteral("--output"), QStringLiteral("hwids.mdb"),
-                    QStringLiteral("--version=2.0.0"), QStringLiteral("--pci-ids"), QStringLiteral("pci.ids"),
-                    QStringLiteral("--usb-ids"), QStringLiteral("usb.ids")});
+        return Run(
+            {"build", "--output", "hwids.mdb", "--version=2.0.0", "--pci-ids", "pci.ids", "--usb-ids", "usb.ids"});
     }
 
     std::vector<std::string> Export(const char* database = "hwids.mdb") const {
-        const Result result = Run({QStringLiteral("export"), QLatin1String(database)});
+        const Result result = Run({"export", QLatin1String(database)});
         EXPECT_EQ(result.Status, 0) << result.Errors;
         std::vector<std::string> lines;
         for (const QString& line : QString::fromStdString(result.Output).split(u'\n', Qt::SkipEmptyParts)) {
@@ -176,8 +175,7 @@ TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
                               "PCI\\CC_0604|||Bridge|||Maker\r\n"
                               "PCI\\VEN_1&DEV_2|||<script>|||Maker\r\n"
                               "PCI\\VEN_1&DEV_3|||a\x1b[2Jb|||Maker\r\n");
-    const QStringList check{QStringLiteral("check"), QStringLiteral("--db"), QStringLiteral("hwids.mdb"),
-                            QStringLiteral("new_hardware.txt")};
+    const QStringList check{"check", "--db", "hwids.mdb", "new_hardware.txt"};
     const Result checked = Run(check);
     EXPECT_EQ(checked.Status, 3);
     EXPECT_THAT(checked.Output, HasSubstr("new_hardware.txt:2: duplicate: "));
@@ -189,9 +187,8 @@ TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
     EXPECT_THAT(checked.Output, HasSubstr("1 good, 2 malformed, 2 suspicious, 1 duplicate, 1 already known\n"));
 
     const auto before = Export();
-    const QStringList merge{QStringLiteral("merge"), QStringLiteral("--version=2.0.1"), QStringLiteral("hwids.mdb"),
-                            QStringLiteral("new_hardware.txt")};
-    const Result dry = Run(merge + QStringList{QStringLiteral("--dry-run")});
+    const QStringList merge{"merge", "--version=2.0.1", "hwids.mdb", "new_hardware.txt"};
+    const Result dry = Run(merge + QStringList{"--dry-run"});
     EXPECT_THAT(dry.Output, HasSubstr("dry run: 1 added, 2 already known, 4 left out\n"));
     EXPECT_EQ(Export(), before);
 
@@ -201,8 +198,7 @@ TEST_F(DatabaseToolTest, ChecksAndMergesWhatUsersSend) {
     EXPECT_THAT(Export(), ElementsAre("version|||2.0.1", R"(PCI\VEN_1000&DEV_0001|||B|||A)",
                                       "USB\\VID_1234&PID_5678|||Adapter \u2122|||Maker"));
     EXPECT_THAT(Run(merge).Output, HasSubstr("0 added, 3 already known"));
-    EXPECT_THAT(Files(), ElementsAre(QStringLiteral("hwids.mdb"), QStringLiteral("new_hardware.txt"),
-                                     QStringLiteral("pci.ids"), QStringLiteral("usb.ids")));
+    EXPECT_THAT(Files(), ElementsAre("hwids.mdb", "new_hardware.txt", "pci.ids", "usb.ids"));
 }
 
 // Lines as they come, and what becomes of them in check and merge.
@@ -252,7 +248,7 @@ TEST_F(DatabaseToolTest, JudgesEachLine) {
                                QString::fromLatin1(line).toStdString());
     }
     Write("new.txt", text);
-    const Result checked = Run({QStringLiteral("check"), QStringLiteral("--db=hwids.mdb"), QStringLiteral("new.txt")});
+    const Result checked = Run({"check", "--db=hwids.mdb", "new.txt"});
     std::vector<std::string> lines;
     for (const QString& line : QString::fromStdString(checked.Output).split(u'\n', Qt::SkipEmptyParts))
         lines.push_back(line.toStdString());
@@ -260,8 +256,7 @@ TEST_F(DatabaseToolTest, JudgesEachLine) {
     EXPECT_EQ(lines.back(), "5 good, 3 malformed, 13 suspicious, 0 duplicate, 1 already known, 2 under another name");
     lines.pop_back();
     EXPECT_EQ(lines, expected);
-    EXPECT_THAT(Run({QStringLiteral("merge"), QStringLiteral("hwids.mdb"), QStringLiteral("new.txt")}).Output,
-                HasSubstr("\n7 added, 1 already known, 16 left out\n"));
+    EXPECT_THAT(Run({"merge", "hwids.mdb", "new.txt"}).Output, HasSubstr("\n7 added, 1 already known, 16 left out\n"));
     EXPECT_THAT(Export(), Contains("USB\\VID_1&PID_1|||Name||||Maker"));
 }
 
@@ -272,14 +267,13 @@ TEST_F(DatabaseToolTest, MergesIntoRowsOfEveryForm) {
         ids += "\t" + QByteArray::number(i).rightJustified(4, '0') + "  B" + QByteArray::number(i) + "\n";
     ASSERT_EQ(Build(ids, "1000  A\n").Status, 0);
     QProcess sqlite;
-    sqlite.start(QStringLiteral("sqlite3"),
-                 {Path("hwids.mdb"), QStringLiteral("UPDATE hwids SET info = '2,1' WHERE hwid LIKE '%0002';"
-                                                    "UPDATE hwids SET info = NULL WHERE hwid LIKE '%0003'")});
+    sqlite.start("sqlite3", {Path("hwids.mdb"), "UPDATE hwids SET info = '2,1' WHERE hwid LIKE '%0002';"
+                                                "UPDATE hwids SET info = NULL WHERE hwid LIKE '%0003'"});
     ASSERT_TRUE(sqlite.waitForFinished());
     Write("new.txt", "PCI\\VEN_1000&DEV_0011|||B1|||A\r\nPCI\\VEN_1000&DEV_0002|||B3|||A\r\n"
                      "PCI\\VEN_1000&DEV_0002|||B2|||A\r\nPCI\\VEN_1000&DEV_0003|||b3|||a\r\n"
                      "USB\\NEW|||B1|||A\r\nusb\\new|||B2|||A\r\n");
-    const QStringList merge{QStringLiteral("merge"), QStringLiteral("hwids.mdb"), QStringLiteral("new.txt")};
+    const QStringList merge{"merge", "hwids.mdb", "new.txt"};
     EXPECT_THAT(Run(merge).Output, HasSubstr("\n5 added, 1 already known, 0 left out\n"));
     EXPECT_THAT(Run(merge).Output, HasSubstr("0 added, 6 already known, 0 left out\n"));
     const std::vector<std::string> lines = Export();
@@ -306,14 +300,14 @@ TEST_F(DatabaseToolTest, MergesIntoRowsOfEveryForm) {
         failure = Run(merge).Errors;
     }
     EXPECT_EQ(failure, "quorvane-db: hwids.mdb: too many devices under one ID\n");
-    EXPECT_EQ(Run({QStringLiteral("info"), QStringLiteral("hwids.mdb")}).Status, 0);
+    EXPECT_EQ(Run({"info", "hwids.mdb"}).Status, 0);
 }
 
 TEST_F(DatabaseToolTest, ManyLinesTakeLittleTimeAndMemory) {
     const int count = support::Rounds(30'000, 1'000'000);
     constexpr int files = 100;
     ASSERT_EQ(Build("1000  A\n\t0001  B\n", "1000  A\n").Status, 0);
-    QStringList merge{QStringLiteral("merge"), QStringLiteral("hwids.mdb")};
+    QStringList merge{"merge", "hwids.mdb"};
     for (int file = 0; file < files; ++file) {
         QByteArray lines;
         for (int i = file; i < count; i += files)
@@ -348,38 +342,30 @@ TEST_F(DatabaseToolTest, WhatComesThroughAPipeIsReadToItsEnd) {
         contributions += "USB\\VID_1000&PID_" + number + "|||Device " + number + "|||A\r\n";
     }
     Write("usb.ids", "1000  A\n");
-    const Result built = Run({QStringLiteral("build"), QStringLiteral("--output=hwids.mdb"),
-                              QStringLiteral("--pci-ids=/dev/stdin"), QStringLiteral("--usb-ids=usb.ids")},
-                             QString(), ids);
+    const Result built =
+        Run({"build", "--output=hwids.mdb", "--pci-ids=/dev/stdin", "--usb-ids=usb.ids"}, QString(), ids);
     EXPECT_EQ(built.Output, "hwids.mdb: 9000 hardware IDs, 9000 device names, 1 manufacturers\n") << built.Errors;
-    const Result checked = Run({QStringLiteral("check"), QStringLiteral("/dev/stdin")}, QString(), contributions);
+    const Result checked = Run({"check", "/dev/stdin"}, QString(), contributions);
     EXPECT_EQ(checked.Output, "9000 good, 0 malformed, 0 suspicious, 0 duplicate, 0 already known\n");
     EXPECT_EQ(checked.Status, 0) << checked.Errors;
 }
 
 TEST_F(DatabaseToolTest, ImportsAJetFile) {
-    const QStringList import{QStringLiteral("import-jet"), QStringLiteral("--output=new.mdb"),
-                             QStringLiteral("old.mdb")};
+    const QStringList import{"import-jet", "--output=new.mdb", "old.mdb"};
     Write("old.mdb", "no Jet file");
-    EXPECT_EQ(Run(import, QStringLiteral("/nowhere")).Status, 1);
-    if (QStandardPaths::findExecutable(QStringLiteral("mdb-export")).isEmpty())
+    EXPECT_EQ(Run(import, "/nowhere").Status, 1);
+    if (QStandardPaths::findExecutable("mdb-export").isEmpty())
         GTEST_SKIP() << "mdbtools is not installed";
     EXPECT_EQ(Run(import).Status, 1);
 
-    const jet::Table names{QStringLiteral("devicenames"),
-                           {{QStringLiteral("ID"), jet::Type::Long}, {QStringLiteral("devicename"), jet::Type::Text}},
-                           {{7, QStringLiteral("A \"quoted\", name")}, {8, QStringLiteral("Eight \u2122")}}};
-    const jet::Table makers{QStringLiteral("mfgs"),
-                            {{QStringLiteral("ID"), jet::Type::Long}, {QStringLiteral("mfg"), jet::Type::Text}},
-                            {{3, QStringLiteral("Maker")}}};
-    const jet::Table version{
-        QStringLiteral("version"), {{QStringLiteral("dbversion"), jet::Type::Text}}, {{QStringLiteral("3.2.1")}}};
-    jet::Table ids{QStringLiteral("hwids"),
-                   {{QStringLiteral("key"), jet::Type::Long},
-                    {QStringLiteral("hwid"), jet::Type::Text},
-                    {QStringLiteral("info"), jet::Type::Memo}},
-                   {{1, QStringLiteral("PCI\\VEN_1"), QStringLiteral("7,3\r\n8,3\r\n99,3\r\n")},
-                    {2, QStringLiteral("USB\\x"), QStringLiteral("8,3")}}};
+    const jet::Table names{"devicenames",
+                           {{"ID", jet::Type::Long}, {"devicename", jet::Type::Text}},
+                           {{7, "A \"quoted\", name"}, {8, "Eight \u2122"}}};
+    const jet::Table makers{"mfgs", {{"ID", jet::Type::Long}, {"mfg", jet::Type::Text}}, {{3, "Maker"}}};
+    const jet::Table version{"version", {{"dbversion", jet::Type::Text}}, {{"3.2.1"}}};
+    jet::Table ids{"hwids",
+                   {{"key", jet::Type::Long}, {"hwid", jet::Type::Text}, {"info", jet::Type::Memo}},
+                   {{1, "PCI\\VEN_1", "7,3\r\n8,3\r\n99,3\r\n"}, {2, "USB\\x", "8,3"}}};
     Write("old.mdb", jet::File({names, makers, version, ids}));
     // What others have set for mdbtools does not reach it.
     qputenv("MDBICONV", "latin1");
@@ -392,7 +378,7 @@ TEST_F(DatabaseToolTest, ImportsAJetFile) {
 
     // A file that was cut off is not taken for a smaller one.
     for (int i = 0; i < 200; ++i)
-        ids.Rows.push_back({3 + i, QStringLiteral("USB\\VID_1234&PID_%1").arg(i), QStringLiteral("7,3\r\n")});
+        ids.Rows.push_back({3 + i, QStringLiteral("USB\\VID_1234&PID_%1").arg(i), "7,3\r\n"});
     const QByteArray whole = jet::File({names, makers, version, ids});
     Write("old.mdb", whole);
     EXPECT_THAT(Run(import).Output, HasSubstr("202 hardware IDs"));
@@ -401,5 +387,5 @@ TEST_F(DatabaseToolTest, ImportsAJetFile) {
     const Result cut = Run(import);
     EXPECT_EQ(cut.Status, 1);
     EXPECT_THAT(cut.Errors, HasSubstr("table hwids"));
-    EXPECT_THAT(Files(), testing::Not(Contains(QStringLiteral("new.mdb"))));
+    EXPECT_THAT(Files(), testing::Not(Contains("new.mdb")));
 }

@@ -137,8 +137,8 @@ class FaultsTest : public testing::Test {
             contributions += "USB\\VID_1234&PID_" + QByteArray::number(1000 + i) + "|||Adapter " + QByteArray(80, 'a') +
                              QByteArray::number(i) + "|||Maker\r\n";
         Write("new.txt", contributions);
-        ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("sys/bus/pci/devices/0000:00:02.0")));
-        ASSERT_TRUE(QDir(Folder.path()).mkpath(QStringLiteral("bin")));
+        ASSERT_TRUE(QDir(Folder.path()).mkpath("sys/bus/pci/devices/0000:00:02.0"));
+        ASSERT_TRUE(QDir(Folder.path()).mkpath("bin"));
         Write("bin/mdb-export", jetExport);
         Write("bin/mdb-count", jetCount);
         for (const char* program : {"bin/mdb-export", "bin/mdb-count"})
@@ -162,10 +162,10 @@ class FaultsTest : public testing::Test {
         QProcess process;
         process.setWorkingDirectory(Folder.path());
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("PATH"), QCoreApplication::applicationDirPath() + QLatin1Char(':') +
-                                                       Path("bin") + QStringLiteral(":/usr/bin:/bin"));
+        environment.insert("PATH",
+                           QCoreApplication::applicationDirPath() + QLatin1Char(':') + Path("bin") + ":/usr/bin:/bin");
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), line});
+        process.start("/bin/sh", {"-c", line});
         EXPECT_TRUE(process.waitForFinished(60000)) << line.toStdString();
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << line.toStdString();
         return {process.exitCode(), process.readAllStandardOutput().toStdString(),
@@ -230,9 +230,9 @@ TEST_F(FaultsTest, BadOptionsAreRefused) {
         const QString line = QLatin1String(command.Line);
         if (line.contains(QLatin1String("--help")) || line.contains(QLatin1String("--version")))
             continue;
-        ExpectRefused(line + QStringLiteral(" --frobnicate"), 2);
-        ExpectRefused(line + QStringLiteral(" --output"), 2);
-        ExpectRefused(line + QStringLiteral(" -x"), 2);
+        ExpectRefused(line + " --frobnicate", 2);
+        ExpectRefused(line + " --output", 2);
+        ExpectRefused(line + " -x", 2);
         // Without its arguments; a list needs none.
         if (!line.startsWith(QLatin1String("quorvane-list")))
             ExpectRefused(line.section(QLatin1Char(' '), 0, 1), 2);
@@ -299,7 +299,7 @@ TEST_F(FaultsTest, TextThatNobodyGetsIsAFailure) {
             EXPECT_EQ(result.Status, 1) << line.toStdString() << " " << output;
             ExpectOneLine(result, line);
             if (QFile::exists(Path("out.mdb"))) {
-                EXPECT_EQ(Run(QStringLiteral("quorvane-db info out.mdb")).Status, 0);
+                EXPECT_EQ(Run("quorvane-db info out.mdb").Status, 0);
             }
             RemoveOutputs();
             EXPECT_TRUE(Contents() == before) << line.toStdString() << " " << output;
@@ -309,16 +309,16 @@ TEST_F(FaultsTest, TextThatNobodyGetsIsAFailure) {
 
 // Disks of every size from nothing to enough: the command fails in one line and the disk is as it was, or it is done.
 TEST_F(FaultsTest, AFullDiskLeavesNothingHalfWritten) {
-    if (Run(QStringLiteral("unshare -m sh -c 'mkdir disk && mount -t tmpfs none disk'")).Status != 0)
+    if (Run("unshare -m sh -c 'mkdir disk && mount -t tmpfs none disk'").Status != 0)
         GTEST_SKIP() << "no disk of a chosen size can be mounted";
     // A machine whose file fills more than the smallest disk.
     ASSERT_EQ(Run("for i in $(seq 300); do d=many/bus/pci/devices/0000:00:02.$i; mkdir -p $d;"
                   "head -c 40 /dev/urandom | od -An -tx1 | tr -d ' \\n' >$d/vendor; done")
                   .Status,
               0);
-    const QString onDisk = QStringLiteral("unshare -m sh -c 'mount -t tmpfs -o size=%1k none disk || exit 99;"
-                                          "%2 %3; s=$?; ls -A disk >listing; [ ! -e disk/hwids.mdb ] ||"
-                                          " cmp -s hwids.mdb disk/hwids.mdb || echo changed >>listing; exit $s'");
+    const QString onDisk = "unshare -m sh -c 'mount -t tmpfs -o size=%1k none disk || exit 99;"
+                           "%2 %3; s=$?; ls -A disk >listing; [ ! -e disk/hwids.mdb ] ||"
+                           " cmp -s hwids.mdb disk/hwids.mdb || echo changed >>listing; exit $s'";
     struct Row {
         const char* Prepare;
         const char* Line;

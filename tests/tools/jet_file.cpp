@@ -178,12 +178,12 @@ QByteArray Head() {
 } // namespace
 
 QByteArray File(const std::vector<Table>& tables) {
-    Table catalog{QStringLiteral("MSysObjects"),
-                  {{QStringLiteral("Id"), Type::Long},
-                   {QStringLiteral("Name"), Type::Text},
-                   {QStringLiteral("Type"), Type::Integer},
-                   {QStringLiteral("Flags"), Type::Long},
-                   {QStringLiteral("LvProp"), Type::Memo}},
+    Table catalog{"MSysObjects",
+                  {{"Id", Type::Long},
+                   {"Name", Type::Text},
+                   {"Type", Type::Integer},
+                   {"Flags", Type::Long},
+                   {"LvProp", Type::Memo}},
                   {}};
     QByteArrayList maps = {PageMap(catalogPage + 1, 1)};
     QByteArray body;

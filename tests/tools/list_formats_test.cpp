@@ -16,7 +16,7 @@ class ListFormatsTest : public testing::Test {
   protected:
     void SetUp() override { inventory::AddDeviceColumns(list_); }
 
-    void Add(const QString& name, const QString& errorCode = QStringLiteral("(0) OK"), const QString& ids = QString()) {
+    void Add(const QString& name, const QString& errorCode = "(0) OK", const QString& ids = QString()) {
         suite::ListItem* row = list_.Add(name);
         row->SetSubItems(inventory::ErrorCodeColumn, errorCode);
         row->SetSubItems(inventory::HardwareIdsColumn, ids);
@@ -45,7 +45,7 @@ TEST_F(ListFormatsTest, JsonStaysValidWhateverTheTextsHold) {
     Add(QChar(0xDC00) + QStringLiteral("c") + QString::fromUcs4(U"\U0001F5A8"));
     const QJsonArray rows = Json();
     ASSERT_EQ(rows.size(), 3);
-    const auto name = [&rows](int row) { return rows[row].toObject().value(QStringLiteral("name")).toString(); };
+    const auto name = [&rows](int row) { return rows[row].toObject().value("name").toString(); };
     EXPECT_TRUE(name(0) == every);
     EXPECT_EQ(name(1).toStdString(), "a\\\"b\uFFFD");
     EXPECT_EQ(name(2).toStdString(), "\uFFFDc\U0001F5A8");
@@ -57,30 +57,25 @@ TEST_F(ListFormatsTest, JsonStaysValidWhateverTheTextsHold) {
 }
 
 TEST_F(ListFormatsTest, JsonGivesNumbersAndArrays) {
-    Add(QStringLiteral("A"), QStringLiteral("(28) Drivers are not installed"), QStringLiteral("PCI\\X&Y|PCI\\X|"));
-    Add(QStringLiteral("B"), QStringLiteral("() Unknown Error"));
-    const std::vector<Matches> matches = {{{QStringLiteral("N, 1"), QStringLiteral("M"), QStringLiteral("PCI\\X")},
-                                           {QStringLiteral("N2"), QStringLiteral("M2"), QStringLiteral("PCI\\Z")}},
-                                          {}};
+    Add("A", "(28) Drivers are not installed", "PCI\\X&Y|PCI\\X|");
+    Add("B", "() Unknown Error");
+    const std::vector<Matches> matches = {{{"N, 1", "M", "PCI\\X"}, {"N2", "M2", "PCI\\Z"}}, {}};
     const QJsonArray rows = Json(&matches);
     const QJsonObject first = rows[0].toObject();
-    EXPECT_EQ(first.value(QStringLiteral("problem_code")).toInt(), 28);
-    EXPECT_EQ(first.value(QStringLiteral("hardware_ids")).toArray(),
-              QJsonArray({QStringLiteral("PCI\\X&Y"), QStringLiteral("PCI\\X")}));
-    EXPECT_EQ(first.value(QStringLiteral("matches")).toArray().at(1).toObject(),
-              QJsonObject({{QStringLiteral("name"), QStringLiteral("N2")},
-                           {QStringLiteral("manufacturer"), QStringLiteral("M2")},
-                           {QStringLiteral("hardware_id"), QStringLiteral("PCI\\Z")}}));
-    EXPECT_TRUE(rows[1].toObject().value(QStringLiteral("problem_code")).isNull());
-    EXPECT_TRUE(rows[1].toObject().value(QStringLiteral("hardware_ids")).toArray().isEmpty());
-    EXPECT_FALSE(Json()[0].toObject().contains(QStringLiteral("matches")));
+    EXPECT_EQ(first.value("problem_code").toInt(), 28);
+    EXPECT_EQ(first.value("hardware_ids").toArray(), QJsonArray({"PCI\\X&Y", "PCI\\X"}));
+    EXPECT_EQ(first.value("matches").toArray().at(1).toObject(),
+              QJsonObject({{"name", "N2"}, {"manufacturer", "M2"}, {"hardware_id", "PCI\\Z"}}));
+    EXPECT_TRUE(rows[1].toObject().value("problem_code").isNull());
+    EXPECT_TRUE(rows[1].toObject().value("hardware_ids").toArray().isEmpty());
+    EXPECT_FALSE(Json()[0].toObject().contains("matches"));
 
     list_.Clear();
     EXPECT_TRUE(Json().isEmpty());
 }
 
 TEST_F(ListFormatsTest, ATableStandsInColumnsAndMovesNoCursor) {
-    Add(QStringLiteral("a\x1b[2J\r\n\u202E"), QStringLiteral("(0) OK"), QStringLiteral("X|Y|"));
+    Add("a\x1b[2J\r\n\u202E", "(0) OK", "X|Y|");
     Add(QString::fromUcs4(U"\U0001F5A8"));
     EXPECT_EQ(list_tool::TableText({list_}).toStdString(),
               "Name      Manufacturer  Error Code  Class  Driver Version  Hardware ID  Driver  Fitting Module  Place\n"

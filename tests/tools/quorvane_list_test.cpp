@@ -25,7 +25,7 @@ Result RunTool(const QStringList& arguments) {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         environment.remove(QString::fromLatin1(name));
     process.setProcessEnvironment(environment);
-    process.start(QCoreApplication::applicationDirPath() + QStringLiteral("/quorvane-list"), arguments);
+    process.start(QCoreApplication::applicationDirPath() + "/quorvane-list", arguments);
     EXPECT_TRUE(process.waitForFinished(60000));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
@@ -44,31 +44,30 @@ constexpr char Machine[] = R"(
   class = 0x030000
 )";
 
-const QString Header = QStringLiteral("Name,Manufacturer,Error Code,Class,Driver Version,Hardware IDs\r\n");
-const QString Video = QStringLiteral("Video Controller (VGA Compatible),Unknown,(28) Drivers are not installed,"
-                                     "Display adapters,Unknown,PCI\\VEN_FFF0&DEV_0002&SUBSYS_00000000|"
-                                     "PCI\\VEN_FFF0&DEV_0002&CC_030000|PCI\\VEN_FFF0&DEV_0002&CC_0300|"
-                                     "PCI\\VEN_FFF0&DEV_0002|\r\n");
+const QString Header = "Name,Manufacturer,Error Code,Class,Driver Version,Hardware IDs\r\n";
+const QString Video = "Video Controller (VGA Compatible),Unknown,(28) Drivers are not installed,"
+                      "Display adapters,Unknown,PCI\\VEN_FFF0&DEV_0002&SUBSYS_00000000|"
+                      "PCI\\VEN_FFF0&DEV_0002&CC_030000|PCI\\VEN_FFF0&DEV_0002&CC_0300|"
+                      "PCI\\VEN_FFF0&DEV_0002|\r\n";
 
 } // namespace
 
 TEST(QuorvaneList, PrintsTheListsOfATree) {
     const DeviceFixture fixture(Machine);
     const auto list = [&fixture](const char* name) {
-        return RunTool({QStringLiteral("--root"), fixture.Root(), QStringLiteral("--list"), QString::fromLatin1(name)});
+        return RunTool({"--root", fixture.Root(), "--list", QString::fromLatin1(name)});
     };
-    const Result hardware = RunTool({QStringLiteral("--root=") + fixture.Root()});
+    const Result hardware = RunTool({"--root=" + fixture.Root()});
     EXPECT_EQ(hardware.status, 0);
-    EXPECT_TRUE(hardware.output.startsWith(Header + QStringLiteral("PCI standard host CPU bridge,")))
-        << Plain(hardware.output);
+    EXPECT_TRUE(hardware.output.startsWith(Header + "PCI standard host CPU bridge,")) << Plain(hardware.output);
     EXPECT_TRUE(hardware.output.endsWith(Video));
     EXPECT_EQ(hardware.errors, QString());
     EXPECT_EQ(Plain(list("hardware").output), Plain(hardware.output));
     for (const char* name : {"nodrivers", "problems", "nosystem"})
         EXPECT_EQ(Plain(list(name).output), Plain(Header + Video)) << name;
     const QString all = list("all").output;
-    EXPECT_TRUE(all.startsWith(QStringLiteral("All Hardware (2)\r\n") + hardware.output));
-    EXPECT_TRUE(all.endsWith(QStringLiteral("All Except Standard System Devices (1)\r\n") + Header + Video));
+    EXPECT_TRUE(all.startsWith("All Hardware (2)\r\n" + hardware.output));
+    EXPECT_TRUE(all.endsWith("All Except Standard System Devices (1)\r\n" + Header + Video));
 }
 
 // The device is found under its third ID, by two names; the database knows the vendor's other device alone under a
@@ -77,36 +76,34 @@ TEST(QuorvaneList, AddsTheBestMatches) {
     const DeviceFixture fixture(Machine);
     database::DatabaseBuilder builder;
     for (const char* name : {"One", "Two"})
-        builder.Add(QStringLiteral("pci\\ven_fff0&dev_0002&cc_0300"), QString::fromLatin1(name),
-                    QStringLiteral("Maker"));
-    builder.Add(QStringLiteral("PCI\\VEN_FFF0&DEV_0002"), QStringLiteral("Less"), QStringLiteral("Maker"));
-    builder.Add(QStringLiteral("PCI\\VEN_FFF0&DEV_0003&SUBSYS_00000000"), QStringLiteral("Other"), QString());
-    const QString path = fixture.Beside(QStringLiteral("own.mdb"));
+        builder.Add("pci\\ven_fff0&dev_0002&cc_0300", QString::fromLatin1(name), "Maker");
+    builder.Add("PCI\\VEN_FFF0&DEV_0002", "Less", "Maker");
+    builder.Add("PCI\\VEN_FFF0&DEV_0003&SUBSYS_00000000", "Other", QString());
+    const QString path = fixture.Beside("own.mdb");
     QString error;
-    ASSERT_TRUE(builder.Write(path, QStringLiteral("1.0.0"), &error)) << Plain(error);
+    ASSERT_TRUE(builder.Write(path, "1.0.0", &error)) << Plain(error);
     const auto run = [&](const QStringList& more) {
-        return RunTool(QStringList{QStringLiteral("--root"), fixture.Root(), QStringLiteral("--db"), path} + more);
+        return RunTool(QStringList{"--root", fixture.Root(), "--db", path} + more);
     };
-    const Result json = run({QStringLiteral("--list=all"), QStringLiteral("--format=json")});
+    const Result json = run({"--list=all", "--format=json"});
     EXPECT_EQ(json.status, 0) << Plain(json.errors);
     const QJsonObject lists = QJsonDocument::fromJson(json.output.toUtf8()).object();
     EXPECT_EQ(lists.keys().join(u' ').toStdString(), "hardware nodrivers nosystem problems");
-    const QJsonArray hardware = lists.value(QStringLiteral("hardware")).toArray();
+    const QJsonArray hardware = lists.value("hardware").toArray();
     ASSERT_EQ(hardware.size(), 2);
     const auto value = [&hardware](int row, const char* key) {
         return hardware[row].toObject().value(QLatin1String(key));
     };
     EXPECT_TRUE(value(0, "matches").toArray().isEmpty());
     EXPECT_EQ(value(1, "matches").toArray().size(), 2);
-    EXPECT_EQ(value(1, "bus").toString() + value(1, "address").toString(), QStringLiteral("pci0000:00:02.0"));
+    EXPECT_EQ(value(1, "bus").toString() + value(1, "address").toString(), "pci0000:00:02.0");
     EXPECT_TRUE(value(1, "driver").isNull() && value(1, "module").isNull());
-    EXPECT_EQ(value(0, "driver").toString(), QStringLiteral("own"));
-    const QString csv = run({QStringLiteral("--lookup"), QStringLiteral("--list"), QStringLiteral("problems")}).output;
+    EXPECT_EQ(value(0, "driver").toString(), "own");
+    const QString csv = run({"--lookup", "--list", "problems"}).output;
     EXPECT_TRUE(csv.endsWith(
-        Video.chopped(2) +
-        QStringLiteral(",One|Two|,Maker|Maker|,pci\\ven_fff0&dev_0002&cc_0300|pci\\ven_fff0&dev_0002&cc_0300|\r\n")))
+        Video.chopped(2) + ",One|Two|,Maker|Maker|,pci\\ven_fff0&dev_0002&cc_0300|pci\\ven_fff0&dev_0002&cc_0300|\r\n"))
         << Plain(csv);
-    EXPECT_EQ(run({QStringLiteral("--format=table")}).output.count(QLatin1Char('\n')), 3);
+    EXPECT_EQ(run({"--format=table"}).output.count(QLatin1Char('\n')), 3);
 }
 
 TEST(QuorvaneList, TellsWhatItIs) {
@@ -120,12 +117,11 @@ TEST(QuorvaneList, TellsWhatItIs) {
 // A folder without devices in it is told from one that cannot hold any, which names the one beside it that can.
 TEST(QuorvaneList, TellsWhichFolderIsMeant) {
     const DeviceFixture fixture;
-    const auto list = [](const QString& root) { return RunTool({QStringLiteral("--root"), root}); };
+    const auto list = [](const QString& root) { return RunTool({"--root", root}); };
     const Result none = list(fixture.Root());
     EXPECT_EQ(none.status, 2);
-    EXPECT_TRUE(none.errors.endsWith(QStringLiteral("sys\" holds neither \"bus\" nor \"class\"\n")))
-        << Plain(none.errors);
-    ASSERT_TRUE(QDir().mkpath(fixture.Root() + QStringLiteral("/class")));
+    EXPECT_TRUE(none.errors.endsWith("sys\" holds neither \"bus\" nor \"class\"\n")) << Plain(none.errors);
+    ASSERT_TRUE(QDir().mkpath(fixture.Root() + "/class"));
     const Result empty = list(fixture.Root());
     EXPECT_EQ(empty.status, 0);
     EXPECT_EQ(Plain(empty.output), Plain(Header));
@@ -137,14 +133,13 @@ TEST(QuorvaneList, TellsWhichFolderIsMeant) {
 
 TEST(QuorvaneList, ReadsWhatItHasSaved) {
     const DeviceFixture fixture(Machine);
-    const QString file = fixture.Beside(QStringLiteral("saved.tar.xz"));
-    const Result saved = RunTool({QStringLiteral("--root"), fixture.Root(), QStringLiteral("--save"), file});
+    const QString file = fixture.Beside("saved.tar.xz");
+    const Result saved = RunTool({"--root", fixture.Root(), "--save", file});
     EXPECT_EQ(saved.status, 0) << Plain(saved.errors);
     EXPECT_EQ(Plain(saved.output), "");
     for (const char* format : {"csv", "json", "table"}) {
         const auto list = [format](const QString& root) {
-            return RunTool({QStringLiteral("--list=all"), QStringLiteral("--root"), root, QStringLiteral("--format"),
-                            QString::fromLatin1(format)});
+            return RunTool({"--list=all", "--root", root, "--format", QString::fromLatin1(format)});
         };
         const Result of = list(file);
         EXPECT_EQ(of.status, 0) << Plain(of.errors);

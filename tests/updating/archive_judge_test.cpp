@@ -55,9 +55,9 @@ class SignedArchiveTest : public testing::Test {
     }
 
     bool IsGood(const QString& trusted, const QStringList& more = {}) const {
-        QList<net::UnpackedFile> files = {{QStringLiteral("hwids.mdb"), Path("new")}};
+        QList<net::UnpackedFile> files = {{"hwids.mdb", Path("new")}};
         if (QFile::exists(Path("signature")))
-            files.append({QStringLiteral("Hwids.sig.txt"), Path("signature")});
+            files.append({"Hwids.sig.txt", Path("signature")});
         for (const QString& name : more)
             files.append({name, Path("new")});
         const bool good = updating::IsArchiveGood(files, trusted, folder_.path(), [] { return false; });
@@ -72,9 +72,9 @@ class SignedArchiveTest : public testing::Test {
 };
 
 TEST_F(SignedArchiveTest, ASignatureByATrustedKeyIsAskedFor) {
-    MakeDatabase("hwids.mdb", QStringLiteral("2.5.0"));
-    MakeDatabase("new", QStringLiteral("2.5.1"));
-    MakeDatabase("other", QStringLiteral("2.5.2"));
+    MakeDatabase("hwids.mdb", "2.5.0");
+    MakeDatabase("new", "2.5.1");
+    MakeDatabase("other", "2.5.2");
     const QByteArray good = SignatureOf("new", {ours_});
     const QByteArray line = good.sliced(good.indexOf('\n') + 1);
     QByteArray turned = good;
@@ -107,12 +107,12 @@ TEST_F(SignedArchiveTest, ASignatureByATrustedKeyIsAskedFor) {
         EXPECT_EQ(IsGood(Text({ours_})), tried.good) << tried.what;
         EXPECT_EQ(IsGood(Text({ours_, before_})), tried.goodBefore) << tried.what;
         EXPECT_TRUE(IsGood(QString())) << tried.what << ": a build without a key asks for none";
-        EXPECT_FALSE(IsGood(QStringLiteral("no key"))) << tried.what << ": a key that is none trusts nobody";
+        EXPECT_FALSE(IsGood("no key")) << tried.what << ": a key that is none trusts nobody";
     }
     Write("signature", good);
-    EXPECT_FALSE(IsGood(Text({ours_}), {QStringLiteral("readme.txt")})) << "what is not signed";
-    EXPECT_FALSE(IsGood(Text({ours_}), {QStringLiteral("z.mdb")}));
-    EXPECT_TRUE(IsGood(QString(), {QStringLiteral("readme.txt"), QStringLiteral("z.mdb")}));
+    EXPECT_FALSE(IsGood(Text({ours_}), {"readme.txt"})) << "what is not signed";
+    EXPECT_FALSE(IsGood(Text({ours_}), {"z.mdb"}));
+    EXPECT_TRUE(IsGood(QString(), {"readme.txt", "z.mdb"}));
     QFile::remove(Path("signature"));
     EXPECT_FALSE(IsGood(Text({ours_}))) << "unsigned";
     EXPECT_TRUE(IsGood(QString()));
@@ -135,7 +135,7 @@ TEST_F(SignedArchiveTest, AnOldDatabaseDoesNotComeBack) {
         EXPECT_TRUE(IsGood(QString()));
     }
     QFile::remove(Path("hwids.mdb"));
-    MakeDatabase("new", QStringLiteral("1.0.0"));
+    MakeDatabase("new", "1.0.0");
     Write("signature", SignatureOf("new", {ours_}));
     EXPECT_TRUE(IsGood(Text({ours_}))) << "nothing there";
 }
@@ -161,7 +161,7 @@ TEST_F(SignedArchiveTest, KeyFilesOfAnyOtherKindAreRefused) {
           "pkey -in ours -pubout -out public.pem", "pkey -in ours -aes256 -passout pass:x -out locked"}) {
         QProcess tool;
         tool.setWorkingDirectory(folder_.path());
-        tool.start(QStringLiteral("openssl"), QProcess::splitCommand(QString::fromLatin1(command)));
+        tool.start("openssl", QProcess::splitCommand(QString::fromLatin1(command)));
         ASSERT_TRUE(tool.waitForFinished() && tool.exitCode() == 0) << tool.readAllStandardError().constData();
     }
     for (const char* name : {"none", "pipe", "link", "readable", "empty", "text", "public", "large", "rsa", "ed448",
@@ -176,12 +176,11 @@ TEST_F(SignedArchiveTest, KeyFilesOfAnyOtherKindAreRefused) {
 
 // Another maker of signatures agrees: the message is a line and the file's SHA-512.
 TEST_F(SignedArchiveTest, IsWhatOpensslMakes) {
-    MakeDatabase("new", QStringLiteral("1.0.0"));
+    MakeDatabase("new", "1.0.0");
     Write("message", signing::MessageOf(Path("new")));
     QProcess tool;
     tool.setWorkingDirectory(folder_.path());
-    tool.start(QStringLiteral("openssl"),
-               QProcess::splitCommand(QStringLiteral("pkeyutl -sign -inkey ours -rawin -in message -out signed")));
+    tool.start("openssl", {"pkeyutl", "-sign", "-inkey", "ours", "-rawin", "-in", "message", "-out", "signed"});
     ASSERT_TRUE(tool.waitForFinished() && tool.exitCode() == 0) << tool.readAllStandardError().constData();
     QFile made(Path("signed"));
     ASSERT_TRUE(made.open(QIODevice::ReadOnly));

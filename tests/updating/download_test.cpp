@@ -26,7 +26,7 @@ using updating::DownLoadControl;
 class DownloadTest : public testing::Test {
   protected:
     DownloadTest() {
-        control_.SetURL(server_.Url(QStringLiteral("/hwids.7z")));
+        control_.SetURL(server_.Url("/hwids.7z"));
         control_.SetSaveLocation(target_);
         const auto tell = [this](const std::string& text) { events_.push_back(text); };
         using D = DownLoadControl;
@@ -61,7 +61,7 @@ class DownloadTest : public testing::Test {
     }
 
     QByteArray Saved() const {
-        QFile file(folder_.filePath(QStringLiteral("hwids.7z")));
+        QFile file(folder_.filePath("hwids.7z"));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
     }
 
@@ -70,7 +70,7 @@ class DownloadTest : public testing::Test {
 
     ScriptedServer server_;
     QTemporaryDir folder_;
-    const QString target_ = folder_.path() + QStringLiteral("\\hwids.7z");
+    const QString target_ = folder_.path() + "\\hwids.7z";
     QDateTime now_{QDate(2024, 5, 6), QTime(12, 0)};
     DownLoadControl control_;
     std::vector<std::string> events_;
@@ -99,7 +99,7 @@ TEST_F(DownloadTest, AWholeTransferRaisesItsEventsInOrder) {
 }
 
 TEST_F(DownloadTest, ALastChunkOfOneByteEndsTheLoopAndAnOldTargetIsReplaced) {
-    QFile old(folder_.filePath(QStringLiteral("hwids.7z")));
+    QFile old(folder_.filePath("hwids.7z"));
     ASSERT_TRUE(old.open(QIODevice::WriteOnly));
     old.write(QByteArray(5000, 'o'));
     old.close();
@@ -161,7 +161,7 @@ TEST_F(DownloadTest, ABrokenTransferIsReportedAndLeavesWhatCame) {
 }
 
 TEST_F(DownloadTest, ATargetThatCannotBeWrittenFails) {
-    control_.SetSaveLocation(folder_.path() + QStringLiteral("\\none\\hwids.7z"));
+    control_.SetSaveLocation(folder_.path() + "\\none\\hwids.7z");
     GetAndDownLoad(Reply(200, "body"));
     EXPECT_THAT(events_, ElementsAre(ErrorFrom(), aborted, "code 1"));
     EXPECT_FALSE(control_.InDL());
@@ -295,10 +295,10 @@ TEST_F(DownloadTest, TheConnectionTestComesFirstWhereItIsAskedFor) {
 
 TEST_F(DownloadTest, KeepTypeTakesTheAddressesExtension) {
     control_.SetKeepType(true);
-    control_.SetSaveLocation(folder_.path() + QStringLiteral("\\hwids.tmp"));
+    control_.SetSaveLocation(folder_.path() + "\\hwids.tmp");
     GetAndDownLoad(Reply(200, "body"));
     EXPECT_EQ(Saved(), "body");
-    control_.SetSaveLocation(folder_.path() + QStringLiteral("\\no_dot_at_all"));
+    control_.SetSaveLocation(folder_.path() + "\\no_dot_at_all");
     GetAndDownLoad(Reply(200, "body"));
     EXPECT_EQ(events_.back(), "code 1");
 }
@@ -316,20 +316,20 @@ TEST(DownloadPropertiesTest, PersistUnderTheirKeysWithoutDefaults) {
     control.WriteProperties(empty);
     EXPECT_EQ(empty.Count(), 0);
     EXPECT_EQ(control.CHUNK(), 1024);
-    EXPECT_EQ(control.SaveLocation(), QStringLiteral("C:\\File1.tmp"));
+    EXPECT_EQ(control.SaveLocation(), "C:\\File1.tmp");
     QStringList changed;
     QObject::connect(&control, &DownLoadControl::PropertyChanged, [&changed](const QString& name) { changed += name; });
-    control.SetURL(QStringLiteral("http://x/"));
+    control.SetURL("http://x/");
     control.SetCHUNK(512);
     control.SetKeepType(true);
     control.SetROLLBACK(77);
-    EXPECT_EQ(changed, (QStringList{QStringLiteral("Url"), QStringLiteral("CHUNK"), QStringLiteral("KeepType")}));
+    EXPECT_EQ(changed, (QStringList{"Url", "CHUNK", "KeepType"}));
     base::PropertyBag bag;
     control.WriteProperties(bag);
     EXPECT_EQ(bag.Count(), 3);
     DownLoadControl other;
     other.ReadProperties(bag);
-    EXPECT_EQ(other.URL(), QStringLiteral("http://x/"));
+    EXPECT_EQ(other.URL(), "http://x/");
     EXPECT_EQ(other.CHUNK(), 512);
     EXPECT_TRUE(other.KeepType());
     EXPECT_EQ(other.ROLLBACK(), 0);

@@ -51,44 +51,44 @@ TEST(VersionCompareTest, ComparesThreeFieldsAsPaddedText) {
 }
 
 TEST(VersionCompareTest, ReadsTheVersionBehindTheColon) {
-    EXPECT_EQ(updating::VersionInCaption(QStringLiteral("Database Version: 2.5.0 ")), QStringLiteral("2.5.0"));
-    EXPECT_EQ(updating::VersionInCaption(QStringLiteral("Database Version: 2:5")), QStringLiteral("2"));
-    EXPECT_EQ(updating::VersionInCaption(QStringLiteral("Database Version")), QString());
+    EXPECT_EQ(updating::VersionInCaption("Database Version: 2.5.0 "), "2.5.0");
+    EXPECT_EQ(updating::VersionInCaption("Database Version: 2:5"), "2");
+    EXPECT_EQ(updating::VersionInCaption("Database Version"), QString());
     EXPECT_EQ(updating::VersionInCaption(QString()), QString());
 }
 
 TEST(DownloadFormatsTest, RatesTimesAndSizesWithTheirGaps) {
-    EXPECT_EQ(updating::FormatRate(1023), QStringLiteral("1023 Bytes/s"));
-    EXPECT_EQ(updating::FormatRate(0.4), QStringLiteral("0 Bytes/s"));
-    EXPECT_EQ(updating::FormatRate(1024), QStringLiteral("1.00 KB/s"));
-    EXPECT_EQ(updating::FormatRate(1048576), QStringLiteral("1024.00 KB/s"));
-    EXPECT_EQ(updating::FormatRate(1048577), QStringLiteral("1.00 MB/s"));
-    EXPECT_EQ(updating::FormatRate(1023.5), QStringLiteral("0.00 MB/s"));
-    EXPECT_EQ(updating::FormatRate(-3145728), QStringLiteral("-3.00 MB/s"));
-    EXPECT_EQ(updating::FormatTimeLeft(0), QStringLiteral("0 sec"));
-    EXPECT_EQ(updating::FormatTimeLeft(59), QStringLiteral("59 sec"));
-    EXPECT_EQ(updating::FormatTimeLeft(60), QStringLiteral("1 min 0 sec"));
-    EXPECT_EQ(updating::FormatTimeLeft(150.5F), QStringLiteral("2 min 30 sec"));
-    EXPECT_EQ(updating::FormatTimeLeft(3599), QStringLiteral("59 min 59 sec"));
-    EXPECT_EQ(updating::FormatTimeLeft(3600), QStringLiteral("1 hr 0 min"));
-    EXPECT_EQ(updating::FormatTimeLeft(5400), QStringLiteral("1 hr 30 min"));
-    EXPECT_EQ(updating::FormatTimeLeft(59.5F), QStringLiteral("0 hr 1 min"));
-    EXPECT_EQ(updating::FormatTransferSize(1023), QStringLiteral("1023"));
-    EXPECT_EQ(updating::FormatTransferSize(1024), QStringLiteral("1.00 KB"));
-    EXPECT_EQ(updating::FormatTransferSize(1048576), QStringLiteral("1024.00 KB"));
-    EXPECT_EQ(updating::FormatTransferSize(1048577), QStringLiteral("1.00 MB"));
+    EXPECT_EQ(updating::FormatRate(1023), "1023 Bytes/s");
+    EXPECT_EQ(updating::FormatRate(0.4), "0 Bytes/s");
+    EXPECT_EQ(updating::FormatRate(1024), "1.00 KB/s");
+    EXPECT_EQ(updating::FormatRate(1048576), "1024.00 KB/s");
+    EXPECT_EQ(updating::FormatRate(1048577), "1.00 MB/s");
+    EXPECT_EQ(updating::FormatRate(1023.5), "0.00 MB/s");
+    EXPECT_EQ(updating::FormatRate(-3145728), "-3.00 MB/s");
+    EXPECT_EQ(updating::FormatTimeLeft(0), "0 sec");
+    EXPECT_EQ(updating::FormatTimeLeft(59), "59 sec");
+    EXPECT_EQ(updating::FormatTimeLeft(60), "1 min 0 sec");
+    EXPECT_EQ(updating::FormatTimeLeft(150.5F), "2 min 30 sec");
+    EXPECT_EQ(updating::FormatTimeLeft(3599), "59 min 59 sec");
+    EXPECT_EQ(updating::FormatTimeLeft(3600), "1 hr 0 min");
+    EXPECT_EQ(updating::FormatTimeLeft(5400), "1 hr 30 min");
+    EXPECT_EQ(updating::FormatTimeLeft(59.5F), "0 hr 1 min");
+    EXPECT_EQ(updating::FormatTransferSize(1023), "1023");
+    EXPECT_EQ(updating::FormatTransferSize(1024), "1.00 KB");
+    EXPECT_EQ(updating::FormatTransferSize(1048576), "1024.00 KB");
+    EXPECT_EQ(updating::FormatTransferSize(1048577), "1.00 MB");
 }
 
 class UpdateCheckTest : public testing::Test {
   protected:
     UpdateCheckTest() : addresses_(values::ServerAddresses()), program_(values::Program()) {
         values::ServerAddresses().UpdateHost = server_.Url();
-        values::Program().ProgramVersion = QStringLiteral("2.5.0");
+        values::Program().ProgramVersion = "2.5.0";
         view_.SetOnlineVersion = [this](const QString& text) { told_ += text + QChar(u'|'); };
         view_.SetAvailable = [this](const QString& text, int colour) {
             told_ += text + QStringLiteral("#%1|").arg(colour);
         };
-        view_.EnableButton = [this](bool on) { told_ += on ? QStringLiteral("on") : QStringLiteral("off"); };
+        view_.EnableButton = [this](bool on) { told_ += on ? "on" : "off"; };
     }
     ~UpdateCheckTest() override {
         values::ServerAddresses() = addresses_;
@@ -105,16 +105,15 @@ class UpdateCheckTest : public testing::Test {
     QString Database(const Answer& answer) {
         told_.clear();
         server_.SetAnswer("/files/updates/quorvane/database_v1.htm", answer);
-        updating::CheckForDatabaseUpdate(inet_, QStringLiteral("Database Version: 2.5.0"), view_);
+        updating::CheckForDatabaseUpdate(inet_, "Database Version: 2.5.0", view_);
         return told_;
     }
 
     QString Silent(const Answer& answer) {
         told_.clear();
         server_.SetAnswer("/files/updates/quorvane/database_v1.htm", answer);
-        updating::CheckForDatabaseUpdateSilent(inet_, QStringLiteral("Database Version: 2.5.0"), [this](bool visible) {
-            told_ += visible ? QStringLiteral("shown") : QStringLiteral("hidden");
-        });
+        updating::CheckForDatabaseUpdateSilent(inet_, "Database Version: 2.5.0",
+                                               [this](bool visible) { told_ += visible ? "shown" : "hidden"; });
         return told_;
     }
 
@@ -132,17 +131,17 @@ constexpr char16_t failed[] = u"Online Version: Checking...|Online Version: Erro
 TEST_F(UpdateCheckTest, TheProgramCheckShowsWhatTheServerSays) {
     values::Program().ProgramIsCurrent = false;
     EXPECT_EQ(Program(Reply(200, "2.5.0")),
-              QString::fromUtf16(checking) + QStringLiteral("Online Version: 2.5.0|Update Available: NO#1|off"));
+              QString::fromUtf16(checking) + "Online Version: 2.5.0|Update Available: NO#1|off");
     EXPECT_TRUE(values::Program().ProgramIsCurrent);
     EXPECT_EQ(Program(Reply(404, "2.10.0")),
-              QString::fromUtf16(checking) + QStringLiteral("Online Version: 2.10.0|Update Available: YES#12|on"));
+              QString::fromUtf16(checking) + "Online Version: 2.10.0|Update Available: YES#12|on");
     EXPECT_FALSE(values::Program().ProgramIsCurrent);
 }
 
 TEST_F(UpdateCheckTest, LengthAloneTellsAVersionFromAnErrorPage) {
-    EXPECT_TRUE(Program(Reply(200, "2.5.01234")).contains(QStringLiteral("Online Version: 2.5.01234")));
+    EXPECT_TRUE(Program(Reply(200, "2.5.01234")).contains("Online Version: 2.5.01234"));
     EXPECT_EQ(Program(Reply(200, "2.5.012345")), QString::fromUtf16(failed));
-    EXPECT_TRUE(Database(Reply(200, "2.5.0123456789")).contains(QStringLiteral("Online Version: 2.5.0123456789")));
+    EXPECT_TRUE(Database(Reply(200, "2.5.0123456789")).contains("Online Version: 2.5.0123456789"));
     EXPECT_EQ(Database(Reply(200, "2.5.01234567890")), QString::fromUtf16(failed));
 }
 
@@ -162,12 +161,12 @@ TEST_F(UpdateCheckTest, BadAnswersLeaveTheStateAsItWas) {
 }
 
 TEST_F(UpdateCheckTest, TheSilentCheckSetsOneFlagAndOneLabel) {
-    EXPECT_EQ(Silent(Reply(200, "2.5.1")), QStringLiteral("shown"));
+    EXPECT_EQ(Silent(Reply(200, "2.5.1")), "shown");
     EXPECT_FALSE(values::Program().DatabaseIsCurrent);
-    EXPECT_EQ(Silent(Reply(200, "2.5.0")), QStringLiteral("hidden"));
+    EXPECT_EQ(Silent(Reply(200, "2.5.0")), "hidden");
     EXPECT_TRUE(values::Program().DatabaseIsCurrent);
     EXPECT_EQ(Database(Reply(200, "2.5.1")),
-              QString::fromUtf16(checking) + QStringLiteral("Online Version: 2.5.1|Update Available: YES#12|on"));
+              QString::fromUtf16(checking) + "Online Version: 2.5.1|Update Available: YES#12|on");
     EXPECT_FALSE(values::Program().DatabaseIsCurrent);
 }
 

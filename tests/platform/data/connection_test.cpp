@@ -50,12 +50,12 @@ TEST_F(ConnectionTest, WhatIsNoDatabaseFailsAtOpen) {
 }
 
 TEST_F(ConnectionTest, TakesTheProgramsPathsAndFoldersWithSemicolons) {
-    ASSERT_TRUE(QDir(Folder.path()).mkdir(QStringLiteral("a;b")));
-    Make(Folder.filePath(QStringLiteral("a;b/hwids.mdb")));
-    EXPECT_EQ(Connect(Folder.path() + QStringLiteral("\\a;b\\HWIDS.mdb"))->State(), adStateOpen);
+    ASSERT_TRUE(QDir(Folder.path()).mkdir("a;b"));
+    Make(Folder.filePath("a;b/hwids.mdb"));
+    EXPECT_EQ(Connect(Folder.path() + "\\a;b\\HWIDS.mdb")->State(), adStateOpen);
 
     Connection connection;
-    connection.SetConnectionString(QStringLiteral("Provider=Other;Data Source=") + Path());
+    connection.SetConnectionString("Provider=Other;Data Source=" + Path());
     EXPECT_EQ(NumberOf([&] { connection.Open(); }), ErrorProviderNotFound);
     EXPECT_EQ(ErrorProviderNotFound, -2146824582);
 }
@@ -66,27 +66,27 @@ TEST_F(ConnectionTest, ParameterSizesAreEnforcedAndTheIdentityStays) {
         Command command;
         command.SetActiveConnection(connection);
         command.SetPrepared(true);
-        command.SetCommandText(QStringLiteral("INSERT INTO devicenames (devicename) VALUES(?)"));
+        command.SetCommandText("INSERT INTO devicenames (devicename) VALUES(?)");
         command.AppendParameter({QString(), adVarChar, adParamInput, 100, name});
         command.Execute(adCmdText + adExecuteNoRecords);
     };
     const auto identity = [&] {
         Command command;
         command.SetActiveConnection(connection);
-        command.SetCommandText(QStringLiteral("SELECT @@Identity"));
+        command.SetCommandText("SELECT @@Identity");
         return command.Execute(adCmdText)->Value(0).toInt();
     };
     EXPECT_EQ(identity(), 0);
     add(QString(100, QChar(0x416)));
-    add(QStringLiteral("second"));
+    add("second");
     EXPECT_EQ(identity(), 2);
     EXPECT_EQ(NumberOf([&] { add(QString(101, u'x')); }), ErrorDataConversion);
     EXPECT_EQ(identity(), 2);
-    EXPECT_EQ(Select(connection, QStringLiteral("SELECT * FROM devicenames"))->RecordCount(), 2);
+    EXPECT_EQ(Select(connection, "SELECT * FROM devicenames")->RecordCount(), 2);
 
     Command incomplete;
     incomplete.SetActiveConnection(connection);
-    incomplete.SetCommandText(QStringLiteral("INSERT INTO devicenames (devicename) VALUES(?)"));
+    incomplete.SetCommandText("INSERT INTO devicenames (devicename) VALUES(?)");
     EXPECT_EQ(NumberOf([&] { incomplete.Execute(); }), ErrorInCommand);
     incomplete.SetActiveConnection(nullptr);
     EXPECT_EQ(NumberOf([&] { incomplete.Execute(); }), ErrorInvalidConnection);
@@ -96,39 +96,39 @@ TEST_F(ConnectionTest, ATransactionIsTakenBackWhole) {
     const auto connection = Connect(Path());
     connection->BeginTrans();
     EXPECT_NE(NumberOf([&] { connection->BeginTrans(); }), 0);
-    Insert(connection, QStringLiteral("a"), QString());
+    Insert(connection, "a", QString());
     connection->RollbackTrans();
     connection->RollbackTrans();
     EXPECT_NE(NumberOf([&] { connection->CommitTrans(); }), 0);
-    EXPECT_EQ(InfoOf(connection, QStringLiteral("a")), QStringLiteral("(none)"));
+    EXPECT_EQ(InfoOf(connection, "a"), "(none)");
 }
 
 TEST_F(ConnectionTest, AReplacedFileIsFollowedAndAnUnlinkedOneNeverWritten) {
     const auto connection = Connect(Path());
-    Insert(connection, QStringLiteral("a"), QStringLiteral("old"));
+    Insert(connection, "a", "old");
     const quint64 generation = connection->Generation();
     EXPECT_EQ(connection->Generation(), generation);
-    const auto row = Select(connection, QStringLiteral("SELECT * FROM hwids Where hwid = 'a'"));
-    const auto whole = Select(connection, QStringLiteral("SELECT * FROM hwids"));
+    const auto row = Select(connection, "SELECT * FROM hwids Where hwid = 'a'");
+    const auto whole = Select(connection, "SELECT * FROM hwids");
 
     Make(Path("new.mdb"));
-    Insert(Connect(Path("new.mdb")), QStringLiteral("a"), QStringLiteral("old"));
+    Insert(Connect(Path("new.mdb")), "a", "old");
     QString error;
     ASSERT_TRUE(ReplaceDatabaseFile(Path("new.mdb"), Path(), &error)) << error.toStdString();
     EXPECT_FALSE(QFile::exists(Path("new.mdb")));
     EXPECT_FALSE(QFile::exists(Path("hwids.mdb.lock")));
 
     // The old file's row has the same number and the same content as the new one's; it is another row all the same.
-    row->SetValue(QStringLiteral("info"), QStringLiteral("written through"));
+    row->SetValue("info", "written through");
     EXPECT_EQ(NumberOf([&] { row->Update(); }), ErrorRowNotLocated);
     EXPECT_NE(connection->Generation(), generation);
-    Insert(connection, QStringLiteral("b"), QStringLiteral("new"));
-    EXPECT_EQ(InfoOf(Connect(Path()), QStringLiteral("b")), QStringLiteral("new"));
+    Insert(connection, "b", "new");
+    EXPECT_EQ(InfoOf(Connect(Path()), "b"), "new");
 
     ASSERT_TRUE(QFile::remove(Path()));
-    EXPECT_NE(NumberOf([&] { Insert(connection, QStringLiteral("c"), QString()); }), 0);
+    EXPECT_NE(NumberOf([&] { Insert(connection, "c", QString()); }), 0);
     EXPECT_NE(NumberOf([&] { connection->BeginTrans(); }), 0);
-    EXPECT_EQ(InfoOf(connection, QStringLiteral("b")), QStringLiteral("new"));
+    EXPECT_EQ(InfoOf(connection, "b"), "new");
     EXPECT_FALSE(QFile::exists(Path()));
 }
 
@@ -159,13 +159,13 @@ TEST_F(ConnectionTest, AJournalOfTheOldFileDoesNotReachTheNewOne) {
     connection->RollbackTrans();
 
     Make(Path("new.mdb"));
-    Insert(Connect(Path("new.mdb")), QStringLiteral("fresh"), QStringLiteral("1,1\r\n"));
+    Insert(Connect(Path("new.mdb")), "fresh", "1,1\r\n");
     QString error;
     ASSERT_TRUE(ReplaceDatabaseFile(Path("new.mdb"), Path("cut.mdb"), &error)) << error.toStdString();
     EXPECT_FALSE(QFile::exists(Path("cut.mdb-journal")));
     const auto replaced = Connect(Path("cut.mdb"));
-    EXPECT_EQ(InfoOf(replaced, QStringLiteral("fresh")), QStringLiteral("1,1\r\n"));
-    EXPECT_EQ(Select(replaced, QStringLiteral("SELECT * FROM hwids"))->RecordCount(), 1);
+    EXPECT_EQ(InfoOf(replaced, "fresh"), "1,1\r\n");
+    EXPECT_EQ(Select(replaced, "SELECT * FROM hwids")->RecordCount(), 1);
 }
 
 TEST_F(ConnectionTest, ReplacesBrokenAndMissingFilesButNoFolder) {
@@ -180,7 +180,7 @@ TEST_F(ConnectionTest, ReplacesBrokenAndMissingFilesButNoFolder) {
     EXPECT_FALSE(ReplaceDatabaseFile(Path("not there.mdb"), Path(), &error));
     EXPECT_FALSE(error.isEmpty());
     EXPECT_EQ(Connect(Path())->State(), adStateOpen);
-    EXPECT_FALSE(CreateDatabaseFile(Path(), {QStringLiteral("CREATE TABLE x (y)")}));
-    EXPECT_FALSE(CreateDatabaseFile(Path("bad.mdb"), {QStringLiteral("CREATE TABLE")}, &error));
+    EXPECT_FALSE(CreateDatabaseFile(Path(), {"CREATE TABLE x (y)"}));
+    EXPECT_FALSE(CreateDatabaseFile(Path("bad.mdb"), {"CREATE TABLE"}, &error));
     EXPECT_FALSE(QFile::exists(Path("bad.mdb")));
 }

@@ -23,16 +23,15 @@ class DatabaseFixture : public testing::Test {
         QString error;
         ASSERT_TRUE(data::CreateDatabaseFile(
             path,
-            {QStringLiteral("CREATE TABLE hwids (hwid TEXT COLLATE NOCASE, info TEXT)"),
-             QStringLiteral("CREATE TABLE devicenames (ID INTEGER PRIMARY KEY, devicename TEXT COLLATE NOCASE)")},
+            {"CREATE TABLE hwids (hwid TEXT COLLATE NOCASE, info TEXT)",
+             "CREATE TABLE devicenames (ID INTEGER PRIMARY KEY, devicename TEXT COLLATE NOCASE)"},
             &error))
             << error.toStdString();
     }
 
     static data::ConnectionPtr Connect(const QString& path) {
         auto connection = std::make_shared<data::Connection>();
-        connection->SetConnectionString(QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + path +
-                                        QLatin1Char(';'));
+        connection->SetConnectionString("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path + QLatin1Char(';'));
         connection->Open();
         return connection;
     }
@@ -40,7 +39,7 @@ class DatabaseFixture : public testing::Test {
     static void Insert(const data::ConnectionPtr& connection, const QString& hwid, const QString& info) {
         data::Command command;
         command.SetActiveConnection(connection);
-        command.SetCommandText(QStringLiteral("INSERT INTO hwids (hwid,info) VALUES(?,?)"));
+        command.SetCommandText("INSERT INTO hwids (hwid,info) VALUES(?,?)");
         command.AppendParameter({QString(), data::adVarChar, data::adParamInput, 125, hwid});
         command.AppendParameter({QString(), data::adLongVarChar, data::adParamInput, info.size(), info});
         command.Execute(data::adCmdText + data::adExecuteNoRecords);
@@ -55,7 +54,7 @@ class DatabaseFixture : public testing::Test {
     static QString InfoOf(const data::ConnectionPtr& connection, const QString& hwid) {
         const auto rows =
             Select(connection, QStringLiteral("SELECT * FROM hwids Where [hwids].[hwid] = '%1'").arg(hwid));
-        return rows->Eof() ? QStringLiteral("(none)") : rows->Value(QStringLiteral("info")).toString();
+        return rows->Eof() ? "(none)" : rows->Value("info").toString();
     }
 
     QTemporaryDir Folder;

@@ -36,10 +36,10 @@ TEST(ArchiveListingTest, ReadsWhatTheEngineWrites) {
     ASSERT_TRUE(entries);
     ASSERT_EQ(entries->size(), 4);
     EXPECT_TRUE(entries->at(0).isFolder);
-    EXPECT_EQ(entries->at(1).path, QStringLiteral("hwids.mdb"));
+    EXPECT_EQ(entries->at(1).path, "hwids.mdb");
     EXPECT_EQ(entries->at(1).size, 5);
     EXPECT_EQ(entries->at(1).crc, 0x363A3020U);
-    EXPECT_EQ(entries->at(2).path, QStringLiteral("a = b.txt"));
+    EXPECT_EQ(entries->at(2).path, "a = b.txt");
     EXPECT_FALSE(entries->at(2).crc);
     EXPECT_FALSE(entries->at(3).isPlain);
     EXPECT_TRUE(net::ParseListing("")->isEmpty());

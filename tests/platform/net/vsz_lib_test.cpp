@@ -21,9 +21,9 @@ namespace {
 class VszLibTest : public testing::Test {
   protected:
     VszLibTest() {
-        QDir(root_.path()).mkdir(QStringLiteral("in"));
-        QDir(root_.path()).mkdir(QStringLiteral("out"));
-        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+        QDir(root_.path()).mkdir("in");
+        QDir(root_.path()).mkdir("out");
+        Write("out/hwids.mdb", "the old database");
     }
     ~VszLibTest() override { net::SetEngineFolders({}); }
 
@@ -43,18 +43,16 @@ class VszLibTest : public testing::Test {
 
     // Packs what stands below in/ into hwids.7z.
     void Pack(const QStringList& options = {}) {
-        QFile::remove(Path(QStringLiteral("hwids.7z")));
+        QFile::remove(Path("hwids.7z"));
         QProcess packer;
-        packer.setWorkingDirectory(Path(QStringLiteral("in")));
-        packer.start(net::FindEngine(),
-                     QStringList{QStringLiteral("a"), QStringLiteral("-bd"), QStringLiteral("-snl")} + options +
-                         QStringList{QStringLiteral("../hwids.7z"), QStringLiteral(".")});
+        packer.setWorkingDirectory(Path("in"));
+        packer.start(net::FindEngine(), QStringList{"a", "-bd", "-snl"} + options + QStringList{"../hwids.7z", "."});
         ASSERT_TRUE(packer.waitForFinished() && packer.exitCode() == 0) << packer.readAll().constData();
     }
 
     // Replaces a name inside an archive packed with -mhc=off by one of the same length, and mends the checksums.
     void PatchName(const QString& from, const QString& to) {
-        QByteArray archive = Read(QStringLiteral("hwids.7z"));
+        QByteArray archive = Read("hwids.7z");
         const auto wide = [](const QString& text) {
             return QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
         };
@@ -65,45 +63,43 @@ class VszLibTest : public testing::Test {
         const auto size = qFromLittleEndian<qint64>(archive.constData() + 20);
         qToLittleEndian(net::Crc32(0, archive.constData() + 32 + offset, size), archive.data() + 28);
         qToLittleEndian(net::Crc32(0, archive.constData() + 12, 20), archive.data() + 8);
-        Write(QStringLiteral("hwids.7z"), archive);
+        Write("hwids.7z", archive);
     }
 
     bool Open() {
         bool loaded = false;
-        zip_.LoadEngine(Path(QStringLiteral("out\\7za.dll")), loaded);
-        return zip_.OpenArchive(Path(QStringLiteral("hwids.7z")));
+        zip_.LoadEngine(Path("out\\7za.dll"), loaded);
+        return zip_.OpenArchive(Path("hwids.7z"));
     }
 
-    bool Extract() { return zip_.ExtractAll(Path(QStringLiteral("out"))); }
+    bool Extract() { return zip_.ExtractAll(Path("out")); }
 
     // Everything is as it was, and nothing was left behind.
     void ExpectUntouched() const {
-        EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), "the old database");
-        EXPECT_EQ(QDir(Path(QStringLiteral("out"))).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-                  QStringList{QStringLiteral("hwids.mdb")});
-        EXPECT_FALSE(QFile::exists(Path(QStringLiteral("evil.txt"))));
+        EXPECT_EQ(Read("out/hwids.mdb"), "the old database");
+        EXPECT_EQ(QDir(Path("out")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                  QStringList{"hwids.mdb"});
+        EXPECT_FALSE(QFile::exists(Path("evil.txt")));
     }
 
     // An engine of the test's own: `l` prints `listing`, `x` runs `script`.
     void FakeEngine(const QByteArray& listing, const QByteArray& script) {
-        Write(QStringLiteral("engine/listing"), listing);
-        FakeEngine("if [ \"$1\" = l ]; then rm '" + Path(QStringLiteral("engine/pid")).toUtf8() + "'; cat '" +
-                   Path(QStringLiteral("engine/listing")).toUtf8() + "'; exit; fi\n" + script);
+        Write("engine/listing", listing);
+        FakeEngine("if [ \"$1\" = l ]; then rm '" + Path("engine/pid").toUtf8() + "'; cat '" +
+                   Path("engine/listing").toUtf8() + "'; exit; fi\n" + script);
     }
 
     // One that runs `script` whatever it is asked, and tells its process.
     void FakeEngine(const QByteArray& script) {
-        Write(QStringLiteral("engine/7za"),
-              "#!/bin/sh\necho $$ > '" + Path(QStringLiteral("engine/pid")).toUtf8() + "'\n" + script + "\n");
-        QFile::setPermissions(Path(QStringLiteral("engine/7za")),
-                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        net::SetEngineFolders({Path(QStringLiteral("engine"))});
-        Write(QStringLiteral("hwids.7z"), "anything");
+        Write("engine/7za", "#!/bin/sh\necho $$ > '" + Path("engine/pid").toUtf8() + "'\n" + script + "\n");
+        QFile::setPermissions(Path("engine/7za"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        net::SetEngineFolders({Path("engine")});
+        Write("hwids.7z", "anything");
     }
 
     bool EngineIsGone() const {
-        const QByteArray id = Read(QStringLiteral("engine/pid")).trimmed();
-        return !id.isEmpty() && !QFile::exists(QStringLiteral("/proc/") + QString::fromLatin1(id));
+        const QByteArray id = Read("engine/pid").trimmed();
+        return !id.isEmpty() && !QFile::exists("/proc/" + QString::fromLatin1(id));
     }
 
     QTemporaryDir root_;
@@ -112,10 +108,10 @@ class VszLibTest : public testing::Test {
 
 TEST_F(VszLibTest, UnpacksAWholeArchiveAndReportsProgress) {
     const QByteArray database = QByteArray("new database ").repeated(200'000);
-    Write(QStringLiteral("in/HWIDS.mdb"), database);
-    Write(QStringLiteral("in/color_presets/Night.ini"), "[colors]");
-    Write(QStringLiteral("in/a\u00FC.txt"), "text");
-    Write(QStringLiteral("in/empty.md"), "");
+    Write("in/HWIDS.mdb", database);
+    Write("in/color_presets/Night.ini", "[colors]");
+    Write("in/a\u00FC.txt", "text");
+    Write("in/empty.md", "");
     Pack();
     double current = 0;
     double total = 0;
@@ -130,46 +126,45 @@ TEST_F(VszLibTest, UnpacksAWholeArchiveAndReportsProgress) {
     EXPECT_EQ(total, double(database.size() + 12));
     EXPECT_EQ(current, total);
     // The old file's spelling stays: one name is one file.
-    EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), database);
-    EXPECT_EQ(Read(QStringLiteral("out/color_presets/Night.ini")), "[colors]");
-    EXPECT_EQ(Read(QStringLiteral("out/a\u00FC.txt")), "text");
-    EXPECT_EQ(Read(QStringLiteral("out/empty.md")), "");
-    EXPECT_EQ(
-        QDir(Path(QStringLiteral("out"))).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 4);
+    EXPECT_EQ(Read("out/hwids.mdb"), database);
+    EXPECT_EQ(Read("out/color_presets/Night.ini"), "[colors]");
+    EXPECT_EQ(Read("out/a\u00FC.txt"), "text");
+    EXPECT_EQ(Read("out/empty.md"), "");
+    EXPECT_EQ(QDir(Path("out")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 4);
 }
 
 TEST_F(VszLibTest, WhatIsNoArchiveIsNotOpened) {
     EXPECT_FALSE(Open()) << "missing";
-    Write(QStringLiteral("hwids.7z"), "");
+    Write("hwids.7z", "");
     EXPECT_FALSE(Open());
-    Write(QStringLiteral("hwids.7z"), "<html>404</html>");
+    Write("hwids.7z", "<html>404</html>");
     EXPECT_FALSE(Open());
-    Write(QStringLiteral("in/hwids.mdb"), "new");
-    Pack({QStringLiteral("-tzip")});
+    Write("in/hwids.mdb", "new");
+    Pack({"-tzip"});
     EXPECT_FALSE(Open()) << "a zip";
-    Pack({QStringLiteral("-psecret"), QStringLiteral("-mhe=on")});
+    Pack({"-psecret", "-mhe=on"});
     EXPECT_FALSE(Open()) << "names encrypted";
     Pack();
-    QByteArray archive = Read(QStringLiteral("hwids.7z"));
-    Write(QStringLiteral("hwids.7z"), archive.chopped(1));
+    QByteArray archive = Read("hwids.7z");
+    Write("hwids.7z", archive.chopped(1));
     EXPECT_FALSE(Open()) << "truncated";
-    Write(QStringLiteral("hwids.7z"), archive.first(20));
+    Write("hwids.7z", archive.first(20));
     EXPECT_FALSE(Open());
     EXPECT_FALSE(Extract());
     ExpectUntouched();
 }
 
 TEST_F(VszLibTest, DamagedOrEncryptedContentsChangeNothing) {
-    Write(QStringLiteral("in/a.txt"), "first");
-    Write(QStringLiteral("in/hwids.mdb"), QByteArray(50'000, 'n') + "end");
-    Pack({QStringLiteral("-mhc=off"), QStringLiteral("-m0=copy")});
-    QByteArray archive = Read(QStringLiteral("hwids.7z"));
+    Write("in/a.txt", "first");
+    Write("in/hwids.mdb", QByteArray(50'000, 'n') + "end");
+    Pack({"-mhc=off", "-m0=copy"});
+    QByteArray archive = Read("hwids.7z");
     archive[archive.indexOf("nnnn") + 40'000] = 'N';
-    Write(QStringLiteral("hwids.7z"), archive);
+    Write("hwids.7z", archive);
     ASSERT_TRUE(Open());
     EXPECT_FALSE(Extract()) << "wrong checksum";
     ExpectUntouched();
-    Pack({QStringLiteral("-psecret")});
+    Pack({"-psecret"});
     ASSERT_TRUE(Open());
     EXPECT_FALSE(Extract()) << "encrypted";
     ExpectUntouched();
@@ -178,25 +173,25 @@ TEST_F(VszLibTest, DamagedOrEncryptedContentsChangeNothing) {
 TEST_F(VszLibTest, HostileEntriesRefuseTheWholeArchive) {
     for (const char16_t* name : {u"../evil.txt", u"/tmp_il.txt", u"Hwids.mdb_x", u"platform.so", u"HWIDS.mdb"}) {
         const QString to = QString::fromUtf16(name);
-        QDir(Path(QStringLiteral("in"))).removeRecursively();
-        Write(QStringLiteral("in/hwids.mdb"), "new");
-        const QString from = QString(to.size() - 4, QChar(u'z')) + QStringLiteral(".txt");
-        Write(QStringLiteral("in/") + from, "evil");
-        Pack({QStringLiteral("-mhc=off")});
+        QDir(Path("in")).removeRecursively();
+        Write("in/hwids.mdb", "new");
+        const QString from = QString(to.size() - 4, QChar(u'z')) + ".txt";
+        Write("in/" + from, "evil");
+        Pack({"-mhc=off"});
         PatchName(from, to);
         ASSERT_TRUE(Open()) << qPrintable(to);
         EXPECT_FALSE(Extract()) << qPrintable(to);
         ExpectUntouched();
     }
-    QDir(Path(QStringLiteral("in"))).removeRecursively();
-    Write(QStringLiteral("in/hwids.mdb"), "new");
-    QFile::link(QStringLiteral("/etc/passwd"), Path(QStringLiteral("in/link.txt")));
+    QDir(Path("in")).removeRecursively();
+    Write("in/hwids.mdb", "new");
+    QFile::link("/etc/passwd", Path("in/link.txt"));
     Pack();
     ASSERT_TRUE(Open());
     EXPECT_FALSE(Extract()) << "a link";
     ExpectUntouched();
-    QDir(Path(QStringLiteral("in"))).removeRecursively();
-    QDir(root_.path()).mkdir(QStringLiteral("in"));
+    QDir(Path("in")).removeRecursively();
+    QDir(root_.path()).mkdir("in");
     Pack();
     Open();
     EXPECT_FALSE(Extract()) << "nothing inside";
@@ -204,20 +199,20 @@ TEST_F(VszLibTest, HostileEntriesRefuseTheWholeArchive) {
 }
 
 TEST_F(VszLibTest, NothingIsWrittenThroughALinkInTheFolder) {
-    Write(QStringLiteral("in/color_presets/x.ini"), "x");
+    Write("in/color_presets/x.ini", "x");
     Pack();
-    QDir(root_.path()).mkdir(QStringLiteral("elsewhere"));
-    QFile::link(Path(QStringLiteral("elsewhere")), Path(QStringLiteral("out/color_presets")));
+    QDir(root_.path()).mkdir("elsewhere");
+    QFile::link(Path("elsewhere"), Path("out/color_presets"));
     ASSERT_TRUE(Open());
     EXPECT_FALSE(Extract());
-    EXPECT_TRUE(QDir(Path(QStringLiteral("elsewhere"))).isEmpty());
+    EXPECT_TRUE(QDir(Path("elsewhere")).isEmpty());
 }
 
 TEST_F(VszLibTest, ABombIsRefusedBeforeTheEngineRuns) {
     FakeEngine("Path = hwids.mdb\nSize = 1099511627776000\nCRC = 00000000\n\n", "cat /dev/zero");
     ASSERT_TRUE(Open());
     EXPECT_FALSE(Extract());
-    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("engine/pid"))));
+    EXPECT_FALSE(QFile::exists(Path("engine/pid")));
     ExpectUntouched();
 }
 
@@ -230,7 +225,7 @@ TEST_F(VszLibTest, AnEngineThatLiesDiesOrStallsChangesNothing) {
     for (const Case& tried : {Case{"printf abc", true}, Case{"printf abcd", false}, Case{"printf ab", false},
                               Case{"printf abd", false}, Case{"printf abc; exit 1", false},
                               Case{"printf abc; kill -9 $$", false}, Case{"cat /dev/zero", false}, Case{"", false}}) {
-        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+        Write("out/hwids.mdb", "the old database");
         FakeEngine(listing, tried.script);
         ASSERT_TRUE(Open());
         EXPECT_EQ(Extract(), tried.good) << tried.script;
@@ -251,21 +246,21 @@ TEST_F(VszLibTest, AnEngineThatLiesDiesOrStallsChangesNothing) {
 // Whatever becomes of an archive on its way: the old database or the new one, whole, and nothing else.
 TEST_F(VszLibTest, AnArchiveCutOrChangedAnywhereIsAllOrNothing) {
     const QByteArray database = QByteArray("new database ").repeated(100);
-    Write(QStringLiteral("in/hwids.mdb"), database);
-    Write(QStringLiteral("in/color_presets/Night.ini"), "[colors]");
-    Pack({QStringLiteral("-mhc=off")});
-    const QByteArray archive = Read(QStringLiteral("hwids.7z"));
+    Write("in/hwids.mdb", database);
+    Write("in/color_presets/Night.ini", "[colors]");
+    Pack({"-mhc=off"});
+    const QByteArray archive = Read("hwids.7z");
     int opened = 0;
     const auto attempt = [&](const QByteArray& changed, const std::string& how) {
-        Write(QStringLiteral("hwids.7z"), changed);
-        QDir(Path(QStringLiteral("out"))).removeRecursively();
-        Write(QStringLiteral("out/hwids.mdb"), "the old database");
+        Write("hwids.7z", changed);
+        QDir(Path("out")).removeRecursively();
+        Write("out/hwids.mdb", "the old database");
         opened += Open() ? 1 : 0;
         if (!Extract()) {
             ExpectUntouched();
         } else {
-            EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), database) << how;
-            EXPECT_EQ(Read(QStringLiteral("out/color_presets/Night.ini")), "[colors]") << how;
+            EXPECT_EQ(Read("out/hwids.mdb"), database) << how;
+            EXPECT_EQ(Read("out/color_presets/Night.ini"), "[colors]") << how;
         }
     };
     const int steps = support::Rounds(24, int(archive.size()));
@@ -302,20 +297,20 @@ TEST_F(VszLibTest, DISABLED_UnpackUntilKilled) {
     bool loaded = false;
     zip_.LoadEngine({}, loaded);
     ASSERT_TRUE(loaded);
-    zip_.OpenArchive(qEnvironmentVariable("QUORVANE_TEST_ENGINE") + QStringLiteral("/7za"));
+    zip_.OpenArchive(qEnvironmentVariable("QUORVANE_TEST_ENGINE") + "/7za");
 }
 
 TEST_F(VszLibTest, TheEngineDiesWithAProgramThatIsKilled) {
     FakeEngine("exec sleep 60");
     QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QUORVANE_TEST_ENGINE"), Path(QStringLiteral("engine")));
+    environment.insert("QUORVANE_TEST_ENGINE", Path("engine"));
     program.setProcessEnvironment(environment);
-    program.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--gtest_also_run_disabled_tests"),
-                                                            QStringLiteral("--gtest_filter=*UnpackUntilKilled")});
+    program.start(QCoreApplication::applicationFilePath(),
+                  {"--gtest_also_run_disabled_tests", "--gtest_filter=*UnpackUntilKilled"});
     QElapsedTimer timer;
     timer.start();
-    const QString idFile = QStringLiteral("engine/pid");
+    const QString idFile = "engine/pid";
     while (!Read(idFile).endsWith('\n') && !timer.hasExpired(10'000)) {
         base::YieldBlocking(20);
     }
@@ -350,15 +345,15 @@ TEST_F(VszLibTest, StopAndCancelKillTheEngine) {
 }
 
 TEST_F(VszLibTest, WithoutAnEngineNothingOpens) {
-    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Write("in/hwids.mdb", "new");
     Pack();
     // One that stands in the program's folder is never taken.
-    Write(QStringLiteral("out/7za.dll"), "#!/bin/sh\n");
-    net::SetEngineFolders({Path(QStringLiteral("nowhere"))});
+    Write("out/7za.dll", "#!/bin/sh\n");
+    net::SetEngineFolders({Path("nowhere")});
     bool loaded = true;
-    zip_.LoadEngine(Path(QStringLiteral("out\\7za.dll")), loaded);
+    zip_.LoadEngine(Path("out\\7za.dll"), loaded);
     EXPECT_FALSE(loaded);
-    EXPECT_FALSE(zip_.OpenArchive(Path(QStringLiteral("hwids.7z"))));
+    EXPECT_FALSE(zip_.OpenArchive(Path("hwids.7z")));
 }
 
 TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
@@ -380,7 +375,7 @@ TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
     const auto replace = [&replaced](const QString& from, const QString& to) {
         replaced.append(QFileInfo(to).fileName());
         QFile::remove(to);
-        return replaced.last() != QStringLiteral("z.MDB") && QFile::rename(from, to);
+        return replaced.last() != "z.MDB" && QFile::rename(from, to);
     };
     zip_.SetDatabaseReplacer(replace);
     EXPECT_FALSE(Extract());
@@ -389,17 +384,16 @@ TEST_F(VszLibTest, WhatIsRefusedKeepsEverythingElseBack) {
     ExpectUntouched();
     zip_.SetJudge({});
     EXPECT_FALSE(Extract());
-    EXPECT_EQ(replaced,
-              (QStringList{QStringLiteral("hwids.mdb"), QStringLiteral("z.MDB"), QStringLiteral("hwids.mdb")}));
+    EXPECT_EQ(replaced, (QStringList{"hwids.mdb", "z.MDB", "hwids.mdb"}));
     ExpectUntouched();
     zip_.SetDatabaseReplacer({});
     zip_.SetJudge([](QList<net::UnpackedFile>& files) {
-        files.removeIf([](const net::UnpackedFile& file) { return file.Name == QStringLiteral("a.txt"); });
+        files.removeIf([](const net::UnpackedFile& file) { return file.Name == "a.txt"; });
         return true;
     });
     EXPECT_TRUE(Extract());
-    EXPECT_EQ(Read(QStringLiteral("out/z.MDB")), "new");
-    EXPECT_EQ(Read(QStringLiteral("out/a.txt")), "missing") << "what the judge takes off stays out";
+    EXPECT_EQ(Read("out/z.MDB"), "new");
+    EXPECT_EQ(Read("out/a.txt"), "missing") << "what the judge takes off stays out";
 }
 
 // Small archives of much: a click is served within 50 ms while they are looked at, and little comes to the disk.
@@ -421,8 +415,8 @@ TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
                               {"one long text", 1, ".txt", 250 << 20, false},
                               {"a long database", 1, ".mdb", 49 << 20, false},
                               {"a database as long as may be", 1, ".mdb", 48 << 20, true}}) {
-        QDir(Path(QStringLiteral("in"))).removeRecursively();
-        Write(QStringLiteral("in/x.txt"), "x");
+        QDir(Path("in")).removeRecursively();
+        Write("in/x.txt", "x");
         for (int i = 0; i < tried.files; ++i) {
             const QString name = QStringLiteral("in/%1").arg(i) + QLatin1String(tried.ending);
             if (*tried.ending == '/') {
@@ -432,12 +426,12 @@ TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
             QFile file(Path(name));
             ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(tried.size));
         }
-        Pack({QStringLiteral("-mx=1")});
-        EXPECT_LT(Read(QStringLiteral("hwids.7z")).size(), 1 << 20) << tried.what;
+        Pack({"-mx=1"});
+        EXPECT_LT(Read("hwids.7z").size(), 1 << 20) << tried.what;
         int held = longest + 1;
         for (int attempt = 0; held > longest && attempt < attempts; ++attempt) {
-            QDir(Path(QStringLiteral("out"))).removeRecursively();
-            Write(QStringLiteral("out/hwids.mdb"), "the old database");
+            QDir(Path("out")).removeRecursively();
+            Write("out/hwids.mdb", "the old database");
             qint64 largest = 0;
             zip_.SetJudge([&](QList<net::UnpackedFile>& files) {
                 for (const net::UnpackedFile& file : files)
@@ -460,13 +454,13 @@ TEST_F(VszLibTest, ASmallArchiveOfMuchHoldsNothingUp) {
 }
 
 TEST_F(VszLibTest, WhatAKilledProcessLeftIsRemoved) {
-    Write(QStringLiteral("in/hwids.mdb"), "new");
+    Write("in/hwids.mdb", "new");
     Pack();
-    Write(QStringLiteral("out/.unpacking-999999/0"), "half");
+    Write("out/.unpacking-999999/0", "half");
     ASSERT_TRUE(Open());
     EXPECT_TRUE(Extract());
-    EXPECT_FALSE(QFile::exists(Path(QStringLiteral("out/.unpacking-999999"))));
-    EXPECT_EQ(Read(QStringLiteral("out/hwids.mdb")), "new");
+    EXPECT_FALSE(QFile::exists(Path("out/.unpacking-999999")));
+    EXPECT_EQ(Read("out/hwids.mdb"), "new");
 }
 
 } // namespace
