@@ -120,9 +120,13 @@ class TogetherTest : public testing::Test {
         ASSERT_TRUE(QFile::copy(Path("base.mdb"), Path("hwids.mdb")));
     }
 
+    // Of A every other one has an ID that is there already.
     static QByteArray Line(const char* whose, int number) {
-        return QByteArray("USB\\") + whose + QByteArray::number(number) + "|||" + whose + " device " +
-               QByteArray::number(number / 2) + "|||Maker " + QByteArray::number(number % 70);
+        const bool isKnown = *whose == 'A' && number % 2 == 1;
+        const QByteArray id = isKnown ? "PCI\\VEN_0001&DEV_" + QByteArray::number(number % 3000)
+                                      : QByteArray("USB\\") + whose + QByteArray::number(number);
+        return id + "|||" + whose + " device " + QByteArray::number(number / 2) + "|||Maker " +
+               QByteArray::number(number % 70);
     }
 
     void WriteLines(const char* name, const char* whose, int count) const {
@@ -153,7 +157,8 @@ class TogetherTest : public testing::Test {
     }
 
     static bool Ends(const Tool& tool) {
-        return tool->waitForFinished(120'000) && tool->exitStatus() == QProcess::NormalExit && tool->exitCode() == 0;
+        const bool ended = tool->state() == QProcess::NotRunning || tool->waitForFinished(120'000);
+        return ended && tool->exitStatus() == QProcess::NormalExit && tool->exitCode() == 0;
     }
 
     // The lines of a database that is whole, the version first among them.
@@ -168,7 +173,9 @@ class TogetherTest : public testing::Test {
         EXPECT_TRUE(tool.waitForFinished(60'000));
         EXPECT_EQ(tool.exitCode(), 0) << tool.readAllStandardError().constData();
         const QByteArrayList lines = tool.readAll().split('\n');
-        return {lines.begin(), lines.end()};
+        const QSet<QByteArray> different(lines.begin(), lines.end());
+        EXPECT_EQ(different.size(), lines.size()) << "nothing is there twice";
+        return different;
     }
 
     // How many of the first `count` lines are there.
@@ -259,34 +266,41 @@ TEST_F(TogetherTest, ALargeMergeLeavesWholePortionsAndLetsOthersIn) {
     constexpr int count = 45'000;
     constexpr int portion = 20'000;
     WriteLines("a.txt", "A", count);
+    WriteLines("c.txt", "C", 400);
     std::minstd_rand random(18);
     qint64 whole = 0;
     qint64 longest = 0;
     for (int round = 0; round < support::Rounds(3, 60); ++round) {
         Renew();
         ASSERT_TRUE(database::OpenDatabaseFile(Path("hwids.mdb")));
-        const Tool merge = Start(QStringLiteral("merge hwids.mdb a.txt"));
+        const Tool merge = Start(QStringLiteral("merge hwids.mdb a.txt c.txt"));
         // The first is left to its end; the portions begin in the second half of the time.
         const qint64 end = round == 0 ? 120'000 : whole / 2 + qint64(random()) % (whole / 2);
         QElapsedTimer clock;
         clock.start();
         int added = 0;
+        Tool pack;
         for (; merge->state() != QProcess::NotRunning; ++added) {
             merge->waitForFinished(1);
             if (clock.elapsed() > end)
                 merge->kill();
+            if (clock.elapsed() > whole / 2 && (!pack || pack->state() == QProcess::NotRunning)) {
+                EXPECT_TRUE(!pack || Ends(pack)) << pack->readAllStandardError().constData();
+                pack = Start(QStringLiteral("pack --output served hwids.mdb"));
+            }
             const qint64 before = clock.elapsed();
             database::AddDeviceToDatabase(QString::fromLatin1(Line("C", added)));
             longest = std::max(longest, clock.elapsed() - before);
         }
         whole = round == 0 ? clock.elapsed() : whole;
+        EXPECT_TRUE(Ends(pack)) << pack->readAllStandardError().constData();
         QSet<QByteArray> lines = Lines("hwids.mdb");
         const int present = Present(lines, "A", count);
         EXPECT_TRUE(present == count || (present % portion == 0 && round > 0)) << present;
         EXPECT_EQ(Present(lines, "A", present), present) << "the first ones";
         EXPECT_EQ(Present(lines, "C", added), added);
         RecordProperty("lines that were in, round " + std::to_string(round), present);
-        EXPECT_TRUE(Ends(Start(QStringLiteral("merge hwids.mdb a.txt"))));
+        EXPECT_TRUE(Ends(Start(QStringLiteral("merge hwids.mdb a.txt c.txt"))));
         lines = Lines("hwids.mdb");
         EXPECT_EQ(Present(lines, "A", count), count) << "the same again adds the rest";
         EXPECT_EQ(Present(lines, "C", added), added);
