@@ -122,7 +122,8 @@ TEST_F(Editor, ASavedPresetComesBackPixelForPixel) {
     EXPECT_EQ(prompt, QStringLiteral("Preset Name:|Save Colors As Preset"));
     EXPECT_EQ(offered, QString());
     EXPECT_EQ(Find<suite::ComboBox>("Combo2")->Text(), QString());
-    QApplication::setActiveWindow(nullptr);
+    form_->clearFocus();
+    form_->hide();
     QApplication::processEvents();
     Restart();
     const QImage before = form_->grab().toImage();
