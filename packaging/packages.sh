@@ -12,7 +12,7 @@ package_packages=(dpkg-dev gzip)
 # For clean systems, and to test the package there.
 clean_root_packages=(mmdebstrap debian-archive-keyring ccache)
 package_test_packages=("${clean_root_packages[@]}" lintian desktop-file-utils appstream groff x11-utils python3)
-test_packages=(openssl libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools)
+test_packages=(openssl libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlite3 strace mdbtools xz-utils)
 # To boot emulated PCs.
 machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext2fs e2fsprogs python3)
 # The desktops that tests/end_to_end/desktops goes through, and what it looks at them with.

@@ -136,8 +136,9 @@ QString CopyToPublish(const QString& databaseFile, const QString& copy, QString&
 
 // The archive holds the file under the name that the program reads, whatever it is called here: the copy bears it.
 // (What comes from the engine's standard input can be marked as a pipe, which clients refuse.) Empty, or what failed.
-// The signature lies beside it.
+// The signature lies beside it. The engine works in their folder: newer ones keep the folders of a relative path.
 QString MakeArchive(const QString& named, const QString& signature, const QString& archive) {
+    const QFileInfo database(named);
     QFile::setPermissions(named, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     QProcess engine;
     engine.setStandardInputFile(QProcess::nullDevice());
@@ -148,10 +149,11 @@ QString MakeArchive(const QString& named, const QString& signature, const QStrin
                           QStringLiteral("-bd"),
                           QStringLiteral("--"),
                           archive,
-                          named};
+                          database.fileName()};
     if (!signature.isEmpty()) {
-        wanted.append(signature);
+        wanted.append(QFileInfo(signature).fileName());
     }
+    engine.setWorkingDirectory(database.path());
     engine.start(net::FindEngine(), wanted);
     const bool made =
         engine.waitForFinished(-1) && engine.exitStatus() == QProcess::NormalExit && engine.exitCode() == 0;
@@ -215,7 +217,7 @@ QString Publish(const QString& databaseFile, const QString& folder, const QStrin
                                QStringLiteral("database_v1.htm")};
     QString signature = work.filePath(QString::fromUtf16(signing::SignatureName));
     error = WriteSignature(copy, keys, signature);
-    error = error.isEmpty() ? MakeArchive(copy, signature, work.filePath(names[0])) : error;
+    error = error.isEmpty() ? MakeArchive(copy, signature, names[0]) : error;
     for (const auto& [name, text] : {std::pair(names[1], programVersion), std::pair(names[2], version)}) {
         error = error.isEmpty() ? WriteFile(work.filePath(name), text) : error;
     }
