@@ -1,8 +1,11 @@
 #include "base/yield.h"
 
+#include "base/aside.h"
+
 #include <QElapsedTimer>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 TEST(Yield, DispatchesWhatIsPendingAndKnowsItsDepth) {
     int depth = 0;
@@ -34,3 +37,17 @@ TEST(Yield, BlockingWaitIsBoundedAndEndsEarly) {
     base::YieldBlocking(60000);
     EXPECT_LT(time.elapsed(), 30000);
 }
+
+#ifndef QUORVANE_SANITIZED // the sanitizers need the address space
+// What was asked for is done, be it a judgement, also where there is no room for another thread's stack.
+TEST(Aside, WithoutAThreadTheWorkIsDoneOnTheSpot) {
+    rlimit before{};
+    getrlimit(RLIMIT_AS, &before);
+    const rlimit nothing{1, before.rlim_max};
+    bool done = false;
+    setrlimit(RLIMIT_AS, &nothing);
+    base::RunAside([&done](const std::atomic<bool>& /*stop*/) { done = true; }, [] { return false; });
+    setrlimit(RLIMIT_AS, &before);
+    EXPECT_TRUE(done);
+}
+#endif
