@@ -22,7 +22,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # vendors and devices, and the browser's starter.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "p7zip-full | 7zip, hwdata, fonts-dejavu-core | fonts-freefont-ttf | fonts-liberation")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "mdbtools, bash-completion")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Quorvane lists every device of the machine with its manufacturer, problem

@@ -5,7 +5,7 @@
 # A|B: either will do; a release may have one name alone.
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libcurl4-openssl-dev libssl-dev libxcb1-dev
   libxcb-shape0-dev libxcb-xfixes0-dev libarchive-dev libgl-dev hwdata fonts-dejavu-core)
-run_packages=('p7zip-full|7zip')
+run_packages=('p7zip-full|7zip' qt6-wayland)
 display_packages=(xvfb openbox xdotool x11-apps imagemagick)
 # To build the Debian package.
 package_packages=(dpkg-dev gzip)
@@ -17,7 +17,7 @@ test_packages=(openssl libgtest-dev libgmock-dev nginx-light php-fpm xclip sqlit
 machine_packages=(qemu-system-x86 seabios ipxe-qemu ovmf swtpm mmdebstrap genext2fs e2fsprogs python3)
 # The desktops that tests/end_to_end/desktops goes through, and what it looks at them with.
 desktop_packages=(xfwm4 kwin-x11 metacity marco mate-settings-daemon-common mutter icewm i3-wm weston sway kwin-wayland
-  xwayland xserver-xorg-core xserver-xorg-video-dummy picom tint2 x11-utils x11-xserver-utils dbus-daemon locales)
+  xwayland xserver-xorg-core xserver-xorg-video-dummy picom tint2 wl-clipboard x11-utils x11-xserver-utils dbus-daemon locales)
 bench_packages=(libbenchmark-dev python3 xvfb openbox xdotool lshw hwinfo pciutils hardinfo curl)
 
 # For the sanitizer build with the fuzzers.

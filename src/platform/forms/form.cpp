@@ -100,6 +100,7 @@ void Form::SetWindowState(int state) {
         return;
     if (isMinimized() && !IsMinimised())
         setWindowState(Qt::WindowNoState);
+    awaitsSize_ = isMaximized() && state == NormalWindow && QGuiApplication::platformName().startsWith(u"wayland");
     if (state == MinimisedWindow)
         setWindowState(Qt::WindowMinimized);
     else if (state == MaximisedWindow)
@@ -244,6 +245,7 @@ void Form::moveEvent(QMoveEvent* event) {
 
 void Form::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    awaitsSize_ = false;
     LayOutClient();
     const QPointer<Form> alive(this);
     drag_->Told(HtBottomRight);

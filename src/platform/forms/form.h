@@ -186,6 +186,7 @@ class Form : public QWidget {
     QSize greatestSize_;
     int scaleMode_ = 1;
     bool autoRedraw_ = false;
+    bool awaitsSize_ = false; // the compositor has been asked for the normal state and will tell the size
     LoadState loadState_ = LoadState::Made;
     bool unloading_ = false;
     bool active_ = false;

@@ -23,6 +23,9 @@ QRect Form::WindowRect() const {
 }
 
 void Form::SetWindowRect(const QRect& pixels) {
+    // A surface that takes another size while it counts as maximised ends the connection, and the program with it.
+    if (awaitsSize_)
+        return;
     QRect target = pixels;
     target.setSize(target.size().expandedTo(QSize(1, 1)));
     const int extent = shadow_->ExtentFor(target);
