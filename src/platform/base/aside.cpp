@@ -10,7 +10,7 @@ namespace base {
 namespace {
 
 constexpr int waitTurn = 20;         // milliseconds; the end of the work wakes the wait at once
-constexpr uint stackSize = 1U << 20; // bytes
+constexpr uint stackSize = 2U << 20; // bytes; the sanitizers use several times what is used otherwise
 
 } // namespace
 
