@@ -8,6 +8,10 @@ namespace {
 
 constexpr uint32_t mostValues = 4096; // of one property; a desktop of 4,096 windows is read so far
 
+constexpr const char* usualNames[] = {
+    "_NET_WM_CM_S0", "_NET_WORKAREA",         "_NET_CLIENT_LIST", "_NET_CURRENT_DESKTOP",     "_GTK_WORKAREAS_D0",
+    "_NET_WM_STRUT", "_NET_WM_STRUT_PARTIAL", "_NET_WM_NAME",     "_NET_SUPPORTING_WM_CHECK", "WM_STATE"};
+
 } // namespace
 
 xcb_window_t XRoot(xcb_connection_t* connection) {
@@ -29,9 +33,19 @@ xcb_atom_t XAtom(xcb_connection_t* connection, const QByteArray& name) {
     const auto found = known.constFind(name);
     if (found != known.constEnd())
         return *found;
-    const auto reply = Owned(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, uint16_t(name.size()), name.constData()), nullptr));
-    return known.insert(name, reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE)).value();
+    // The first question asks for all usual names, since on a distant display each answer takes its time.
+    QList<QByteArray> names = {name};
+    if (known.isEmpty())
+        for (const char* usual : usualNames)
+            names.append(usual);
+    QList<xcb_intern_atom_cookie_t> asked;
+    for (const QByteArray& each : names)
+        asked.append(xcb_intern_atom(connection, 0, uint16_t(each.size()), each.constData()));
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        const auto reply = Owned(xcb_intern_atom_reply(connection, asked[i], nullptr));
+        known.insert(names[i], reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE));
+    }
+    return known.value(name);
 }
 
 xcb_get_property_cookie_t AskValues(xcb_connection_t* connection, xcb_window_t window, const QByteArray& property) {
