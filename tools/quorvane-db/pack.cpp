@@ -143,12 +143,8 @@ QString MakeArchive(const QString& named, const QString& signature, const QStrin
     QProcess engine;
     engine.setStandardInputFile(QProcess::nullDevice());
     engine.setStandardOutputFile(QProcess::nullDevice());
-    QStringList wanted = {QStringLiteral("a"),
-                          QStringLiteral("-t7z"),
-                          QStringLiteral("-mx=9"),
-                          QStringLiteral("-bd"),
-                          QStringLiteral("--"),
-                          archive,
+    QStringList wanted = {QStringLiteral("a"),   QStringLiteral("-t7z"), QStringLiteral("-mx=9"),
+                          QStringLiteral("-bd"), QStringLiteral("--"),   archive,
                           database.fileName()};
     if (!signature.isEmpty()) {
         wanted.append(QFileInfo(signature).fileName());

@@ -25,6 +25,7 @@ namespace forms {
 namespace {
 
 constexpr int updateIntervalMilliseconds = 16;
+constexpr int longestAnswer = 3000; // milliseconds
 constexpr int returnKey = 13;
 constexpr quint32 iconicState = 3; // of WM_STATE
 
@@ -101,6 +102,9 @@ void Form::SetWindowState(int state) {
     if (isMinimized() && !IsMinimised())
         setWindowState(Qt::WindowNoState);
     awaitsSize_ = isMaximized() && state == NormalWindow && QGuiApplication::platformName().startsWith(u"wayland");
+    // One that never maximised it has nothing to tell.
+    if (awaitsSize_)
+        QTimer::singleShot(longestAnswer, this, [this] { awaitsSize_ = false; });
     if (state == MinimisedWindow)
         setWindowState(Qt::WindowMinimized);
     else if (state == MaximisedWindow)

@@ -48,7 +48,7 @@ constexpr UsageRow Usages[] = {
     {0x0d, 0x02, nullptr, class_guid::HidClass, u"HID-compliant pen"},
     {0x0d, 0x04, nullptr, class_guid::HidClass, u"HID-compliant touch screen"},
     {0x0d, 0x05, nullptr, class_guid::HidClass, u"HID-compliant touch pad"},
-    {0x20, 0x01, nullptr, class_guid::Sensor, u"HID Sensor Collection"},
+    {0x20, 0x01, nullptr, class_guid::HidClass, u"HID Sensor Collection"},
 };
 
 const UsageRow* FindUsage(HidUsage usage) {
