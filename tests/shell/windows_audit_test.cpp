@@ -4,6 +4,7 @@
 #include "controls/panel_fx.h"
 #include "forms/control.h"
 #include "inventory/open_lookup.h"
+#include "suite/alpha_image.h"
 #include "suite/list_tree.h"
 #include "suite/tab_control.h"
 #include "windows_fixture.h"
@@ -133,6 +134,10 @@ TEST_F(WindowsAudit, EverythingThatCanBeOperatedHasANameAndARole) {
             }
         }
     }
+    for (size_t i = 0; i < main_->ImageLogo.size(); ++i)
+        if (main_->ImageLogo[i]->grab().toImage() ==
+            main_->ImageLogo[(i + 1) % main_->ImageLogo.size()]->grab().toImage())
+            faults << QString("two logos look alike: %1 and the next").arg(i);
     EXPECT_EQ(faults.join('\n').toStdString(), "");
 }
 
